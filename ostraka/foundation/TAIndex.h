@@ -1,0 +1,63 @@
+#pragma once
+
+#include <ostraka/Export.h>
+#include <ostraka/foundation/IndexColumn.h>
+
+// A sorted table from text keys to pointers, which also interns its keys: equal keys have one held copy, and
+// the address of that copy is the text's identity for as long as its entry lives, however the table grows.
+//
+// The table owns its keys and the value copies it was asked to make, and nothing else that its values point
+// to. A held key is good until `RemovePosition` takes its entry, `Reset`, or the table's end. A position, and
+// a plain pointer to a column, are good until the next change. An index can't be copied, and serves one
+// thread at a time, readers included.
+//
+// With n entries, a search costs about log2(n) comparisons of machine words, and rarely one of texts;
+// `Append` besides that moves a bounded number of entries. The place of an entry is found by its position, or
+// a position by its key, at once if nothing has changed since the last such question, else after one sum over
+// about n / 200 counts.
+class OSTRAKA_EXPORT TAIndex {
+public:
+    // The parallel arrays, by ascending `strcmp` of the keys.
+    ostraka::detail::IndexColumn<char*, ostraka::detail::Column::Keys, TAIndex> keys;
+    ostraka::detail::IndexColumn<void*, ostraka::detail::Column::Values, TAIndex> values;
+    // Null where the value is the caller's own pointer, else equal to the value.
+    ostraka::detail::IndexColumn<char*, ostraka::detail::Column::ValueCopies, TAIndex> valueCopies;
+
+    // Number of entries, of slots in each array, and of slots that the next growth adds. For reading only.
+    int size = 0;
+    int allocSize = 10;
+    int incSize = 10;
+
+    TAIndex() = default;
+    ~TAIndex();
+    TAIndex(const TAIndex&) = delete;
+    TAIndex& operator=(const TAIndex&) = delete;
+
+    // Enters `key` and returns the held copy. The value of a key that is there already stays. With `copy` 0
+    // the value is kept as it stands, null included; else it is a text, of which the table holds a copy of
+    // its own.
+    const char* Append(const char* key, const void* value, int copy);
+
+    // The position of `key` from 0, or -1. With `length`, the key is the first `length` characters, which
+    // needn't end in NUL; text that ends before that is no key.
+    int IsIn(const char* key) const;
+    int IsIn(const char* key, int length) const;
+
+    // The value of `key`; null when it is absent or its value is null.
+    void* operator[](const char* key) const;
+
+    // Removes the entry at `position` with its key and value copy: 0, or 1 when there is no such position.
+    int RemovePosition(int position);
+
+    // Empties the table and keeps its room; returns 0.
+    int Reset();
+
+    // Makes room for one more entry: the slots grow when it would fill the last one. Returns 0; ends in
+    // `FATAL` when there is no memory. `Append` calls it.
+    int increaseAllocSize();
+
+private:
+    void Changed();
+
+    ostraka::detail::SortedStore* store = nullptr; // null until the first entry
+};
