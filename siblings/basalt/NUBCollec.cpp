@@ -1,0 +1,3 @@
+#include <basalt/NUBCollec.h>
+
+NUBCollecRoot::~NUBCollecRoot() = default;
