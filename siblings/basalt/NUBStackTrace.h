@@ -1,7 +1,7 @@
 #pragma once
 
-// The calls that led to a place, for the last words of a process that stops. Capturing and printing allocate
-// nothing, so that both work when memory is what has run out.
+// The calls that led to a place, for the last words of a process that stops. The frames lie in the object and
+// are printed without an allocation, so that it works when memory is what has run out.
 
 #include <basalt/Export.h>
 
