@@ -1,0 +1,248 @@
+// One pass from left to right. Brackets are paired on a stack; a closing bracket whose partner isn't
+// innermost drops the unclosed ones in between, and one without any partner is passed over. Both are unsound,
+// and so is each pair around them. A sound pair holds nothing but literals and sound pairs, and then the
+// scanners, which see nothing but that text, give each end for the other.
+//
+// Operators are matched as in the middle of a text. Near the ends of a range, where the bounds decide, they
+// are matched again. In between, the rightmost operator of the highest level is the last one of a chain: from
+// the last operator of the range to the nearest one before it with a higher level, and so on. Levels are few,
+// so that the chain is short.
+
+#include <ostraka/syntax/NestingIndex.h>
+
+#include <algorithm>
+#include <array>
+
+#include <ostraka/syntax/TAPExpression.h>
+
+namespace ostraka::detail {
+
+namespace {
+
+// How far the bounds of a text reach into the matching of operators, from its begin and from its end.
+constexpr int marginAtBegin = 3;
+constexpr int marginAtEnd = 2;
+
+} // namespace
+
+NestingIndex::Kind NestingIndex::KindOf(char c) {
+    static constexpr auto kinds = [] {
+        std::array<Kind, 256> table{};
+        for (unsigned char op : {',', '&', '|', '=', '*', '+', '-', '/', '%', '^', '<', '>', '.', ':'}) {
+            table[op] = Operator;
+        }
+        table[';'] = Semicolon;
+        table['{'] = OpenBrace;
+        table['('] = OpenParenthesis;
+        table['['] = OpenBracket;
+        table['}'] = CloseBrace;
+        table[')'] = CloseParenthesis;
+        table[']'] = CloseBracket;
+        table['"'] = table['\''] = OpenLiteral;
+        return table;
+    }();
+    return kinds[static_cast<unsigned char>(c)];
+}
+
+NestingIndex::NestingIndex(const char* text, int begin, int end) : stream(text), first(begin), last(end) {
+    const auto length = static_cast<std::size_t>(last - first + 1);
+    marks.reserve(length / 4 + 16);
+    markFrom.reset(new int[length + 1]);
+    marks.push_back({first - 1, 0, 0, 0, Edge, {}});
+    for (int pos = first; pos <= last; ++pos) {
+        markFrom[static_cast<std::size_t>(pos - first)] = static_cast<int>(marks.size());
+        switch (const Kind kind = KindOf(stream[pos])) {
+        case Plain: break;
+        case Operator: AddOperator(pos); break;
+        case OpenLiteral: pos = AddLiteral(pos); break;
+        case OpenBrace:
+        case OpenParenthesis:
+        case OpenBracket:
+            openPairs.push_back({static_cast<int>(marks.size()), false});
+            ++openCount[kind];
+            Add(pos, kind, openPairs.back().mark, 0);
+            break;
+        case CloseBrace:
+        case CloseParenthesis:
+        case CloseBracket: AddClosing(pos, kind); break;
+        default: Add(pos, kind, marks.back().group, marks.back().lastOperator); break;
+        }
+    }
+    while (!openPairs.empty()) DropInnermost();
+    markFrom[length] = static_cast<int>(marks.size());
+    marks.push_back({last + 1, 0, 0, 0, Edge, {}});
+    std::sort(unsoundMarks.begin(), unsoundMarks.end());
+    openPairs = {};
+}
+
+int NestingIndex::Add(int pos, Kind kind, int group, int lastOperator) {
+    marks.push_back({pos, 0, group, lastOperator, kind, {}});
+    return static_cast<int>(marks.size()) - 1;
+}
+
+void NestingIndex::AddOperator(int pos) {
+    const OperatorMatch match = MatchOperator(stream, first, last, pos);
+    if (match.level == 0) return;
+    const Mark& before = marks.back();
+    int higher = before.lastOperator;
+    while (higher > 0 && At(higher).match.level <= match.level) higher = At(higher).link;
+    const int own = static_cast<int>(marks.size());
+    marks.push_back({pos, higher, before.group, own, Operator, match});
+}
+
+// Adds both ends of the literal at `pos` and gives the position of the last character that belongs to it.
+int NestingIndex::AddLiteral(int pos) {
+    const Mark before = marks.back();
+    const int open = Add(pos, OpenLiteral, -static_cast<int>(marks.size()), 0);
+    const int close = stream[pos] == '"' ? TAPSyntaxe::SearchEndOfString(stream, pos, last)
+                                         : TAPSyntaxe::SearchEndOfString2(stream, pos, last);
+    const int past = close > 0 ? close : last;
+    std::fill(&markFrom[static_cast<std::size_t>(pos - first)] + 1,
+              &markFrom[static_cast<std::size_t>(past - first)] + 1, open + 1);
+    // Backward scanners count the backslashes before a quote, which the pass from the left doesn't look at.
+    const bool escaped = pos > first && stream[pos - 1] == '\\';
+    if (close == 0 || escaped) MarkUnsound(open);
+    if (close == 0) return last;
+    marks[static_cast<std::size_t>(open)].link = Add(close, CloseLiteral, before.group, before.lastOperator);
+    marks.back().link = open;
+    return close;
+}
+
+void NestingIndex::AddClosing(int pos, Kind kind) {
+    const Kind opening = static_cast<Kind>(kind - CloseBrace + OpenBrace);
+    if (openCount[opening] == 0) {
+        MarkUnsound(Add(pos, kind, marks.back().group, marks.back().lastOperator));
+        return;
+    }
+    while (At(openPairs.back().mark).kind != opening) DropInnermost();
+    const OpenPair pair = openPairs.back();
+    openPairs.pop_back();
+    --openCount[opening];
+    const Mark& before = At(pair.mark - 1);
+    const int close = Add(pos, kind, before.group, before.lastOperator);
+    if (pair.unsound) {
+        if (!openPairs.empty()) openPairs.back().unsound = true;
+        return;
+    }
+    marks[static_cast<std::size_t>(pair.mark)].link = close;
+    marks[static_cast<std::size_t>(close)].link = pair.mark;
+}
+
+// Gives up the innermost open bracket as one that never closes.
+void NestingIndex::DropInnermost() {
+    const int mark = openPairs.back().mark;
+    --openCount[At(mark).kind];
+    openPairs.pop_back();
+    MarkUnsound(mark);
+}
+
+void NestingIndex::MarkUnsound(int mark) {
+    unsoundMarks.push_back(mark);
+    if (!openPairs.empty()) openPairs.back().unsound = true;
+}
+
+RangeView::RangeView(const char* text, const NestingIndex& nesting, int begin, int lastPosition)
+    : stream(text), end(lastPosition) {
+    if (begin < nesting.first || end > nesting.last || begin > end) return;
+    const bool startsInside = nesting.At(nesting.MarkFrom(begin) - 1).kind == NestingIndex::OpenLiteral;
+    const bool endsInside = nesting.At(nesting.MarkFrom(end + 1) - 1).kind == NestingIndex::OpenLiteral;
+    if (!startsInside && !endsInside) index = &nesting;
+}
+
+// The partner of the delimiter at `pos`, 0 if it lies behind the end.
+template <class Scan>
+int RangeView::Partner(int pos, NestingIndex::Kind kind, Scan scan) const {
+    if (index != nullptr && pos <= end) {
+        const NestingIndex::Mark& mark = index->At(index->MarkFrom(pos));
+        if (mark.pos == pos && mark.kind == kind && mark.link > 0) {
+            const int partner = index->At(mark.link).pos;
+            return partner <= end ? partner : 0;
+        }
+    }
+    return scan(stream, pos, end);
+}
+
+int RangeView::EndOfBlock(int pos) const {
+    return Partner(pos, NestingIndex::OpenBrace, TAPSyntaxe::SearchEndOfTAPBloc);
+}
+
+int RangeView::EndOfParenthesis(int pos) const {
+    return Partner(pos, NestingIndex::OpenParenthesis, TAPSyntaxe::SearchEndOfPar);
+}
+
+int RangeView::EndOfBracket(int pos) const {
+    return Partner(pos, NestingIndex::OpenBracket, TAPSyntaxe::SearchEndOfIndex);
+}
+
+int RangeView::EndOfString(int pos) const {
+    return Partner(pos, NestingIndex::OpenLiteral, TAPSyntaxe::SearchEndOfString);
+}
+
+int RangeView::EndOfCharacter(int pos) const {
+    return Partner(pos, NestingIndex::OpenLiteral, TAPSyntaxe::SearchEndOfString2);
+}
+
+int RangeView::EndOfNested(int pos) const {
+    switch (stream[pos]) {
+    case '(': return EndOfParenthesis(pos);
+    case '[': return EndOfBracket(pos);
+    case '"': return EndOfString(pos);
+    default: return EndOfCharacter(pos);
+    }
+}
+
+int RangeView::GroupAt(int pos) const {
+    return index->At(index->MarkFrom(pos + 1) - 1).group;
+}
+
+// Whether the text from `begin` to the end consists of whole literals and sound pairs. A bracket at the very
+// first position of the stream can't be told from none by the backward scanners.
+bool RangeView::HasSoundOperators(int begin) const {
+    if (index == nullptr || begin < index->first) return false;
+    const int firstMark = index->MarkFrom(begin);
+    const int pastMark = index->MarkFrom(end + 1);
+    const int group = index->At(firstMark - 1).group;
+    if (group < 0 || group != index->At(pastMark - 1).group) return false;
+    if (begin == 0 && index->At(firstMark).pos == 0 && index->At(firstMark).kind != NestingIndex::Operator) {
+        return false;
+    }
+    const auto& unsound = index->unsoundMarks;
+    const auto nearest = std::lower_bound(unsound.begin(), unsound.end(), firstMark);
+    return nearest == unsound.end() || *nearest >= pastMark;
+}
+
+int RangeView::SearchOperator(int begin, int& length) const {
+    if (begin >= end) return 0;
+    if (!HasSoundOperators(begin)) return TAPExpression::SearchOperator(stream, begin, end, length);
+
+    OperatorMatch best;
+    int bestPosition = 0;
+    auto consider = [&](int pos, const OperatorMatch& match) {
+        if (match.level <= best.level) return;
+        best = match;
+        bestPosition = pos - match.lead;
+    };
+    const int group = GroupAt(end);
+    auto considerMargin = [&](int from, int downTo) {
+        for (int pos = from; pos >= downTo; --pos) {
+            if (IsOperatorCharacter(stream[pos]) && GroupAt(pos) == group) {
+                consider(pos, MatchOperator(stream, begin, end, pos));
+            }
+        }
+    };
+
+    considerMargin(end, std::max(begin, end - marginAtEnd + 1));
+    const int lowest = begin + marginAtBegin;
+    int mark = index->At(index->MarkFrom(end + 1) - 1).lastOperator;
+    while (index->At(mark).pos > end - marginAtEnd) mark = index->At(mark - 1).lastOperator;
+    if (index->At(mark).pos >= lowest) {
+        while (index->At(index->At(mark).link).pos >= lowest) mark = index->At(mark).link;
+        consider(index->At(mark).pos, index->At(mark).match);
+    }
+    considerMargin(std::min(lowest - 1, end - marginAtEnd), begin);
+
+    if (best.level > 0) length = best.length;
+    return bestPosition;
+}
+
+} // namespace ostraka::detail

@@ -1,0 +1,190 @@
+// What an expression is follows from rules that are tried in a fixed order: operators go before calls and
+// casts, and a declaration is what is left. A rule that applies gives the node its kind and its children.
+
+#include <ostraka/syntax/TAPExpression.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include <ostraka/syntax/TreeBuilder.h>
+
+TAPExpression::~TAPExpression() = default;
+
+int TAPExpression::Build() {
+    return ostraka::detail::TreeBuilder(*this).BuildExpression(*this);
+}
+
+namespace ostraka::detail {
+
+namespace {
+
+void SetKind(TAPExpression& node, std::string_view kind) {
+    std::copy(kind.begin(), kind.end(), node.kind);
+}
+
+} // namespace
+
+int TreeBuilder::BuildExpression(TAPExpression& node) {
+    if (node.depth > deepest) return FailTooDeep("TAPExpression", node.depth);
+    Trim(node);
+    if (node.size == 0) return 0;
+    if (const auto result = New(node)) return *result;
+    StripParentheses(node);
+    for (auto rule : {&TreeBuilder::Literal, &TreeBuilder::Operation, &TreeBuilder::Cast, &TreeBuilder::Not,
+                      &TreeBuilder::Sequence, &TreeBuilder::Call, &TreeBuilder::Index}) {
+        if (const auto result = (this->*rule)(node)) return *result;
+    }
+    return DeclarationOrIdentifier(node);
+}
+
+void TreeBuilder::Trim(TAPExpression& node) const {
+    const int past = node.begin + node.size;
+    node.begin = SkipBlanks(node.begin, past);
+    node.size = past - node.begin;
+    while (node.size > 0 && stream[node.begin + node.size - 1] == ' ') --node.size;
+}
+
+std::optional<int> TreeBuilder::New(TAPExpression& node) {
+    if (node.size < 5 || !TextAt(node.begin, "new ")) return std::nullopt;
+    SetKind(node, "nw");
+    return AddExpression(node, node.begin + 4, node.size - 4);
+}
+
+void TreeBuilder::StripParentheses(TAPExpression& node) const {
+    if (stream[node.begin] != '(') return;
+    const int close = View(node).EndOfParenthesis(node.begin);
+    if (close == 0 || close != node.begin + node.size - 1) return;
+    node.begin += 1;
+    node.size -= 2;
+}
+
+std::optional<int> TreeBuilder::Literal(TAPExpression& node) {
+    if (stream[node.begin] != '"') return std::nullopt;
+    const int close = View(node).EndOfString(node.begin);
+    if (close == 0 || close != node.begin + node.size - 1) return std::nullopt;
+    SetKind(node, "st");
+    return 0;
+}
+
+std::optional<int> TreeBuilder::Operation(TAPExpression& node) {
+    const int past = node.begin + node.size;
+    int length = 0;
+    const int pos = View(node).SearchOperator(node.begin, length);
+    if (pos == 0) return std::nullopt;
+    SetKind(node, std::string_view(stream + pos, static_cast<std::size_t>(length)));
+    if (pos > node.begin && AddExpression(node, node.begin, pos - node.begin) != 0) return 1;
+    // Keeps the operand of a unary star in second place, where that of a binary one stands.
+    if (pos == node.begin && length == 1 && stream[pos] == '*') Add<TAPSyntaxeNULL>(node, pos, 1);
+    return AddExpression(node, pos + length, past - pos - length);
+}
+
+std::optional<int> TreeBuilder::Cast(TAPExpression& node) {
+    if (stream[node.begin] != '(') return std::nullopt;
+    SetKind(node, "ct");
+    const int close = View(node).EndOfParenthesis(node.begin);
+    if (close == 0) return Fail("Missing )");
+    Add<TAPIdentifiant>(node, node.begin + 1, close - node.begin - 1);
+    return AddExpression(node, close + 1, node.begin + node.size - close - 1);
+}
+
+std::optional<int> TreeBuilder::Not(TAPExpression& node) {
+    if (stream[node.begin] != '!') return std::nullopt;
+    SetKind(node, "!");
+    return AddExpression(node, node.begin + 1, node.size - 1);
+}
+
+// A typed list whose word the stream shows as it was written: the type, and what is declared with it.
+std::optional<int> TreeBuilder::Sequence(TAPExpression& node) {
+    static constexpr std::string_view word = "SEQUENCE(";
+    if (!TextAt(node.begin, word)) return std::nullopt;
+    const int close = View(node).EndOfParenthesis(node.begin + static_cast<int>(word.size()) - 1);
+    if (close == 0) return std::nullopt;
+    SetKind(node, "dc");
+    TAPExpression& listType = Add<TAPExpression>(node, node.begin, close - node.begin + 1);
+    SetKind(listType, "id");
+    Add<TAPIdentifiant>(listType, listType.begin, listType.size);
+    TAPExpression& declared = Add<TAPExpression>(node, close + 1, node.begin + node.size - close - 1);
+    Add<TAPIdentifiant>(declared, declared.begin, declared.size);
+    return 0;
+}
+
+// The position of the first parenthesis outside brackets and literals; one past the node if there is none,
+// and nothing where a literal doesn't close.
+std::optional<int> TreeBuilder::FirstParenthesis(const TAPExpression& node) const {
+    const RangeView range = View(node);
+    const int past = node.begin + node.size;
+    for (int pos = range.NextMark(node.begin); pos < past; pos = range.NextMark(pos + 1)) {
+        const char c = stream[pos];
+        if (c == '(') return pos;
+        if (!OpensNested(c)) continue;
+        const int close = range.EndOfNested(pos);
+        if (close == 0 && c != '[') return std::nullopt;
+        pos = close == 0 ? past : close;
+    }
+    return past;
+}
+
+std::optional<int> TreeBuilder::Call(TAPExpression& node) {
+    const int past = node.begin + node.size;
+    const auto open = FirstParenthesis(node);
+    if (!open) return 0;
+    if (*open >= past) return std::nullopt;
+    SetKind(node, "mt");
+    const int close = View(node).EndOfParenthesis(*open);
+    if (close == 0) return Fail("Missing )");
+    if (*open > node.begin && AddExpression(node, node.begin, *open - node.begin) != 0) return 1;
+    return close - *open >= 2 ? BuildArguments(Add<TAPListOfArgs>(node, *open + 1, close - *open - 1)) : 0;
+}
+
+std::optional<int> TreeBuilder::Index(TAPExpression& node) {
+    const RangeView range = View(node);
+    const int past = node.begin + node.size;
+    int open = range.NextMark(node.begin);
+    while (open < past && stream[open] != '[') {
+        if (OpensNested(stream[open])) {
+            open = range.EndOfNested(open);
+            if (open == 0) return 0;
+        }
+        open = range.NextMark(open + 1);
+    }
+    if (open >= past) return std::nullopt;
+    SetKind(node, "in");
+    const int close = range.EndOfBracket(open);
+    if (close == 0) return Fail("Missing ]");
+    if (open > node.begin && AddExpression(node, node.begin, open - node.begin) != 0) return 1;
+    return close - open >= 2 ? AddExpression(node, open + 1, close - open - 1) : 0;
+}
+
+// A declaration is split at the last blank or star before its first declarator. Nesting and literals are not
+// regarded.
+int TreeBuilder::DeclarationOrIdentifier(TAPExpression& node) {
+    const int past = node.begin + node.size;
+    const std::string_view text(stream + node.begin, static_cast<std::size_t>(std::max(node.size - 1, 0)));
+    const void* comma = memrchr(text.data(), ',', text.size());
+    const std::size_t limit = comma != nullptr
+                                  ? static_cast<std::size_t>(static_cast<const char*>(comma) - text.data())
+                                  : text.size();
+    const std::size_t split = text.substr(0, limit).find_last_of(" *");
+    if (split == std::string_view::npos) {
+        SetKind(node, "id");
+        Add<TAPIdentifiant>(node, node.begin, node.size);
+        return 0;
+    }
+    SetKind(node, "dc");
+    const int typeEnd = node.begin + static_cast<int>(split);
+    if (AddExpression(node, node.begin, typeEnd - node.begin) != 0) return 1;
+    return Declarators(node, typeEnd + 1, past);
+}
+
+int TreeBuilder::Declarators(TAPExpression& node, int begin, int past) {
+    for (int first = begin;;) {
+        const void* comma = std::memchr(stream + first, ',', static_cast<std::size_t>(past - first));
+        const int end = comma != nullptr ? static_cast<int>(static_cast<const char*>(comma) - stream) : past;
+        const int name = first < end && stream[first] == '*' ? first + 1 : first;
+        if (AddExpression(node, name, end - name) != 0) return 1;
+        if (end == past) return 0;
+        first = end + 1;
+    }
+}
+
+} // namespace ostraka::detail

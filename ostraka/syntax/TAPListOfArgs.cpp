@@ -1,0 +1,47 @@
+#include <ostraka/syntax/TAPListOfArgs.h>
+
+#include <cstring>
+
+#include <ostraka/syntax/TreeBuilder.h>
+
+TAPListOfArgs::~TAPListOfArgs() = default;
+
+int TAPListOfArgs::Build() {
+    return ostraka::detail::TreeBuilder(*this).BuildArguments(*this);
+}
+
+namespace ostraka::detail {
+
+namespace {
+
+const char* MissingEnd(char opening) {
+    return opening == '(' ? "Missing )" : opening == '"' ? "Missing \"" : "Missing '";
+}
+
+} // namespace
+
+// Only parentheses and literals protect a comma.
+int TreeBuilder::BuildArguments(TAPListOfArgs& node) {
+    if (node.depth > deepest) return FailTooDeep("TAPListOfArgs", node.depth);
+    const bool headOfLoop =
+        std::memchr(stream + node.begin, ';', static_cast<std::size_t>(node.size)) != nullptr;
+    if (headOfLoop) return 0;
+    const RangeView range = View(node);
+    const int past = node.begin + node.size;
+    for (int first = node.begin; first < past;) {
+        int pos = range.NextMark(first);
+        while (pos < past && stream[pos] != ',') {
+            if (stream[pos] != '[' && OpensNested(stream[pos])) {
+                const char opening = stream[pos];
+                pos = range.EndOfNested(pos);
+                if (pos == 0) return Fail(MissingEnd(opening));
+            }
+            pos = range.NextMark(pos + 1);
+        }
+        if (pos > first && AddExpression(node, first, pos - first) != 0) return 1;
+        first = pos + 1;
+    }
+    return 0;
+}
+
+} // namespace ostraka::detail

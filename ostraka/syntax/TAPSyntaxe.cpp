@@ -1,0 +1,218 @@
+// Life of a node, and the builder of blocks: what stands between two braces is cut into blocks and
+// instructions by the scanners, one piece after the other.
+
+#include <ostraka/syntax/TAPSyntaxe.h>
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <vector>
+
+#include <ostraka/foundation/Fatal.h>
+#include <ostraka/syntax/NodePool.h>
+#include <ostraka/syntax/TreeBuilder.h>
+
+NUBString TAPSyntaxe::ErrMsg;
+
+namespace {
+
+constexpr int inlineChildren = 2;
+constexpr int capacityStep = 5;
+
+// Entries of the children's array for a capacity; whole powers of two, so that a wide node isn't copied for
+// every few children.
+std::size_t EntriesFor(int capacity) {
+    return std::bit_ceil(static_cast<std::size_t>(capacity));
+}
+
+// The children of a node that is being destroyed, taken over from it.
+struct ReleasedChildren {
+    TAPSyntaxe* inlined[inlineChildren];
+    TAPSyntaxe** array; // owned; null if the children are inlined
+    int count;
+    int next;
+};
+
+// Children that wait for their release, those of the innermost node last; null unless one is under way.
+std::vector<ReleasedChildren>* releasing = nullptr;
+
+} // namespace
+
+TAPSyntaxe::TAPSyntaxe(int nodeType, TAPSourceFile* file, int first, int length, int position)
+    : source(file), begin(first), size(std::max(length, 0)), type(nodeType), posInFather(position) {
+    if (source != nullptr) source->AddRef();
+}
+
+TAPSyntaxe::TAPSyntaxe(int nodeType, TAPSyntaxe* father, int first, int length, int position)
+    : depth(father->depth + 1), source(father->source), begin(first), size(std::max(length, 0)),
+      type(nodeType), parent(father), posInFather(position) {
+    if (source != nullptr) source->AddRef();
+}
+
+TAPSyntaxe::~TAPSyntaxe() {
+    if (source != nullptr) source->Release();
+    std::free(content);
+    if (childCount > 0) ReleaseChildren();
+}
+
+// The outermost node of a tree releases every node below it, in the order in which destructors that call each
+// other would: a node's own children come before its next sibling.
+void TAPSyntaxe::ReleaseChildren() {
+    const bool outermost = releasing == nullptr;
+    std::vector<ReleasedChildren> waiting;
+    if (outermost) releasing = &waiting;
+    releasing->push_back({{firstChildren[0], firstChildren[1]}, moreChildren, childCount, 0});
+    if (!outermost) return;
+    while (!waiting.empty()) {
+        ReleasedChildren& top = waiting.back();
+        if (top.next == top.count) {
+            std::free(top.array);
+            waiting.pop_back();
+            continue;
+        }
+        TAPSyntaxe* const* children = top.array != nullptr ? top.array : top.inlined;
+        children[top.next++]->Release();
+    }
+    releasing = nullptr;
+}
+
+void TAPSyntaxe::Append(TAPSyntaxe* child) {
+    if (child == nullptr) return;
+    child->AddRef();
+    if (childCount < inlineChildren) {
+        firstChildren[childCount++] = child;
+        return;
+    }
+    if (childCount == childCapacity) {
+        const int capacity = childCapacity + capacityStep;
+        if (moreChildren == nullptr || EntriesFor(capacity) != EntriesFor(childCapacity)) {
+            void* array = std::realloc(moreChildren, EntriesFor(capacity) * sizeof(TAPSyntaxe*));
+            if (array == nullptr) throw std::bad_alloc();
+            moreChildren = static_cast<TAPSyntaxe**>(array);
+        }
+        childCapacity = capacity;
+        if (childCount == inlineChildren) std::copy_n(firstChildren, inlineChildren, moreChildren);
+    }
+    moreChildren[childCount++] = child;
+}
+
+TAPSyntaxe* TAPSyntaxe::Child(int i) const {
+    FATAL(i < 1 || i > childCount, "TAPSyntaxe::Child bad index");
+    return i <= inlineChildren ? firstChildren[i - 1] : moreChildren[i - 1];
+}
+
+char* TAPSyntaxe::GetContent() {
+    if (content != nullptr) return content;
+    content = static_cast<char*>(std::malloc(static_cast<std::size_t>(size) + 1));
+    if (content == nullptr) throw std::bad_alloc();
+    // A name can lie behind the stream's end, in a text that breaks off behind its keyword.
+    const int available = source != nullptr ? std::clamp(source->size - begin, 0, size) : 0;
+    if (available > 0) std::memcpy(content, GetStream(), static_cast<std::size_t>(available));
+    content[available] = 0;
+    return content;
+}
+
+void* TAPSyntaxe::operator new(std::size_t bytes) {
+#if !defined(__SANITIZE_ADDRESS__)
+    if (bytes <= ostraka::detail::NodePool::blockSize) return ostraka::detail::Pool().Allocate();
+#endif
+    return ::operator new(bytes);
+}
+
+void TAPSyntaxe::operator delete(void* block, std::size_t bytes) {
+#if !defined(__SANITIZE_ADDRESS__)
+    if (bytes <= ostraka::detail::NodePool::blockSize) return ostraka::detail::Pool().Free(block);
+#endif
+    ::operator delete(block, bytes);
+}
+
+static_assert(sizeof(TAPExpression) <= ostraka::detail::NodePool::blockSize &&
+              sizeof(TAPInstruction) <= ostraka::detail::NodePool::blockSize);
+
+int TAPSyntaxe::Build() {
+    return ostraka::detail::TreeBuilder(*this).BuildBlock(*this);
+}
+
+TAPIdentifiant::~TAPIdentifiant() = default;
+
+TAPSyntaxeNULL::~TAPSyntaxeNULL() = default;
+
+int compare(const void* a, const void* b) {
+    const auto* const* first = static_cast<const TAPSyntaxe* const*>(a);
+    const auto* const* second = static_cast<const TAPSyntaxe* const*>(b);
+    return (*first)->GetBegin() <= (*second)->GetBegin() ? -1 : 1;
+}
+
+namespace ostraka::detail {
+
+namespace {
+
+// The shortest piece that becomes a node is this much longer than one character.
+constexpr int shortestPiece = 2;
+
+} // namespace
+
+TreeBuilder::TreeBuilder(const TAPSyntaxe& top)
+    : stream(top.source != nullptr && top.source->stream != nullptr ? top.source->stream : "") {
+    if (top.source == nullptr || top.depth > deepest) return;
+    const int end = std::min(top.begin + top.size, top.source->size) - 1;
+    if (top.begin >= 0 && top.begin <= end) nesting.emplace(stream, top.begin, end);
+}
+
+int TreeBuilder::Fail(const char* text) {
+    TAPSyntaxe::ErrMsg = text;
+    return 1;
+}
+
+int TreeBuilder::FailTooDeep(const char* builder, int depth) {
+    TAPSyntaxe::ErrMsg = NUBString("Depth too high when building a ") + builder + " : " + toString(depth);
+    return 1;
+}
+
+int TreeBuilder::FailAt(TAPSyntaxe& node, const char* text, int pos, std::optional<int> length) {
+    int line = 0;
+    int col = 0;
+    node.source->GetPos(pos, line, col);
+    TAPSyntaxe::ErrMsg = NUBString(text) + toString(line) + " col " + toString(col);
+    if (length) TAPSyntaxe::ErrMsg += NUBString(" length=") + toString(*length);
+    return 1;
+}
+
+int TreeBuilder::BuildBlock(TAPSyntaxe& node) {
+    if (node.depth > deepest) return FailTooDeep("TAPSyntaxe", node.depth);
+    int past = node.begin + node.size;
+    while (past > node.begin && stream[past - 1] == ' ') --past;
+    const RangeView range = View(node.begin, past - 1);
+    int pos = SkipBlanks(node.begin, past);
+    while (pos < past) {
+        int pieceEnd = pos;
+        if (BuildPiece(node, range, pos, pieceEnd) != 0) return 1;
+        pos = SkipBlanks(pieceEnd + 1, past);
+    }
+    return 0;
+}
+
+// Makes the node for the piece that starts at `pos`, if it becomes one, and tells where the piece ends.
+int TreeBuilder::BuildPiece(TAPSyntaxe& node, const RangeView& range, int pos, int& pieceEnd) {
+    const bool shallow = node.type == STYPE_Shallow;
+    if (stream[pos] == '{') {
+        pieceEnd = range.EndOfBlock(pos);
+        if (pieceEnd == 0) return FailAt(node, "Missing TAPBloc end at line ", pos, range.End() - pos + 1);
+        TAPBloc& block = Add<TAPBloc>(node, pos + 1, pieceEnd - pos - 1);
+        return shallow ? 0 : BuildBlock(block);
+    }
+    pieceEnd = EndOfInstruction(range, pos);
+    if (pieceEnd == 0) {
+        return FailAt(node, "Missing Instruction end for Instruction starting line ", pos, std::nullopt);
+    }
+    if (pieceEnd - pos < shortestPiece) return 0;
+    const bool closed = stream[pieceEnd] == ';';
+    TAPInstruction& instruction = Add<TAPInstruction>(node, pos, pieceEnd - pos + (closed ? 0 : 1));
+    if (!closed && node.type == STYPE_File && stream[pieceEnd + 1] == '{')
+        instruction.type = STYPE_Declaration;
+    return shallow ? 0 : BuildInstruction(instruction);
+}
+
+} // namespace ostraka::detail
