@@ -26,8 +26,8 @@ protected:
     ColumnBase() = default;
     ~ColumnBase() = default;
 
-    void* Read(Column column, int position) const;
-    void** Settle(Column column) const;
+    void* read(Column column, int position) const;
+    void** settle(Column column) const;
 
     SortedStore* store = nullptr;     // owned by the index, null until it has an entry
     mutable void** settled = nullptr; // the column as one array, null while it isn't laid out
@@ -41,12 +41,12 @@ public:
     template <std::integral Position>
     Element operator[](Position position) const {
         return static_cast<Element>(settled != nullptr ? settled[position]
-                                                       : Read(column, static_cast<int>(position)));
+                                                       : read(column, static_cast<int>(position)));
     }
 
     // The first of `size` elements; may be null when there is none.
     operator Element*() const {
-        return reinterpret_cast<Element*>(settled != nullptr ? settled : Settle(column));
+        return reinterpret_cast<Element*>(settled != nullptr ? settled : settle(column));
     }
 
 private:

@@ -57,7 +57,7 @@ public:
     int increaseAllocSize();
 
 private:
-    void Changed();
+    void noteChange();
 
     ostraka::detail::SortedStore* store = nullptr; // null until the first entry
 };

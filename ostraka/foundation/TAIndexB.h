@@ -55,7 +55,7 @@ public:
     int increaseAllocSize();
 
 private:
-    void Changed();
+    void noteChange();
 
     ostraka::detail::SortedStore* store = nullptr; // null until the first entry
 };

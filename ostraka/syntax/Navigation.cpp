@@ -223,8 +223,8 @@ private:
 
 } // namespace
 
-TAPSyntaxe* TAPSyntaxe::NavigateFrom2(TAPSyntaxe* node, int count, const char** entries) {
-    for (int i = 0; i < count && node != nullptr; ++i) {
+TAPSyntaxe* TAPSyntaxe::NavigateFrom2(TAPSyntaxe* node, int length, const char** entries) {
+    for (int i = 0; i < length && node != nullptr; ++i) {
         const int code = AsNumber(entries[i]);
         if (code == SNAV_Parent) {
             node = node->parent;
@@ -232,8 +232,8 @@ TAPSyntaxe* TAPSyntaxe::NavigateFrom2(TAPSyntaxe* node, int count, const char** 
         }
         const Step& step = StepOf(code);
         ++i;
-        FATAL(i >= count && step.missingArgument != nullptr, step.missingArgument);
-        node = step.walk(node, i < count ? entries[i] : nullptr);
+        FATAL(i >= length && step.missingArgument != nullptr, step.missingArgument);
+        node = step.walk(node, i < length ? entries[i] : nullptr);
     }
     return node;
 }

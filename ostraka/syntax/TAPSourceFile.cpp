@@ -95,10 +95,10 @@ void TAPSourceFile::AdoptStream(int length) {
     nbLine = 0;
     nbCodeLine = 0;
     if (size == 0) return;
-    const auto count = static_cast<std::size_t>(length);
-    Shrink(stream, count + 1);
-    Shrink(lines, count);
-    Shrink(cols, count);
+    const auto used = static_cast<std::size_t>(length);
+    Shrink(stream, used + 1);
+    Shrink(lines, used);
+    Shrink(cols, used);
     nbLine = GetPoint(size - 1).GetLine();
     nbCodeLine = 1;
     for (int pos = 1; pos < size; ++pos) nbCodeLine += lines[pos] != lines[pos - 1] ? 1 : 0;

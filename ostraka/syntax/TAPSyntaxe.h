@@ -144,18 +144,18 @@ public:
         return NavigateFrom(this, code, entries...);
     }
 
-    // The same over an array of `count` entries, none of which ends the path.
-    TAPSyntaxe* Navigate2(int count, const char** entries) { return NavigateFrom2(this, count, entries); }
+    // The same over an array of `length` entries, none of which ends the path.
+    TAPSyntaxe* Navigate2(int length, const char** entries) { return NavigateFrom2(this, length, entries); }
 
     // Both again for a node that may be null, which gives null.
     template <class... Entries>
     static TAPSyntaxe* NavigateFrom(TAPSyntaxe* node, int code, Entries... entries) {
         const char* path[] = {PathEntry(code), PathEntry(entries)...};
-        int count = 0;
-        while (count < static_cast<int>(sizeof...(entries)) + 1 && path[count] != nullptr) ++count;
-        return NavigateFrom2(node, count, path);
+        int length = 0;
+        while (length < static_cast<int>(sizeof...(entries)) + 1 && path[length] != nullptr) ++length;
+        return NavigateFrom2(node, length, path);
     }
-    static TAPSyntaxe* NavigateFrom2(TAPSyntaxe* node, int count, const char** entries);
+    static TAPSyntaxe* NavigateFrom2(TAPSyntaxe* node, int length, const char** entries);
 
     // Comparison of texts: 0 when they are equal, else a value with the sign that strncmp gives, or 1.
     // With length -1 the whole text is compared, else the first `length` characters, which both must have.

@@ -88,8 +88,9 @@ private:
     RangeView View(int begin, int end) const {
         return nesting ? RangeView(stream, *nesting, begin, end) : RangeView(stream, end);
     }
-    bool TextAt(int pos, std::string_view text) const {
-        return stream[pos] == text[0] && std::strncmp(stream + pos, text.data(), text.size()) == 0;
+    bool TextAt(int pos, std::string_view word) const {
+        return word.empty() ||
+               (stream[pos] == word[0] && std::strncmp(stream + pos, word.data(), word.size()) == 0);
     }
     int SkipBlanks(int pos, int past) const {
         while (pos < past && stream[pos] == ' ') ++pos;
