@@ -88,9 +88,7 @@ public:
     }
 
 private:
-    static std::string_view viewOf(const char* from) {
-        return from ? std::string_view(from) : std::string_view();
-    }
+    static std::string_view viewOf(const char* from) { return from ? from : ""; }
     static std::string_view upToNul(std::string_view from) { return from.substr(0, from.find('\0')); }
     static int signOf(int order) { return (order > 0) - (order < 0); }
 
