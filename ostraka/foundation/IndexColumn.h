@@ -7,7 +7,7 @@
 // or converted to the plain pointer of its first element; what it shows is always sorted and complete. The
 // array belongs to the index. A pointer to it is for reading, and good until the index next changes.
 //
-// An index of more than a few hundred entries keeps them in pieces, so that an entry added in the middle
+// An index of more than a hundred entries keeps them in pieces, so that an entry added in the middle
 // moves little. A single element of such an index is fetched from its piece; the plain pointer, or many
 // elements read between two changes, lay the column out as one array first, which costs one pass over its
 // entries.

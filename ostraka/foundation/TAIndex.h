@@ -14,7 +14,7 @@
 // With n entries, a search costs about log2(n) comparisons of machine words, and rarely one of texts;
 // `Append` besides that moves a bounded number of entries. The place of an entry is found by its position, or
 // a position by its key, at once if nothing has changed since the last such question, else after one sum over
-// about n / 200 counts.
+// about n / 100 counts.
 class OSTRAKA_EXPORT TAIndex {
 public:
     // The parallel arrays, by ascending `strcmp` of the keys.
