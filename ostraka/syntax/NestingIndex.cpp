@@ -60,7 +60,11 @@ NestingIndex::NestingIndex(const char* text, int begin, int end) : stream(text),
         case OpenBracket:
             openPairs.push_back({static_cast<int>(marks.size()), false});
             ++openCount[kind];
-            Add(pos, kind, openPairs.back().mark, 0);
+            if (kind == OpenBrace) {
+                Add(pos, kind, marks.back().group, marks.back().lastOperator);
+            } else {
+                Add(pos, kind, openPairs.back().mark, 0);
+            }
             break;
         case CloseBrace:
         case CloseParenthesis:
@@ -119,7 +123,8 @@ void NestingIndex::AddClosing(int pos, Kind kind) {
     openPairs.pop_back();
     --openCount[opening];
     const Mark& before = At(pair.mark - 1);
-    const int close = Add(pos, kind, before.group, before.lastOperator);
+    const bool sameGroup = kind == CloseBrace && marks.back().group == before.group;
+    const int close = Add(pos, kind, before.group, (sameGroup ? marks.back() : before).lastOperator);
     if (pair.unsound) {
         if (!openPairs.empty()) openPairs.back().unsound = true;
         return;
@@ -137,7 +142,8 @@ void NestingIndex::DropInnermost() {
 }
 
 void NestingIndex::MarkUnsound(int mark) {
-    unsoundMarks.push_back(mark);
+    const bool brace = At(mark).kind == OpenBrace || At(mark).kind == CloseBrace;
+    if (!brace) unsoundMarks.push_back(mark);
     if (!openPairs.empty()) openPairs.back().unsound = true;
 }
 

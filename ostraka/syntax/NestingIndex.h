@@ -52,8 +52,9 @@ private:
         Edge, // before the first position and behind the last
     };
 
-    // A position of interest. A group is what stands between two brackets, named by the mark of the opening
-    // one, or by 0 for the text outside all of them.
+    // A position of interest. A group is what stands between two parentheses or two brackets, named by the
+    // mark of the opening one, or by 0 for the text outside all of them. Braces make no group: operators
+    // aren't nested by them.
     struct Mark {
         int pos;
         // Of a bracket or literal of sound nesting: its partner, else 0. Of an operator: the nearest operator
@@ -90,7 +91,7 @@ private:
     std::unique_ptr<int[]> markFrom;  // for each position the first mark at or behind it
     std::vector<OpenPair> openPairs;  // only while the index is made
     int openCount[CloseLiteral] = {}; // likewise, by kind
-    std::vector<int> unsoundMarks;    // brackets without partner; sorted once the index is made
+    std::vector<int> unsoundMarks;    // what nests operators and has no partner; sorted in the end
 };
 
 // A range of the stream as the builders ask for it: begin to `end`, both included. Without an index, or where

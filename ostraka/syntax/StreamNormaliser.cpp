@@ -167,7 +167,7 @@ std::uint64_t StreamNormaliser::SpecialsAt(Position pos) const {
 
 StreamNormaliser::Position StreamNormaliser::NextSpecial(Position pos) {
     for (;;) {
-        if (blockBegin == nullptr || pos - blockBegin >= blockLength) {
+        if (blockBegin == nullptr || pos < blockBegin || pos - blockBegin >= blockLength) {
             blockBegin = pos;
             specials = SpecialsAt(pos);
         }
