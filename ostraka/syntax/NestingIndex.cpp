@@ -11,7 +11,6 @@
 #include <ostraka/syntax/NestingIndex.h>
 
 #include <algorithm>
-#include <array>
 
 #include <ostraka/syntax/TAPExpression.h>
 
@@ -25,32 +24,16 @@ constexpr int marginAtEnd = 2;
 
 } // namespace
 
-NestingIndex::Kind NestingIndex::KindOf(char c) {
-    static constexpr auto kinds = [] {
-        std::array<Kind, 256> table{};
-        for (unsigned char op : {',', '&', '|', '=', '*', '+', '-', '/', '%', '^', '<', '>', '.', ':'}) {
-            table[op] = Operator;
-        }
-        table[';'] = Semicolon;
-        table['{'] = OpenBrace;
-        table['('] = OpenParenthesis;
-        table['['] = OpenBracket;
-        table['}'] = CloseBrace;
-        table[')'] = CloseParenthesis;
-        table[']'] = CloseBracket;
-        table['"'] = table['\''] = OpenLiteral;
-        return table;
-    }();
-    return kinds[static_cast<unsigned char>(c)];
-}
-
 NestingIndex::NestingIndex(const char* text, int begin, int end) : stream(text), first(begin), last(end) {
     const auto length = static_cast<std::size_t>(last - first + 1);
     marks.reserve(length / 4 + 16);
     markFrom.reset(new int[length + 1]);
     marks.push_back({first - 1, 0, 0, 0, Edge, {}});
     for (int pos = first; pos <= last; ++pos) {
-        markFrom[static_cast<std::size_t>(pos - first)] = static_cast<int>(marks.size());
+        const int next = static_cast<int>(marks.size());
+        int* slot = &markFrom[static_cast<std::size_t>(pos - first)];
+        for (; pos < last && KindOf(stream[pos]) == Plain; ++pos) *slot++ = next;
+        *slot = next;
         switch (const Kind kind = KindOf(stream[pos])) {
         case Plain: break;
         case Operator: AddOperator(pos); break;
@@ -147,14 +130,6 @@ void NestingIndex::MarkUnsound(int mark) {
     if (!openPairs.empty()) openPairs.back().unsound = true;
 }
 
-RangeView::RangeView(const char* text, const NestingIndex& nesting, int begin, int lastPosition)
-    : stream(text), end(lastPosition) {
-    if (begin < nesting.first || end > nesting.last || begin > end) return;
-    const bool startsInside = nesting.At(nesting.MarkFrom(begin) - 1).kind == NestingIndex::OpenLiteral;
-    const bool endsInside = nesting.At(nesting.MarkFrom(end + 1) - 1).kind == NestingIndex::OpenLiteral;
-    if (!startsInside && !endsInside) index = &nesting;
-}
-
 // The partner of the delimiter at `pos`, 0 if it lies behind the end.
 template <class Scan>
 int RangeView::Partner(int pos, NestingIndex::Kind kind, Scan scan) const {
@@ -197,10 +172,6 @@ int RangeView::EndOfNested(int pos) const {
     }
 }
 
-int RangeView::GroupAt(int pos) const {
-    return index->At(index->MarkFrom(pos + 1) - 1).group;
-}
-
 // Whether the text from `begin` to the end consists of whole literals and sound pairs. A bracket at the very
 // first position of the stream can't be told from none by the backward scanners.
 bool RangeView::HasSoundOperators(int begin) const {
@@ -231,7 +202,7 @@ int RangeView::SearchOperator(int begin, int& length) const {
     const int group = GroupAt(end);
     auto considerMargin = [&](int from, int downTo) {
         for (int pos = from; pos >= downTo; --pos) {
-            if (IsOperatorCharacter(stream[pos]) && GroupAt(pos) == group) {
+            if (NestingIndex::KindOf(stream[pos]) == NestingIndex::Operator && GroupAt(pos) == group) {
                 consider(pos, MatchOperator(stream, begin, end, pos));
             }
         }

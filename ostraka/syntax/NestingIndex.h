@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -21,9 +22,6 @@ inline constexpr std::uint8_t operatorAtOnce = 60;
 
 // The operator that the search finds at `pos` in the text from `begin` to `end`.
 OperatorMatch MatchOperator(const char* stream, int begin, int end, int pos);
-
-// Whether an operator can be found at a position that holds `c`.
-bool IsOperatorCharacter(char c);
 
 // Whether a parenthesis, bracket or literal starts with `c`.
 inline bool OpensNested(char c) {
@@ -71,7 +69,22 @@ private:
         bool unsound; // holds a bracket without partner
     };
 
-    static Kind KindOf(char c);
+    static constexpr auto kinds = [] {
+        std::array<Kind, 256> table{};
+        for (unsigned char op : {',', '&', '|', '=', '*', '+', '-', '/', '%', '^', '<', '>', '.', ':'}) {
+            table[op] = Operator;
+        }
+        table[';'] = Semicolon;
+        table['{'] = OpenBrace;
+        table['('] = OpenParenthesis;
+        table['['] = OpenBracket;
+        table['}'] = CloseBrace;
+        table[')'] = CloseParenthesis;
+        table[']'] = CloseBracket;
+        table['"'] = table['\''] = OpenLiteral;
+        return table;
+    }();
+    static Kind KindOf(char c) { return kinds[static_cast<unsigned char>(c)]; }
 
     int Add(int pos, Kind kind, int group, int lastOperator);
     void AddOperator(int pos);
@@ -99,7 +112,13 @@ private:
 class RangeView {
 public:
     RangeView(const char* text, int lastPosition) : stream(text), end(lastPosition) {}
-    RangeView(const char* text, const NestingIndex& nesting, int begin, int lastPosition);
+    RangeView(const char* text, const NestingIndex& nesting, int begin, int lastPosition)
+        : stream(text), end(lastPosition) {
+        if (begin < nesting.first || end > nesting.last || begin > end) return;
+        const bool startsInside = nesting.At(nesting.MarkFrom(begin) - 1).kind == NestingIndex::OpenLiteral;
+        const bool endsInside = nesting.At(nesting.MarkFrom(end + 1) - 1).kind == NestingIndex::OpenLiteral;
+        if (!startsInside && !endsInside) index = &nesting;
+    }
 
     const char* Stream() const { return stream; }
     int End() const { return end; }
@@ -130,7 +149,8 @@ private:
     }
     template <class Scan>
     int Partner(int pos, NestingIndex::Kind kind, Scan scan) const;
-    int GroupAt(int pos) const;
+    // The group of the text at a position, once all brackets up to there are counted.
+    int GroupAt(int pos) const { return index->At(index->MarkFrom(pos + 1) - 1).group; }
     bool HasSoundOperators(int begin) const;
 
     const char* stream;

@@ -4,7 +4,8 @@
 #include <ostraka/syntax/TAPExpression.h>
 
 #include <array>
-#include <cstring>
+#include <bit>
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -16,10 +17,29 @@ const char* const TAPSyntaxe::operator_3[] = {"<<=", ">>=", "->*", nullptr};
 
 namespace {
 
+// A set of characters.
+class CharacterSet {
+public:
+    constexpr explicit CharacterSet(std::string_view characters) {
+        for (char c : characters) holds[static_cast<unsigned char>(c)] = true;
+    }
+    constexpr bool operator[](char c) const { return holds[static_cast<unsigned char>(c)]; }
+
+private:
+    std::array<bool, 256> holds{};
+};
+
+constexpr CharacterSet combinesWithEqual("><&|!^%/-+*=");
+
+// Characters that a longer operator can consist of.
+constexpr CharacterSet partOfLonger("&|=*/+-%!^<>.:");
+
 // Whether the table has an entry that stands at `text`; both tables are searched from their second entry on.
 bool EntryAt(const char* const* table, const char* text) {
+    if (!partOfLonger[text[0]] || !partOfLonger[text[1]]) return false;
     for (const char* const* entry = table + 1; *entry != nullptr; ++entry) {
-        if (**entry == *text && std::strncmp(text, *entry, std::strlen(*entry)) == 0) return true;
+        const char* e = *entry;
+        if (e[0] == text[0] && e[1] == text[1] && (e[2] == 0 || e[2] == text[2])) return true;
     }
     return false;
 }
@@ -87,8 +107,7 @@ bool ShiftAssignment(const Spot& s) {
 }
 
 bool PairWithEqual(const Spot& s) {
-    return s.Has(1) && std::string_view("><&|!^%/-+*=").find(s.At(-1)) != std::string_view::npos &&
-           s.Short(2);
+    return s.Has(1) && combinesWithEqual[s.At(-1)] && s.Short(2);
 }
 
 bool Twins(const Spot& s) {
@@ -154,16 +173,16 @@ constexpr auto loneMatches = [] {
     return matches;
 }();
 
-// Characters that a longer operator can consist of.
-constexpr auto partOfLonger = [] {
-    std::array<bool, 256> part{};
-    for (char c : std::string_view("&|=*/+-%!^<>.:")) part[static_cast<unsigned char>(c)] = true;
-    return part;
+// For each character the rows that apply at it, as bits.
+constexpr auto rowsOf = [] {
+    std::array<std::uint32_t, 256> rows{};
+    for (std::size_t i = 0; i < std::size(levels); ++i) {
+        for (const char* c = levels[i].characters; *c != 0; ++c) {
+            rows[static_cast<unsigned char>(*c)] |= std::uint32_t{1} << i;
+        }
+    }
+    return rows;
 }();
-
-bool PartOfLonger(char c) {
-    return partOfLonger[static_cast<unsigned char>(c)];
-}
 
 // Steps over what is nested from the right: the position of the opening delimiter, `pos` itself where nothing
 // closes, and 0 where the delimiter has no partner.
@@ -217,22 +236,17 @@ std::optional<int> FirstMatch(const char* stream, int begin, int end, int& lengt
 
 namespace ostraka::detail {
 
-bool IsOperatorCharacter(char c) {
-    return loneMatches[static_cast<unsigned char>(c)].level > 0;
-}
-
 OperatorMatch MatchOperator(const char* stream, int begin, int end, int pos) {
     const char c = stream[pos];
     const OperatorMatch lone = loneMatches[static_cast<unsigned char>(c)];
     if (lone.level == 0) return {};
     const bool stuckToOthers =
-        (pos > begin && PartOfLonger(stream[pos - 1])) || (pos < end && PartOfLonger(stream[pos + 1]));
+        (pos > begin && partOfLonger[stream[pos - 1]]) || (pos < end && partOfLonger[stream[pos + 1]]);
     if (!stuckToOthers || c == ',') return lone;
     const Spot spot{stream, begin, end, pos};
-    for (const LevelRow& row : levels) {
-        if (std::strchr(row.characters, c) != nullptr && row.taken(spot)) {
-            return {row.level, row.lead, row.length};
-        }
+    for (std::uint32_t rows = rowsOf[static_cast<unsigned char>(c)]; rows != 0; rows &= rows - 1) {
+        const LevelRow& row = levels[std::countr_zero(rows)];
+        if (row.taken(spot)) return {row.level, row.lead, row.length};
     }
     return {};
 }

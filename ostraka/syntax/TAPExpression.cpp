@@ -30,11 +30,18 @@ int TreeBuilder::BuildExpression(TAPExpression& node) {
     if (node.size == 0) return 0;
     if (const auto result = New(node)) return *result;
     StripParentheses(node);
-    for (auto rule : {&TreeBuilder::Literal, &TreeBuilder::Operation, &TreeBuilder::Cast, &TreeBuilder::Not,
-                      &TreeBuilder::Sequence, &TreeBuilder::Call, &TreeBuilder::Index}) {
-        if (const auto result = (this->*rule)(node)) return *result;
-    }
-    return DeclarationOrIdentifier(node);
+    const RangeView range = View(node);
+    return *FirstRule<&TreeBuilder::Literal, &TreeBuilder::Operation, &TreeBuilder::Cast, &TreeBuilder::Not,
+                      &TreeBuilder::Sequence, &TreeBuilder::Call, &TreeBuilder::Index,
+                      &TreeBuilder::DeclarationOrIdentifier>(node, range);
+}
+
+// The result of the first rule that applies.
+template <auto... rules>
+std::optional<int> TreeBuilder::FirstRule(TAPExpression& node, const RangeView& range) {
+    std::optional<int> result;
+    static_cast<void>(((result = (this->*rules)(node, range)).has_value() || ...));
+    return result;
 }
 
 void TreeBuilder::Trim(TAPExpression& node) const {
@@ -58,18 +65,18 @@ void TreeBuilder::StripParentheses(TAPExpression& node) const {
     node.size -= 2;
 }
 
-std::optional<int> TreeBuilder::Literal(TAPExpression& node) {
+std::optional<int> TreeBuilder::Literal(TAPExpression& node, const RangeView& range) {
     if (stream[node.begin] != '"') return std::nullopt;
-    const int close = View(node).EndOfString(node.begin);
+    const int close = range.EndOfString(node.begin);
     if (close == 0 || close != node.begin + node.size - 1) return std::nullopt;
     SetKind(node, "st");
     return 0;
 }
 
-std::optional<int> TreeBuilder::Operation(TAPExpression& node) {
+std::optional<int> TreeBuilder::Operation(TAPExpression& node, const RangeView& range) {
     const int past = node.begin + node.size;
     int length = 0;
-    const int pos = View(node).SearchOperator(node.begin, length);
+    const int pos = range.SearchOperator(node.begin, length);
     if (pos == 0) return std::nullopt;
     SetKind(node, std::string_view(stream + pos, static_cast<std::size_t>(length)));
     if (pos > node.begin && AddExpression(node, node.begin, pos - node.begin) != 0) return 1;
@@ -78,26 +85,26 @@ std::optional<int> TreeBuilder::Operation(TAPExpression& node) {
     return AddExpression(node, pos + length, past - pos - length);
 }
 
-std::optional<int> TreeBuilder::Cast(TAPExpression& node) {
+std::optional<int> TreeBuilder::Cast(TAPExpression& node, const RangeView& range) {
     if (stream[node.begin] != '(') return std::nullopt;
     SetKind(node, "ct");
-    const int close = View(node).EndOfParenthesis(node.begin);
+    const int close = range.EndOfParenthesis(node.begin);
     if (close == 0) return Fail("Missing )");
     Add<TAPIdentifiant>(node, node.begin + 1, close - node.begin - 1);
     return AddExpression(node, close + 1, node.begin + node.size - close - 1);
 }
 
-std::optional<int> TreeBuilder::Not(TAPExpression& node) {
+std::optional<int> TreeBuilder::Not(TAPExpression& node, const RangeView&) {
     if (stream[node.begin] != '!') return std::nullopt;
     SetKind(node, "!");
     return AddExpression(node, node.begin + 1, node.size - 1);
 }
 
 // A typed list whose word the stream shows as it was written: the type, and what is declared with it.
-std::optional<int> TreeBuilder::Sequence(TAPExpression& node) {
+std::optional<int> TreeBuilder::Sequence(TAPExpression& node, const RangeView& range) {
     static constexpr std::string_view word = "SEQUENCE(";
     if (!TextAt(node.begin, word)) return std::nullopt;
-    const int close = View(node).EndOfParenthesis(node.begin + static_cast<int>(word.size()) - 1);
+    const int close = range.EndOfParenthesis(node.begin + static_cast<int>(word.size()) - 1);
     if (close == 0) return std::nullopt;
     SetKind(node, "dc");
     TAPExpression& listType = Add<TAPExpression>(node, node.begin, close - node.begin + 1);
@@ -110,8 +117,7 @@ std::optional<int> TreeBuilder::Sequence(TAPExpression& node) {
 
 // The position of the first parenthesis outside brackets and literals; one past the node if there is none,
 // and nothing where a literal doesn't close.
-std::optional<int> TreeBuilder::FirstParenthesis(const TAPExpression& node) const {
-    const RangeView range = View(node);
+std::optional<int> TreeBuilder::FirstParenthesis(const TAPExpression& node, const RangeView& range) const {
     const int past = node.begin + node.size;
     for (int pos = range.NextMark(node.begin); pos < past; pos = range.NextMark(pos + 1)) {
         const char c = stream[pos];
@@ -124,20 +130,19 @@ std::optional<int> TreeBuilder::FirstParenthesis(const TAPExpression& node) cons
     return past;
 }
 
-std::optional<int> TreeBuilder::Call(TAPExpression& node) {
+std::optional<int> TreeBuilder::Call(TAPExpression& node, const RangeView& range) {
     const int past = node.begin + node.size;
-    const auto open = FirstParenthesis(node);
+    const auto open = FirstParenthesis(node, range);
     if (!open) return 0;
     if (*open >= past) return std::nullopt;
     SetKind(node, "mt");
-    const int close = View(node).EndOfParenthesis(*open);
+    const int close = range.EndOfParenthesis(*open);
     if (close == 0) return Fail("Missing )");
     if (*open > node.begin && AddExpression(node, node.begin, *open - node.begin) != 0) return 1;
     return close - *open >= 2 ? BuildArguments(Add<TAPListOfArgs>(node, *open + 1, close - *open - 1)) : 0;
 }
 
-std::optional<int> TreeBuilder::Index(TAPExpression& node) {
-    const RangeView range = View(node);
+std::optional<int> TreeBuilder::Index(TAPExpression& node, const RangeView& range) {
     const int past = node.begin + node.size;
     int open = range.NextMark(node.begin);
     while (open < past && stream[open] != '[') {
@@ -157,21 +162,19 @@ std::optional<int> TreeBuilder::Index(TAPExpression& node) {
 
 // A declaration is split at the last blank or star before its first declarator. Nesting and literals are not
 // regarded.
-int TreeBuilder::DeclarationOrIdentifier(TAPExpression& node) {
+std::optional<int> TreeBuilder::DeclarationOrIdentifier(TAPExpression& node, const RangeView&) {
     const int past = node.begin + node.size;
     const std::string_view text(stream + node.begin, static_cast<std::size_t>(std::max(node.size - 1, 0)));
     const void* comma = memrchr(text.data(), ',', text.size());
-    const std::size_t limit = comma != nullptr
-                                  ? static_cast<std::size_t>(static_cast<const char*>(comma) - text.data())
-                                  : text.size();
-    const std::size_t split = text.substr(0, limit).find_last_of(" *");
-    if (split == std::string_view::npos) {
+    const char* split = comma != nullptr ? static_cast<const char*>(comma) : text.data() + text.size();
+    while (split > text.data() && split[-1] != ' ' && split[-1] != '*') --split;
+    if (split == text.data()) {
         SetKind(node, "id");
         Add<TAPIdentifiant>(node, node.begin, node.size);
         return 0;
     }
     SetKind(node, "dc");
-    const int typeEnd = node.begin + static_cast<int>(split);
+    const int typeEnd = static_cast<int>(split - stream) - 1;
     if (AddExpression(node, node.begin, typeEnd - node.begin) != 0) return 1;
     return Declarators(node, typeEnd + 1, past);
 }

@@ -81,10 +81,11 @@ void TAPSyntaxe::ReleaseChildren() {
 void TAPSyntaxe::Append(TAPSyntaxe* child) {
     if (child == nullptr) return;
     child->AddRef();
-    if (childCount < inlineChildren) {
-        firstChildren[childCount++] = child;
-        return;
-    }
+    Adopt(child);
+}
+
+// Adds a child behind the second one.
+void TAPSyntaxe::AdoptFurther(TAPSyntaxe* child) {
     if (childCount == childCapacity) {
         const int capacity = childCapacity + capacityStep;
         if (moreChildren == nullptr || EntriesFor(capacity) != EntriesFor(childCapacity)) {

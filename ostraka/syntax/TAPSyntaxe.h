@@ -38,6 +38,10 @@ enum : int {
     SNAV_BeginWith = 206,      // + const char*: its text begins with this one
 };
 
+namespace ostraka::detail {
+class TreeBuilder;
+}
+
 class TAPSyntaxe;
 using NUBListPtrTAPSyntaxe =
     ostraka::detail::PointerList<TAPSyntaxe, ostraka::detail::ListKind::WithoutDuplicates>;
@@ -211,6 +215,18 @@ private:
 
     TAPSyntaxe* const* Children() const { return childCount > 2 ? moreChildren : firstChildren; }
     void ReleaseChildren();
+
+    friend class ostraka::detail::TreeBuilder;
+
+    // Adds a child at the end and takes over the caller's reference on it.
+    void Adopt(TAPSyntaxe* child) {
+        if (childCount < 2) {
+            firstChildren[childCount++] = child;
+        } else {
+            AdoptFurther(child);
+        }
+    }
+    void AdoptFurther(TAPSyntaxe* child);
 };
 
 // A brace block; the braces themselves lie outside its range.

@@ -36,8 +36,7 @@ private:
     template <class Node>
     static Node& Add(TAPSyntaxe& parent, int begin, int size) {
         Node* child = new Node(&parent, begin, size, parent.ChildCount() + 1);
-        parent.Append(child);
-        child->Release();
+        parent.Adopt(child);
         return *child;
     }
 
@@ -73,16 +72,18 @@ private:
     void Trim(TAPExpression& node) const;
     std::optional<int> New(TAPExpression& node);
     void StripParentheses(TAPExpression& node) const;
-    std::optional<int> Literal(TAPExpression& node);
-    std::optional<int> Operation(TAPExpression& node);
-    std::optional<int> Cast(TAPExpression& node);
-    std::optional<int> Not(TAPExpression& node);
-    std::optional<int> Sequence(TAPExpression& node);
-    std::optional<int> Call(TAPExpression& node);
-    std::optional<int> Index(TAPExpression& node);
-    int DeclarationOrIdentifier(TAPExpression& node);
+    std::optional<int> Literal(TAPExpression& node, const RangeView& range);
+    std::optional<int> Operation(TAPExpression& node, const RangeView& range);
+    std::optional<int> Cast(TAPExpression& node, const RangeView& range);
+    std::optional<int> Not(TAPExpression& node, const RangeView& range);
+    std::optional<int> Sequence(TAPExpression& node, const RangeView& range);
+    std::optional<int> Call(TAPExpression& node, const RangeView& range);
+    std::optional<int> Index(TAPExpression& node, const RangeView& range);
+    std::optional<int> DeclarationOrIdentifier(TAPExpression& node, const RangeView& range);
     int Declarators(TAPExpression& node, int begin, int past);
-    std::optional<int> FirstParenthesis(const TAPExpression& node) const;
+    std::optional<int> FirstParenthesis(const TAPExpression& node, const RangeView& range) const;
+    template <auto... rules>
+    std::optional<int> FirstRule(TAPExpression& node, const RangeView& range);
 
     RangeView View(const TAPSyntaxe& node) const { return View(node.begin, node.begin + node.size - 1); }
     RangeView View(int begin, int end) const {
