@@ -25,10 +25,6 @@ void* MapAligned(std::size_t size) {
 
 } // namespace
 
-NodePool::Slab* NodePool::SlabOf(void* block) {
-    return reinterpret_cast<Slab*>(reinterpret_cast<std::uintptr_t>(block) & ~(slabSize - 1));
-}
-
 void NodePool::Link(Slab* slab) {
     slab->previous = nullptr;
     slab->next = open;
@@ -68,9 +64,6 @@ void NodePool::RetireSlab(Slab* slab) {
     munmap(slab, slabSize);
 }
 
-NodePool& Pool() {
-    constinit static NodePool pool;
-    return pool;
-}
+constinit NodePool nodePool;
 
 } // namespace ostraka::detail

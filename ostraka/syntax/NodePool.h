@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <new>
 
 // Memory of tree nodes. Blocks of one size come from slabs of 2 MiB that the kernel may back with huge pages;
@@ -57,7 +58,10 @@ private:
         std::size_t live;
     };
 
-    static Slab* SlabOf(void* block);
+    // Slabs are aligned to their own size.
+    static Slab* SlabOf(void* block) {
+        return reinterpret_cast<Slab*>(reinterpret_cast<std::uintptr_t>(block) & ~(slabSize - 1));
+    }
     void OpenSlab();
     void CloseSlab(Slab* slab);
     void Link(Slab* slab);
@@ -69,6 +73,22 @@ private:
 };
 
 // The pool of all trees of the process.
-NodePool& Pool();
+extern constinit NodePool nodePool;
+
+// Memory for a node of any class; those of a client may be larger than a block. Under the address sanitizer
+// each node is a block of the system, so that one that is lost or used too late is found.
+inline void* AllocateNode(std::size_t bytes) {
+#if !defined(__SANITIZE_ADDRESS__)
+    if (bytes <= NodePool::blockSize) return nodePool.Allocate();
+#endif
+    return ::operator new(bytes);
+}
+
+inline void FreeNode(void* block, std::size_t bytes) {
+#if !defined(__SANITIZE_ADDRESS__)
+    if (bytes <= NodePool::blockSize) return nodePool.Free(block);
+#endif
+    ::operator delete(block, bytes);
+}
 
 } // namespace ostraka::detail

@@ -11,10 +11,6 @@
 
 #include <ostraka/syntax/NestingIndex.h>
 
-const char* const TAPSyntaxe::operator_2[] = {"&&", "||", "==", "*=", "/=", "+=", "-=", "%=", "!=",
-                                              "&=", "^=", "|=", "<=", ">=", "->", ".*", "::", nullptr};
-const char* const TAPSyntaxe::operator_3[] = {"<<=", ">>=", "->*", nullptr};
-
 namespace {
 
 // A set of characters.
@@ -34,21 +30,31 @@ constexpr CharacterSet combinesWithEqual("><&|!^%/-+*=");
 // Characters that a longer operator can consist of.
 constexpr CharacterSet partOfLonger("&|=*/+-%!^<>.:");
 
-// Whether the table has an entry that stands at `text`; both tables are searched from their second entry on.
-bool EntryAt(const char* const* table, const char* text) {
-    if (!partOfLonger[text[0]] || !partOfLonger[text[1]]) return false;
-    for (const char* const* entry = table + 1; *entry != nullptr; ++entry) {
-        const char* e = *entry;
-        if (e[0] == text[0] && e[1] == text[1] && (e[2] == 0 || e[2] == text[2])) return true;
+// Which pairs of characters are entries of the table of pairs. Both tables of operators are searched from
+// their second entry on.
+constexpr auto pairs = [] {
+    std::array<std::array<bool, 128>, 128> table{};
+    for (std::size_t i = 1; TAPSyntaxe::operator_2[i] != nullptr; ++i) {
+        const char* entry = TAPSyntaxe::operator_2[i];
+        table[static_cast<std::size_t>(entry[0])][static_cast<std::size_t>(entry[1])] = true;
     }
-    return false;
-}
+    return table;
+}();
 
 bool Entry2At(const char* text) {
-    return EntryAt(TAPSyntaxe::operator_2, text);
+    return partOfLonger[text[0]] && partOfLonger[text[1]] &&
+           pairs[static_cast<std::size_t>(text[0])][static_cast<std::size_t>(text[1])];
 }
+
 bool Entry3At(const char* text) {
-    return EntryAt(TAPSyntaxe::operator_3, text);
+    if (!partOfLonger[text[0]] || !partOfLonger[text[1]]) return false;
+    for (std::size_t i = 1; TAPSyntaxe::operator_3[i] != nullptr; ++i) {
+        if (std::string_view(text, 2) == std::string_view(TAPSyntaxe::operator_3[i], 2) &&
+            text[2] == TAPSyntaxe::operator_3[i][2]) {
+            return true;
+        }
+    }
+    return false;
 }
 
 // A run of signs is read in pairs from the left. For a pair of signs at `first` and behind it: 0 if a third
@@ -202,9 +208,9 @@ bool ClosesFromRight(char c) {
 
 // The length of the operator that starts at `pos`, in the order of the earlier search; 0 for none.
 int OldOperatorLength(const char* stream, int end, int pos) {
-    static constexpr std::string_view pairs[] = {"->", "::", "==", "<<", ">>", "!=", "&&", "||"};
+    static constexpr std::string_view doubles[] = {"->", "::", "==", "<<", ">>", "!=", "&&", "||"};
     const std::string_view text(stream + pos, pos < end ? 2 : 1);
-    for (std::string_view pair : pairs) {
+    for (std::string_view pair : doubles) {
         if (text == pair) return 2;
     }
     return std::string_view("+-.=<>&|").find(text[0]) != std::string_view::npos ? 1 : 0;

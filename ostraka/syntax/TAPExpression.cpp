@@ -4,6 +4,7 @@
 #include <ostraka/syntax/TAPExpression.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include <ostraka/syntax/TreeBuilder.h>
@@ -18,6 +19,15 @@ namespace ostraka::detail {
 
 namespace {
 
+// Letters, digits and the underscore: a text of these alone is a word, or a number.
+constexpr auto wordCharacters = [] {
+    std::array<bool, 256> table{};
+    for (unsigned char c = '0'; c <= '9'; ++c) table[c] = true;
+    for (unsigned char c = 'a'; c <= 'z'; ++c) table[c] = table[c - 'a' + 'A'] = true;
+    table['_'] = true;
+    return table;
+}();
+
 void SetKind(TAPExpression& node, std::string_view kind) {
     std::copy(kind.begin(), kind.end(), node.kind);
 }
@@ -28,6 +38,7 @@ int TreeBuilder::BuildExpression(TAPExpression& node) {
     if (node.depth > deepest) return FailTooDeep("TAPExpression", node.depth);
     Trim(node);
     if (node.size == 0) return 0;
+    if (IsWord(node)) return MakeIdentifier(node); // as the last rule would, once no other applies
     if (const auto result = New(node)) return *result;
     StripParentheses(node);
     const RangeView range = View(node);
@@ -49,6 +60,18 @@ void TreeBuilder::Trim(TAPExpression& node) const {
     node.begin = SkipBlanks(node.begin, past);
     node.size = past - node.begin;
     while (node.size > 0 && stream[node.begin + node.size - 1] == ' ') --node.size;
+}
+
+bool TreeBuilder::IsWord(const TAPExpression& node) const {
+    const char* text = stream + node.begin;
+    return std::all_of(text, text + node.size,
+                       [](char c) { return wordCharacters[static_cast<unsigned char>(c)]; });
+}
+
+int TreeBuilder::MakeIdentifier(TAPExpression& node) {
+    SetKind(node, "id");
+    Add<TAPIdentifiant>(node, node.begin, node.size);
+    return 0;
 }
 
 std::optional<int> TreeBuilder::New(TAPExpression& node) {
@@ -168,11 +191,7 @@ std::optional<int> TreeBuilder::DeclarationOrIdentifier(TAPExpression& node, con
     const void* comma = memrchr(text.data(), ',', text.size());
     const char* split = comma != nullptr ? static_cast<const char*>(comma) : text.data() + text.size();
     while (split > text.data() && split[-1] != ' ' && split[-1] != '*') --split;
-    if (split == text.data()) {
-        SetKind(node, "id");
-        Add<TAPIdentifiant>(node, node.begin, node.size);
-        return 0;
-    }
+    if (split == text.data()) return MakeIdentifier(node);
     SetKind(node, "dc");
     const int typeEnd = static_cast<int>(split - stream) - 1;
     if (AddExpression(node, node.begin, typeEnd - node.begin) != 0) return 1;

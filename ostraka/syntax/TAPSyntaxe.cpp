@@ -40,21 +40,8 @@ std::vector<ReleasedChildren>* releasing = nullptr;
 
 } // namespace
 
-TAPSyntaxe::TAPSyntaxe(int nodeType, TAPSourceFile* file, int first, int length, int position)
-    : source(file), begin(first), size(std::max(length, 0)), type(nodeType), posInFather(position) {
-    if (source != nullptr) source->AddRef();
-}
-
-TAPSyntaxe::TAPSyntaxe(int nodeType, TAPSyntaxe* father, int first, int length, int position)
-    : depth(father->depth + 1), source(father->source), begin(first), size(std::max(length, 0)),
-      type(nodeType), parent(father), posInFather(position) {
-    if (source != nullptr) source->AddRef();
-}
-
-TAPSyntaxe::~TAPSyntaxe() {
-    if (source != nullptr) source->Release();
+void TAPSyntaxe::FreeContent() {
     std::free(content);
-    if (childCount > 0) ReleaseChildren();
 }
 
 // The outermost node of a tree releases every node below it, in the order in which destructors that call each
@@ -116,17 +103,11 @@ char* TAPSyntaxe::GetContent() {
 }
 
 void* TAPSyntaxe::operator new(std::size_t bytes) {
-#if !defined(__SANITIZE_ADDRESS__)
-    if (bytes <= ostraka::detail::NodePool::blockSize) return ostraka::detail::Pool().Allocate();
-#endif
-    return ::operator new(bytes);
+    return ostraka::detail::AllocateNode(bytes);
 }
 
 void TAPSyntaxe::operator delete(void* block, std::size_t bytes) {
-#if !defined(__SANITIZE_ADDRESS__)
-    if (bytes <= ostraka::detail::NodePool::blockSize) return ostraka::detail::Pool().Free(block);
-#endif
-    ::operator delete(block, bytes);
+    ostraka::detail::FreeNode(block, bytes);
 }
 
 static_assert(sizeof(TAPExpression) <= ostraka::detail::NodePool::blockSize &&

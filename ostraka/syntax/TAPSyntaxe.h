@@ -74,16 +74,28 @@ public:
     static NUBString ErrMsg;
 
     // Operators of two and of three characters, each table ended by null.
-    static const char* const operator_2[];
-    static const char* const operator_3[];
+    static constexpr const char* operator_2[] = {"&&", "||", "==", "*=", "/=", "+=", "-=", "%=", "!=",
+                                                 "&=", "^=", "|=", "<=", ">=", "->", ".*", "::", nullptr};
+    static constexpr const char* operator_3[] = {"<<=", ">>=", "->*", nullptr};
 
     // A node without parent; takes a reference on `file` unless it is null. A negative size counts as 0.
-    TAPSyntaxe(int nodeType, TAPSourceFile* file, int first, int length, int position);
+    TAPSyntaxe(int nodeType, TAPSourceFile* file, int first, int length, int position)
+        : source(file), begin(first), size(length > 0 ? length : 0), type(nodeType), posInFather(position) {
+        if (source != nullptr) source->AddRef();
+    }
 
     // A node below `father`, of the same file. It becomes a child only by Append.
-    TAPSyntaxe(int nodeType, TAPSyntaxe* father, int first, int length, int position);
+    TAPSyntaxe(int nodeType, TAPSyntaxe* father, int first, int length, int position)
+        : depth(father->depth + 1), source(father->source), begin(first), size(length > 0 ? length : 0),
+          type(nodeType), parent(father), posInFather(position) {
+        if (source != nullptr) source->AddRef();
+    }
 
-    ~TAPSyntaxe() override;
+    ~TAPSyntaxe() override {
+        if (source != nullptr) source->Release();
+        if (content != nullptr) FreeContent();
+        if (childCount > 0) ReleaseChildren();
+    }
 
     TAPSyntaxe(const TAPSyntaxe&) = delete;
     TAPSyntaxe& operator=(const TAPSyntaxe&) = delete;
@@ -214,6 +226,7 @@ private:
     }
 
     TAPSyntaxe* const* Children() const { return childCount > 2 ? moreChildren : firstChildren; }
+    void FreeContent();
     void ReleaseChildren();
 
     friend class ostraka::detail::TreeBuilder;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include <ostraka/syntax/NestingIndex.h>
+#include <ostraka/syntax/NodePool.h>
 #include <ostraka/syntax/TAPExpression.h>
 #include <ostraka/syntax/TAPInstruction.h>
 #include <ostraka/syntax/TAPListOfArgs.h>
@@ -35,7 +36,7 @@ private:
     // A child over the range, held by the parent alone and not built.
     template <class Node>
     static Node& Add(TAPSyntaxe& parent, int begin, int size) {
-        Node* child = new Node(&parent, begin, size, parent.ChildCount() + 1);
+        Node* child = ::new (AllocateNode(sizeof(Node))) Node(&parent, begin, size, parent.ChildCount() + 1);
         parent.Adopt(child);
         return *child;
     }
@@ -70,6 +71,8 @@ private:
 
     // Rules of expressions, in the order in which they are tried; nothing where a rule doesn't apply.
     void Trim(TAPExpression& node) const;
+    bool IsWord(const TAPExpression& node) const;
+    int MakeIdentifier(TAPExpression& node);
     std::optional<int> New(TAPExpression& node);
     void StripParentheses(TAPExpression& node) const;
     std::optional<int> Literal(TAPExpression& node, const RangeView& range);
