@@ -1,0 +1,45 @@
+#pragma once
+
+// What the plain programs of this folder share: the list of files, and what the system knows about the cost
+// of this process.
+
+#include <cstdio>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <sys/resource.h>
+
+namespace bench {
+
+inline std::vector<std::string> ReadList(const char* path) {
+    std::vector<std::string> names;
+    std::ifstream list(path);
+    for (std::string name; std::getline(list, name);) {
+        if (!name.empty()) names.push_back(name);
+    }
+    return names;
+}
+
+// Seconds that this process has spent so far, in its own code and in the system's.
+inline double CpuSeconds() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    const auto seconds = [](const timeval& t) {
+        return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) / 1e6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
+}
+
+// Bytes of the most memory that was ever resident. Taken from the process's own record, since the figure of
+// getrusage begins with that of the parent.
+inline long PeakBytes() {
+    std::ifstream status("/proc/self/status");
+    for (std::string line; std::getline(status, line);) {
+        long kilobytes = 0;
+        if (std::sscanf(line.c_str(), "VmHWM: %ld kB", &kilobytes) == 1) return kilobytes * 1024;
+    }
+    return 0;
+}
+
+} // namespace bench
