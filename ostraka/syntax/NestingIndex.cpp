@@ -172,20 +172,31 @@ int RangeView::EndOfNested(int pos) const {
     }
 }
 
-// Whether the text from `begin` to the end consists of whole literals and sound pairs. A bracket at the very
-// first position of the stream can't be told from none by the backward scanners.
+// Whether every bracket that closes between `begin` and the end was opened there too, and none is unsound.
+// Brackets that are open at the end don't matter: for a walk from the right they nest nothing. A bracket at
+// the very first position of the stream can't be told from none by the backward scanners.
 bool RangeView::HasSoundOperators(int begin) const {
     if (index == nullptr || begin < index->first) return false;
     const int firstMark = index->MarkFrom(begin);
     const int pastMark = index->MarkFrom(end + 1);
-    const int group = index->At(firstMark - 1).group;
-    if (group < 0 || group != index->At(pastMark - 1).group) return false;
+    const int outermost = index->At(firstMark - 1).group;
+    for (int group = GroupAt(end); group != outermost; group = index->At(group - 1).group) {
+        if (group < firstMark) return false;
+    }
     if (begin == 0 && index->At(firstMark).pos == 0 && index->At(firstMark).kind != NestingIndex::Operator) {
         return false;
     }
     const auto& unsound = index->unsoundMarks;
+    if (unsound.empty()) return true;
     const auto nearest = std::lower_bound(unsound.begin(), unsound.end(), firstMark);
     return nearest == unsound.end() || *nearest >= pastMark;
+}
+
+// Whether the group is `outermost`, or one that lies in it and is still open at the end.
+bool RangeView::IsOpenAtEnd(int group, int outermost) const {
+    int open = GroupAt(end);
+    while (open != group && open != outermost) open = index->At(open - 1).group;
+    return open == group;
 }
 
 int RangeView::SearchOperator(int begin, int& length) const {
@@ -199,10 +210,11 @@ int RangeView::SearchOperator(int begin, int& length) const {
         best = match;
         bestPosition = pos - match.lead;
     };
-    const int group = GroupAt(end);
+    const int outermost = index->At(index->MarkFrom(begin) - 1).group;
     auto considerMargin = [&](int from, int downTo) {
         for (int pos = from; pos >= downTo; --pos) {
-            if (NestingIndex::KindOf(stream[pos]) == NestingIndex::Operator && GroupAt(pos) == group) {
+            if (NestingIndex::KindOf(stream[pos]) == NestingIndex::Operator &&
+                IsOpenAtEnd(GroupAt(pos), outermost)) {
                 consider(pos, MatchOperator(stream, begin, end, pos));
             }
         }
@@ -210,11 +222,16 @@ int RangeView::SearchOperator(int begin, int& length) const {
 
     considerMargin(end, std::max(begin, end - marginAtEnd + 1));
     const int lowest = begin + marginAtBegin;
-    int mark = index->At(index->MarkFrom(end + 1) - 1).lastOperator;
-    while (index->At(mark).pos > end - marginAtEnd) mark = index->At(mark - 1).lastOperator;
-    if (index->At(mark).pos >= lowest) {
-        while (index->At(index->At(mark).link).pos >= lowest) mark = index->At(mark).link;
-        consider(index->At(mark).pos, index->At(mark).match);
+    int lastMark = index->MarkFrom(end + 1) - 1;
+    for (int group = GroupAt(end);; group = index->At(lastMark).group) {
+        int mark = index->At(lastMark).lastOperator;
+        while (index->At(mark).pos > end - marginAtEnd) mark = index->At(mark - 1).lastOperator;
+        if (index->At(mark).pos >= lowest) {
+            while (index->At(index->At(mark).link).pos >= lowest) mark = index->At(mark).link;
+            consider(index->At(mark).pos, index->At(mark).match);
+        }
+        if (group == outermost) break;
+        lastMark = group - 1; // in front of the bracket that opens the group
     }
     considerMargin(std::min(lowest - 1, end - marginAtEnd), begin);
 

@@ -152,6 +152,7 @@ private:
     // The group of the text at a position, once all brackets up to there are counted.
     int GroupAt(int pos) const { return index->At(index->MarkFrom(pos + 1) - 1).group; }
     bool HasSoundOperators(int begin) const;
+    bool IsOpenAtEnd(int group, int outermost) const;
 
     const char* stream;
     int end;
