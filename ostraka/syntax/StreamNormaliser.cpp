@@ -26,13 +26,11 @@ namespace {
 enum CharacterClass : std::uint8_t {
     YieldsBlank = 1, // a blank before it goes
     DropsBlank = 2,  // a blank behind it goes
-    Blank = 4,
 };
 
 constexpr auto classes = [] {
     std::array<std::uint8_t, 256> table{};
-    for (int c = 0; c <= ' '; ++c) table[static_cast<std::size_t>(c)] = Blank;
-    table[' '] |= DropsBlank;
+    table[' '] = DropsBlank;
     for (unsigned char c : {'(', ')', ',', ';', '-', '\'', '"', '*', ':'}) table[c] |= YieldsBlank;
     for (unsigned char c : {'(', ')', ',', ';', '>', '"', '\''}) table[c] |= DropsBlank;
     return table;
@@ -182,6 +180,7 @@ StreamNormaliser::Position StreamNormaliser::NextSpecial(Position pos) {
 StreamNormaliser::Position StreamNormaliser::HandleSpecial(Position pos) {
     const char c = *pos;
     joined = false;
+    if (IsBlank(c)) return BlankAt(pos);
     switch (c) {
     case '"': return StringAt(pos);
     case '\'': return CharacterAt(pos);
@@ -194,7 +193,6 @@ StreamNormaliser::Position StreamNormaliser::HandleSpecial(Position pos) {
     case 'S': return LetterAt(pos);
     default: break;
     }
-    if (IsBlank(c)) return BlankAt(pos);
     StoreReduced(c, Column(pos));
     if (c == ')' && length > 1 && out[length - 2] == 't') RemoveWordsAtEnd();
     return pos + 1;
@@ -256,15 +254,10 @@ void StreamNormaliser::NotePlace(int column) {
     marks.push_back({static_cast<int>(length), line >> 16, column >> 16});
 }
 
+// Stores a character that is no blank, and takes out a blank before it where that has no meaning.
 void StreamNormaliser::StoreReduced(char c, int column) {
-    const std::uint8_t own = ClassOf(c);
-    const char last = Last();
-    if ((own & YieldsBlank) != 0) {
-        length -= last == ' ' ? 1 : 0;
-    } else if ((own & Blank) != 0 && (ClassOf(last) & DropsBlank) != 0) {
-        return;
-    }
-    Store((own & Blank) != 0 ? ' ' : c, column);
+    if ((ClassOf(c) & YieldsBlank) != 0 && Last() == ' ') --length;
+    Store(c, column);
 }
 
 void StreamNormaliser::StartLine(Position newline) {
@@ -294,7 +287,7 @@ void StreamNormaliser::RemoveWordsAtEnd() {
 // something that drops them.
 StreamNormaliser::Position StreamNormaliser::BlankAt(Position pos) {
     if (*pos == '\n') StartLine(pos);
-    StoreReduced(*pos, Column(pos));
+    if ((ClassOf(Last()) & DropsBlank) == 0) Store(' ', Column(pos));
     return SkipSpaces(pos + 1, past);
 }
 

@@ -94,7 +94,11 @@ public:
     ~TAPSyntaxe() override {
         if (source != nullptr) source->Release();
         if (content != nullptr) FreeContent();
-        if (childCount > 0) ReleaseChildren();
+        if (childCount == 1 && firstChildren[0]->childCount == 0) {
+            firstChildren[0]->Release(); // the leaf of a word: half of all nodes
+        } else if (childCount > 0) {
+            ReleaseChildren();
+        }
     }
 
     TAPSyntaxe(const TAPSyntaxe&) = delete;
