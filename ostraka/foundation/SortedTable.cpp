@@ -30,8 +30,17 @@ void copyRun(Run* from, int first, int count, Run* to) {
     to->skip = from->skip;
 }
 
-int* resizeCounts(int* counts, int capacity) {
-    return static_cast<int*>(reallocate(counts, static_cast<std::size_t>(capacity) * sizeof(int)));
+template <class Element>
+void resize(Element*& elements, int capacity) {
+    elements =
+        static_cast<Element*>(reallocate(elements, static_cast<std::size_t>(capacity) * sizeof(Element)));
+}
+
+void writeColumn(Run* run, Column column, void** out) {
+    if (column == Column::ValueCopies)
+        std::transform(run->keys(), run->keys() + run->count, run->values(), out, valueCopyOf);
+    else
+        shift(column == Column::Keys ? run->keys() : run->values(), run->count, out);
 }
 
 } // namespace
@@ -102,7 +111,10 @@ SortedStore::~SortedStore() {
     std::free(root);
     std::free(counts);
     std::free(starts);
-    for (const Layout& layout : layouts) std::free(layout.elements);
+    for (const Layout& layout : layouts) {
+        std::free(layout.elements);
+        std::free(layout.places);
+    }
 }
 
 void SortedStore::freeKeys() {
@@ -121,23 +133,29 @@ void SortedStore::clear() {
     if (tall) counts[0] = 0;
     total = 0;
     noteChange(0);
+    noteRemoval();
 }
 
 void SortedStore::growRoot() {
     Run* larger = makeRun(root->capacity * 2);
     copyRun(root, 0, root->count, larger);
     std::free(std::exchange(root, larger));
-    if (!tall) return;
-    counts = resizeCounts(counts, root->capacity);
-    starts = resizeCounts(starts, root->capacity);
+    if (tall) resizeSlots();
+}
+
+// Gives what is kept for each leaf as many slots as the top run has.
+void SortedStore::resizeSlots() {
+    resize(counts, root->capacity);
+    resize(starts, root->capacity);
+    for (Layout& layout : layouts)
+        if (layout.places != nullptr) resize(layout.places, root->capacity);
 }
 
 // Puts a top run over the only leaf.
 void SortedStore::makeTall() {
     Run* leaf = std::exchange(root, makeRun(16));
     tall = true;
-    counts = resizeCounts(counts, root->capacity);
-    starts = resizeCounts(starts, root->capacity);
+    resizeSlots();
     copyRun(leaf, 0, 1, root);
     root->values()[0] = leaf;
     counts[0] = leaf->count;
@@ -148,15 +166,25 @@ Run* SortedStore::takeLeaf() {
     return spare != nullptr ? std::exchange(spare, spare->next) : makeRun(leafRoom);
 }
 
-void SortedStore::openCount(int leaf) {
-    shift(counts + leaf, root->count - leaf, counts + leaf + 1);
+// Room for what is kept of a leaf that is about to enter the top run.
+void SortedStore::openSlot(int leaf) {
+    const int behind = root->count - leaf;
+    shift(counts + leaf, behind, counts + leaf + 1);
+    for (Layout& layout : layouts) {
+        if (layout.places == nullptr) continue;
+        shift(layout.places + leaf, behind, layout.places + leaf + 1);
+        layout.places[leaf] = -1;
+    }
 }
 
 void SortedStore::dropLeaf(int leaf) {
     Run* run = leafOf(leaf);
     run->next = std::exchange(spare, run);
     closeGap(root, leaf);
-    shift(counts + leaf + 1, root->count - leaf, counts + leaf);
+    const int behind = root->count - leaf;
+    shift(counts + leaf + 1, behind, counts + leaf);
+    for (Layout& layout : layouts)
+        if (layout.places != nullptr) shift(layout.places + leaf + 1, behind, layout.places + leaf);
     noteChange(leaf);
 }
 
@@ -166,9 +194,14 @@ void SortedStore::forgetShared() {
 }
 
 void SortedStore::noteChange(int leaf) {
-    known = std::min({known, leaf + 1, leafCount()});
-    for (Layout& layout : layouts) layout.leaves = std::min(layout.leaves, leaf);
+    known = std::min(known, leaf + 1);
+    for (Layout& layout : layouts)
+        if (layout.places != nullptr) layout.places[leaf] = -1;
     reads = 0;
+}
+
+void SortedStore::noteRemoval() {
+    for (Layout& layout : layouts) layout.shrunk = true;
 }
 
 int SortedStore::startOf(int leaf) {
@@ -207,20 +240,46 @@ void** SortedStore::settle(Column column) {
     if (!tall && column == Column::Keys) return root->keys();
     if (!tall && column == Column::Values) return root->values();
     Layout& layout = layouts[static_cast<int>(column)];
+    fitLayout(layout);
+    if (tall)
+        updateLayout(layout, column);
+    else
+        writeColumn(root, column, layout.elements);
+    return layout.elements;
+}
+
+void SortedStore::fitLayout(Layout& layout) {
     if (layout.capacity < total) {
         layout.capacity = total + total / 2;
-        layout.elements = static_cast<void**>(
-            reallocate(layout.elements, static_cast<std::size_t>(layout.capacity) * sizeof(void*)));
+        resize(layout.elements, layout.capacity);
     }
-    for (; layout.leaves < leafCount(); ++layout.leaves) {
-        Run* run = leafOf(layout.leaves);
-        void** out = layout.elements + startOf(layout.leaves);
-        if (column == Column::ValueCopies)
-            std::transform(run->keys(), run->keys() + run->count, run->values(), out, valueCopyOf);
-        else
-            shift(column == Column::Keys ? run->keys() : run->values(), run->count, out);
+    if (!tall || (layout.places != nullptr && !layout.shrunk)) return;
+    if (layout.places == nullptr) resize(layout.places, root->capacity);
+    std::fill_n(layout.places, leafCount(), -1);
+    layout.shrunk = false;
+}
+
+// Nothing has left the leaves that are laid out, so each only moves up: from the last one down, the changed
+// leaves are written anew, and what lies unchanged between two of them moves in one piece. Below the first
+// change all is in place.
+void SortedStore::updateLayout(Layout& layout, Column column) {
+    int last = leafCount() - 1;
+    startOf(last);
+    while (last >= 0 && layout.places[last] != starts[last]) {
+        int first = last;
+        if (layout.places[last] < 0) {
+            writeColumn(leafOf(last), column, layout.elements + starts[last]);
+        } else {
+            const int distance = starts[last] - layout.places[last];
+            while (first > 0 && layout.places[first - 1] == starts[first - 1] - distance &&
+                   layout.places[first - 1] >= 0)
+                --first;
+            shift(layout.elements + layout.places[first], starts[last] + counts[last] - starts[first],
+                  layout.elements + starts[first]);
+        }
+        std::copy(starts + first, starts + last + 1, layout.places + first);
+        last = first - 1;
     }
-    return layout.elements;
 }
 
 void* ColumnBase::read(Column column, int position) const {

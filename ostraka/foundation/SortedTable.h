@@ -75,11 +75,13 @@ public:
     void clear();
 
 protected:
-    // A column as one array, right as far as its first `leaves` leaves reach.
+    // A column as one array, as it was when it was last laid out.
     struct Layout {
         void** elements = nullptr;
         int capacity = 0;
-        int leaves = 0;
+        int* places =
+            nullptr; // where each leaf lies in it, -1 if the leaf has changed; null while there is one leaf
+        bool shrunk = false; // whether an entry has been removed since
     };
 
     static Run* makeRun(int capacity);
@@ -92,17 +94,21 @@ protected:
     int startOf(int leaf);
     int leafAt(int position);
     void growRoot();
+    void resizeSlots();
     void makeTall();
     Run* takeLeaf();
-    void openCount(int leaf);
+    void openSlot(int leaf);
     void dropLeaf(int leaf);
     void forgetShared();
     void freeKeys();
     void noteChange(int leaf);
+    void noteRemoval();
+    void fitLayout(Layout& layout);
+    void updateLayout(Layout& layout, Column column);
 
     Run* root;
     Run* spare = nullptr;  // emptied leaves, linked by `next`
-    int* counts = nullptr; // entries of each leaf, as long as the top run
+    int* counts = nullptr; // entries of each leaf, with as many slots as the top run
     int* starts = nullptr; // position of the first entry of each leaf, right for the first `known` of them
     int known = 1;
     int cursor = 0; // the leaf that was read last
@@ -256,7 +262,7 @@ void SortedTable<Order>::split(Place& place, void* key) {
     sharpen(right);
 
     if (root->count == root->capacity) growRoot();
-    openCount(place.leaf + 1);
+    openSlot(place.leaf + 1);
     counts[place.leaf] = left->count;
     counts[place.leaf + 1] = right->count;
     add(root, place.leaf + 1, atEnd ? key : right->keys()[0], right);
@@ -294,6 +300,7 @@ void SortedTable<Order>::remove(int position) {
     closeGap(run, place.position);
     --total;
     noteChange(place.leaf);
+    noteRemoval();
     if (run->count == 0 && leafCount() > 1)
         dropLeaf(place.leaf);
     else if (run->count == 0)
