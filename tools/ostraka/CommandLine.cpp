@@ -142,7 +142,7 @@ void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Fo
         ->type_name("JSON");
     AddChoice<Format>(app, "--format", request.format, formats, "How to print");
     app.add_option("--jobs", request.jobs, "Share the files among N processes")
-        ->check(CLI::Range(1, 256))
+        ->check(CLI::Range(1, 256).description(""))
         ->type_name("N");
     AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
     app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
@@ -161,7 +161,7 @@ void AddTreeOptions(CLI::App& app, Request& request) {
         request.node = ParseNode(text);
     };
     app.add_option("--depth", request.depth, "Print N levels below the first node")
-        ->check(CLI::Range(0, 1000))
+        ->check(CLI::Range(0, 1000).description(""))
         ->type_name("N");
     app.add_option_function<std::string>("--node", takeNode, "Print this node and what is below, as in 1.4.2")
         ->type_name("PATH");

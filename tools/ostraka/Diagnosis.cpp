@@ -88,8 +88,8 @@ struct Wording {
 };
 
 constexpr Wording wordings[] = {
-    {"Missing TAPBloc end", "missing } for this {"},
-    {"Missing Instruction end", "instruction without end: a bracket or a literal in it isn't closed"},
+    {"Missing TAPBloc end", "no } for this {, or something inside it isn't closed"},
+    {"Missing Instruction end", "no end of this instruction: a bracket or a literal in it isn't closed"},
     {"Depth too high", "nested more than 900 levels deep"},
     {"Missing )", "missing )"},
     {"Missing ]", "missing ]"},

@@ -1,6 +1,7 @@
 // With several jobs, worker w of n takes the batches w, w + n, w + 2n, ... of the files and sends the result
-// of each through a pipe of its own. The parent takes the batches in their order, so a worker is at most a
-// pipe's content ahead of what was shown. Trees can't be built by threads, since their failures share a text.
+// of each through a pipe of its own once the whole batch is done. The parent takes the batches in their
+// order, so a worker is at most a batch ahead of what was shown. Trees can't be built by threads, since their
+// failures share a text.
 
 #include "Jobs.h"
 
@@ -76,13 +77,19 @@ bool Receive(int pipe, Result& result) {
            ReadAll(pipe, result.err.data(), result.err.size());
 }
 
+bool SendBatch(int pipe, const std::vector<Result>& results) {
+    return std::all_of(results.begin(), results.end(),
+                       [=](const Result& result) { return Send(pipe, result); });
+}
+
 [[noreturn]] void Work(const Request& request, const std::vector<Input>& inputs, std::size_t first,
                        std::size_t step, int pipe) {
     for (std::size_t number = first; number < BatchCount(inputs); number += step) {
         const Batch batch = BatchAt(inputs, number);
-        Result result;
-        for (std::size_t i = batch.begin; i < batch.past; ++i) RunVerb(request, inputs[i], i, result);
-        if (!Send(pipe, result)) break; // the parent has gone
+        std::vector<Result> results(batch.past - batch.begin);
+        for (std::size_t i = batch.begin; i < batch.past; ++i)
+            RunVerb(request, inputs[i], i, results[i - batch.begin]);
+        if (!SendBatch(pipe, results)) break; // the parent has gone
     }
     std::_Exit(0);
 }
@@ -99,14 +106,13 @@ Worker Start(const Request& request, const std::vector<Input>& inputs, std::size
     return {};
 }
 
-// For files whose worker ended before its time.
-void FailBatch(const Request& request, const std::vector<Input>& inputs, const Batch& batch, Result& result) {
-    result = Result();
-    for (std::size_t i = batch.begin; i < batch.past; ++i) {
-        ++result.failed;
-        AppendMessage(result.err, inputs[i].path, std::nullopt, "error",
-                      "the job that worked on it ended early", request.colorErrors);
-    }
+// For a file whose worker ended before its time.
+Result EndedEarly(const Request& request, const Input& input) {
+    Result result;
+    result.failed = 1;
+    AppendMessage(result.err, input.path, std::nullopt, "error", "the job that worked on it ended early",
+                  request.colorErrors);
+    return result;
 }
 
 void Show(const Result& result, Result& total, Console& console) {
@@ -132,12 +138,11 @@ Result RunInWorkers(const Request& request, const std::vector<Input>& inputs, st
     std::vector<Worker> workers;
     for (std::size_t w = 0; w < count; ++w) workers.push_back(Start(request, inputs, w, count));
     Result total;
-    for (std::size_t number = 0; number < BatchCount(inputs); ++number) {
-        const Batch batch = BatchAt(inputs, number);
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
         Result result;
-        if (!Receive(workers[number % count].pipe, result)) FailBatch(request, inputs, batch, result);
+        if (!Receive(workers[i / batchSize % count].pipe, result)) result = EndedEarly(request, inputs[i]);
         Show(result, total, console);
-        console.ShowProgress(batch.past, inputs.size());
+        console.ShowProgress(i + 1, inputs.size());
     }
     for (const Worker& worker : workers) {
         if (worker.process < 0) continue;

@@ -93,7 +93,7 @@ TAPSyntaxe* FindTop(const Request& request, const Input& input, SourceUnit& unit
         const std::vector<int> reached(request.node.begin(),
                                        request.node.begin() + static_cast<std::ptrdiff_t>(i));
         AppendMessage(result.err, input.path, PlaceOf(unit.File(), *node), "error",
-                      fmt::format("no node {}: node {} has {} children", PathText(request.node),
+                      fmt::format("no node {} (children of node {}: {})", PathText(request.node),
                                   PathText(reached), node->ChildCount()),
                       request.colorErrors);
         ++result.notFound;
