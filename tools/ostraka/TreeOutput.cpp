@@ -179,13 +179,14 @@ void PrintTreeText(const Request& request, const Input& input, SourceUnit& unit,
 void PrintTreeJson(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
     fmt::format_to(std::back_inserter(result.out), ",\"complete\":{},\"nodes\":[", !unit.GetFailure());
     TAPSyntaxe* top = FindTop(request, input, unit, result);
-    const char* separator = "\n";
+    const bool lines = request.format == Format::Json;
+    const char* separator = lines ? "\n" : "";
     if (top != nullptr) {
         for (TreeWalk walk(*top, PathText(request.node), request.depth); walk.Node() != nullptr;
              walk.Next()) {
             result.out += separator;
             PrintNodeJson(request, unit.File(), walk, result.out);
-            separator = request.format == Format::Json ? ",\n" : ",";
+            separator = lines ? ",\n" : ",";
         }
     }
     result.out += ']';
