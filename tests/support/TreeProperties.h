@@ -14,7 +14,7 @@
 
 class TreeProperties {
 public:
-    explicit TreeProperties(std::string_view text) : source(text) {}
+    explicit TreeProperties(std::string_view bytes) : source(bytes) {}
 
     // The first property that doesn't hold, with the node that breaks it; empty when all hold.
     std::string Fault() {
