@@ -13,8 +13,8 @@ namespace ostraka::detail {
 
 namespace {
 
-void checkMemory(const void* block) {
-    FATAL(block == nullptr, "TAIndex::increaseAllocSize failed, memory allocation failed");
+void checkMemory(bool granted) {
+    FATAL(!granted, "TAIndex::increaseAllocSize failed, memory allocation failed");
 }
 
 // Moves `count` elements to a place that may overlap theirs.
@@ -53,13 +53,13 @@ void writeColumn(Run* run, Column column, void** out) {
 
 void* allocate(std::size_t bytes) {
     void* block = std::malloc(bytes);
-    checkMemory(block);
+    checkMemory(block != nullptr);
     return block;
 }
 
 void* reallocate(void* block, std::size_t bytes) {
     block = std::realloc(block, bytes);
-    checkMemory(block);
+    checkMemory(block != nullptr);
     return block;
 }
 
@@ -180,7 +180,7 @@ void SortedStore::addSlab() {
     constexpr std::size_t largest = std::size_t{1} << 21;
     const std::size_t size = slab == nullptr ? smallest : std::min(slab->size * 2, largest);
     void* room = size < largest ? allocate(size) : std::aligned_alloc(largest, largest);
-    checkMemory(room);
+    checkMemory(room != nullptr);
 #ifdef MADV_HUGEPAGE
     // Leaves are visited at random, so that with small pages most visits would have to look up their page.
     if (size == largest) madvise(room, largest, MADV_HUGEPAGE);
