@@ -71,7 +71,7 @@ inline constexpr Hostile hostiles[] = {
     {"quote never closed", "char*s=\"", "abcdefgh", 600'000, "", "", 1,
      "Missing Instruction end for Instruction starting line 1 col 2"},
     {"character never closed", "char c='", "abcdefgh", 600'000, "", "", 1, "Missing Instruction end"},
-    {"quotes", "", "\"", 1'000'001, "", "", 1, "Missing Instruction end"},
+    {"quotes", "", "\"", 1'000'015, "", "", 1, "Missing Instruction end"},
     {"escaped quotes", "x=\"", "\\\"", 500'000, "\";", "", 0, ""},
     {"backslashes in a string", "x=\"", "\\\\", 500'000, "\";", "", 0, ""},
     {"arguments that don't close", "", "f(a,", 100'000, "", "", 1, "Missing Instruction end"},
