@@ -40,7 +40,8 @@ bool WriteAll(int descriptor, const char* data, std::size_t size) {
 }
 
 Console::Console(bool quiet)
-    : progressWanted(!quiet && isatty(STDERR_FILENO) != 0), nextProgress(Clock::now() + progressAfter) {}
+    : dataOnTerminal(isatty(STDOUT_FILENO) != 0), progressWanted(!quiet && isatty(STDERR_FILENO) != 0),
+      nextProgress(Clock::now() + progressAfter) {}
 
 void Console::Out(std::string_view data) {
     pending += data;
@@ -56,7 +57,7 @@ void Console::Err(std::string_view message) {
 
 void Console::Flush() {
     if (pending.empty()) return;
-    ClearProgress();
+    if (dataOnTerminal) ClearProgress();
     if (!WriteAll(STDOUT_FILENO, pending.data(), pending.size())) EndUnwritable(errno);
     pending.clear();
 }

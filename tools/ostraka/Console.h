@@ -33,6 +33,7 @@ private:
     void ClearProgress();
 
     std::string pending;
+    bool dataOnTerminal;
     bool progressWanted;
     bool progressShown = false;
     Clock::time_point nextProgress;
