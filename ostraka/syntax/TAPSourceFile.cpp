@@ -94,6 +94,8 @@ void TAPSourceFile::AdoptStream(int length) {
     size = length;
     nbLine = 0;
     nbCodeLine = 0;
+    // Marks of characters that were taken out again at the very end.
+    while (!placeMarks.empty() && placeMarks.back().pos >= size) placeMarks.pop_back();
     if (size == 0) return;
     const auto used = static_cast<std::size_t>(length);
     Shrink(stream, used + 1);
