@@ -66,36 +66,6 @@ inline std::string_view MarkOf(const TAPSyntaxe* node) {
     return {};
 }
 
-// The node before this one under the same parent, found at once where the node stands at the position that
-// its creator gave it.
-inline TAPSyntaxe* PreviousSibling(const TAPSyntaxe& node) {
-    const TAPSyntaxe* parent = node.parent;
-    const int position = node.posInFather;
-    if (parent == nullptr) return nullptr;
-    if (position < 1 || ChildOf(parent, position) != &node) return parent->GetPrevious(&node);
-    return position > 1 ? parent->Child(position - 1) : nullptr;
-}
-
-inline TAPSyntaxe* NextSibling(const TAPSyntaxe& node) {
-    const TAPSyntaxe* parent = node.parent;
-    const int position = node.posInFather;
-    if (parent == nullptr) return nullptr;
-    if (position < 1 || ChildOf(parent, position) != &node) return parent->GetNext(&node);
-    return ChildOf(parent, position + 1);
-}
-
-// Whether declarations and blocks may lie in the node or below it; below expressions there are only
-// expressions, argument lists and leaves.
-inline bool HoldsStatements(const TAPSyntaxe& node) {
-    switch (node.type) {
-    case STYPE_Expression:
-    case STYPE_Identifiant:
-    case STYPE_ListOfArgs:
-    case STYPE_NULL: return false;
-    default: return true;
-    }
-}
-
 // Whether the index has the key, which needn't end in NUL.
 inline bool Holds(const TAIndex& index, std::string_view key) {
     return index.IsIn(key.data(), static_cast<int>(key.size())) >= 0;
