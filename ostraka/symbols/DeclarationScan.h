@@ -17,7 +17,7 @@ inline std::string_view WithoutHandle(std::string_view name) {
 }
 
 // Enters the name that a typedef or a named enum declares. False if the declaration is neither.
-bool EnterNamedType(TAPSymbolTable& table, const TAPSyntaxe& declaration);
+bool EnterNamedType(TAPSymbolTable& table, TAPSyntaxe& declaration);
 
 // Takes out of `functions` what the scan of this root has entered there, before the tree goes.
 void ForgetFunctions(TAPSymbolTable& table, const TAPSyntaxe& root);

@@ -66,6 +66,12 @@ inline std::string_view MarkOf(const TAPSyntaxe* node) {
     return {};
 }
 
+// Child i if its kind is a mark; else null.
+inline TAPSyntaxe* MarkedChild(const TAPSyntaxe* node, int i) {
+    TAPSyntaxe* child = ChildOf(node, i);
+    return MarkOf(child).empty() ? nullptr : child;
+}
+
 // Whether the index has the key, which needn't end in NUL.
 inline bool Holds(const TAIndex& index, std::string_view key) {
     return index.IsIn(key.data(), static_cast<int>(key.size())) >= 0;
