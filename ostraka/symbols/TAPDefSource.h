@@ -48,9 +48,9 @@ public:
     void AddInclude(TAPDefSource* included);
     // Takes this source out of the `includes` of all others.
     void LeaveIncluders();
+    // Empties `includes`.
+    void ForgetIncludes();
 
 private:
-    void dropIncludes();
-
     std::vector<TAPDefSource*> includers; // sources that AddInclude has given this one, once for each entry
 };
