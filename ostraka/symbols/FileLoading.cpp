@@ -182,11 +182,3 @@ int TAPSymbolTable::LoadFile(const char* name, int full) {
 int TAPSymbolTable::LoadFile(TAFileBuffer* buffer, int full) {
     return LoadAs(Language::Cxx, *this, buffer, full);
 }
-
-int TAPSymbolTable::LoadIdlFile(const char* name, int full) {
-    return sources.IsIn(name) >= 0 ? loaded : LoadIdlFile(new TAFileBuffer(name, 0), full);
-}
-
-int TAPSymbolTable::LoadIdlFile(TAFileBuffer* buffer, int full) {
-    return LoadAs(Language::Idl, *this, buffer, full);
-}
