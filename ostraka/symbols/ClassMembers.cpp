@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <ostraka/symbols/NodeShape.h>
+#include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/Siblings.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefMethod.h>
@@ -170,10 +171,7 @@ int TAPDefMethod::SearchArgs(TAPSymbolTable* table, TAPSyntaxe* argsNode) {
         args.Append(new TAPDefVar(node, isKnown ? argName.CastToCharPtr() : nullptr,
                                   isKnown ? type.CastToCharPtr() : "?", table));
     }
-    if (IsOnlyVoid(args)) {
-        args[1]->Release();
-        args.RemoveAll(1);
-    }
+    if (IsOnlyVoid(args)) ostraka::detail::ReleaseAll(args);
     return 0;
 }
 

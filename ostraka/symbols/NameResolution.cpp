@@ -10,6 +10,7 @@
 #include <vector>
 
 #include <ostraka/symbols/NodeShape.h>
+#include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/Siblings.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefVar.h>
@@ -47,9 +48,7 @@ public:
     DeclaredVariables(TAPSymbolTable& table, TAPSyntaxe* node) {
         isDeclaration = table.IsVariableOrFunctionDeclaration(node, vars) == 1;
     }
-    ~DeclaredVariables() {
-        for (int i = vars.Size(); i >= 1; --i) vars[i]->Release();
-    }
+    ~DeclaredVariables() { ostraka::detail::ReleaseAll(vars); }
     DeclaredVariables(const DeclaredVariables&) = delete;
     DeclaredVariables& operator=(const DeclaredVariables&) = delete;
 

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include <ostraka/symbols/CircleWatch.h>
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
@@ -140,25 +141,6 @@ std::string BareNames(std::string_view type) {
     return bare;
 }
 
-// Notices that a walk from class to class has come back to where it was, by remembering one class at a time,
-// each for twice as many steps as the one before.
-class CircleWatch {
-public:
-    bool IsBackAt(const TAPDefClass* reached) {
-        if (reached == remembered) return true;
-        if (++steps < patience) return false;
-        remembered = reached;
-        steps = 0;
-        patience *= 2;
-        return false;
-    }
-
-private:
-    const TAPDefClass* remembered = nullptr;
-    long steps = 0;
-    long patience = 1;
-};
-
 std::string_view TextOrEmpty(const char* text) {
     return text != nullptr ? text : std::string_view();
 }
@@ -201,7 +183,7 @@ int TAPSymbolTable::InheritFrom(const char* derived, const char* base) const {
     const std::string_view sought = WithoutMarks(TextOrEmpty(base));
     if (start.empty()) return 0;
     if (start == sought) return 1;
-    CircleWatch watch;
+    ostraka::detail::CircleWatch watch;
     for (const TAPDefClass* known = GetClass(start.c_str()); known != nullptr && !watch.IsBackAt(known);
          known = GetClass(known->parent)) {
         if (TextOrEmpty(known->name) == sought) return 1;
