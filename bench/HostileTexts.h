@@ -52,8 +52,7 @@ struct Hostile {
 
 inline constexpr Hostile hostiles[] = {
     {"braces, closed", "", "{", 100'000, "", "}", 1, "Depth too high when building a TAPSyntaxe : 901"},
-    {"braces, never closed", "", "{", 100'000, "", "", 1,
-     "Missing TAPBloc end at line 1 col 2 length=100000"},
+    {"braces, never closed", "", "{", 100'000, "", "", 1, "Missing TAPBloc end at line 1 col 2 length="},
     {"parentheses, closed", "", "(", 100'000, "", ")", 0, ""},
     {"parentheses, never closed", "", "(", 100'000, "", "", 1,
      "Missing Instruction end for Instruction starting line 1 col 2"},

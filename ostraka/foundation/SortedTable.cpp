@@ -2,6 +2,7 @@
 #include <ostraka/foundation/SortedTable.h>
 
 #include <new>
+#include <sys/mman.h>
 #include <utility>
 
 // A leaf's entries have the positions from its start on. The starts are sums of the counts of the leaves
@@ -34,6 +35,11 @@ template <class Element>
 void resize(Element*& elements, int capacity) {
     elements =
         static_cast<Element*>(reallocate(elements, static_cast<std::size_t>(capacity) * sizeof(Element)));
+}
+
+std::size_t runSize(int capacity) {
+    constexpr std::size_t slot = sizeof(std::uint64_t) + 2 * sizeof(void*);
+    return sizeof(Run) + static_cast<std::size_t>(capacity) * slot;
 }
 
 void writeColumn(Run* run, Column column, void** out) {
@@ -79,9 +85,7 @@ char* valueCopyOf(void* heldKey, void* value) {
 }
 
 Run* SortedStore::makeRun(int capacity) {
-    constexpr std::size_t slot = sizeof(std::uint64_t) + 2 * sizeof(void*);
-    return new (allocate(sizeof(Run) + static_cast<std::size_t>(capacity) * slot))
-        Run{0, capacity, 0, nullptr};
+    return new (allocate(runSize(capacity))) Run{0, capacity, 0, nullptr};
 }
 
 void SortedStore::openGap(Run* run, int at) {
@@ -105,9 +109,7 @@ void SortedStore::moveTail(Run* from, int at, Run* to) {
 
 SortedStore::~SortedStore() {
     freeKeys();
-    while (leafCount() > 1) dropLeaf(leafCount() - 1);
-    while (spare != nullptr) std::free(std::exchange(spare, spare->next));
-    if (tall) std::free(leafOf(0));
+    while (slab != nullptr) std::free(std::exchange(slab, slab->next));
     std::free(root);
     std::free(counts);
     std::free(starts);
@@ -151,9 +153,11 @@ void SortedStore::resizeSlots() {
         if (layout.places != nullptr) resize(layout.places, root->capacity);
 }
 
-// Puts a top run over the only leaf.
+// Puts a top run over the only leaf, which moves to a slab.
 void SortedStore::makeTall() {
-    Run* leaf = std::exchange(root, makeRun(16));
+    Run* leaf = takeLeaf();
+    copyRun(root, 0, root->count, leaf);
+    std::free(std::exchange(root, makeRun(16)));
     tall = true;
     resizeSlots();
     copyRun(leaf, 0, 1, root);
@@ -163,7 +167,25 @@ void SortedStore::makeTall() {
 }
 
 Run* SortedStore::takeLeaf() {
-    return spare != nullptr ? std::exchange(spare, spare->next) : makeRun(leafRoom);
+    if (spare != nullptr) return std::exchange(spare, spare->next);
+    if (slab == nullptr || slab->used + runSize(leafRoom) > slab->size) addSlab();
+    void* room = reinterpret_cast<char*>(slab) + slab->used;
+    slab->used += runSize(leafRoom);
+    return new (room) Run{0, leafRoom, 0, nullptr};
+}
+
+// Each slab is twice as large as the one before, up to the size of a large page.
+void SortedStore::addSlab() {
+    constexpr std::size_t smallest = std::size_t{1} << 14;
+    constexpr std::size_t largest = std::size_t{1} << 21;
+    const std::size_t size = slab == nullptr ? smallest : std::min(slab->size * 2, largest);
+    void* room = size < largest ? allocate(size) : std::aligned_alloc(largest, largest);
+    checkMemory(room);
+#ifdef MADV_HUGEPAGE
+    // Leaves are visited at random, so that with small pages most visits would have to look up their page.
+    if (size == largest) madvise(room, largest, MADV_HUGEPAGE);
+#endif
+    slab = new (room) Slab{slab, size, sizeof(Slab)};
 }
 
 // Room for what is kept of a leaf that is about to enter the top run.

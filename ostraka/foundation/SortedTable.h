@@ -21,7 +21,9 @@
 // to.
 namespace ostraka::detail {
 
-inline constexpr int leafRoom = 128;
+// A doubling of the smallest run, so that a table's first leaf can become as large as any.
+inline constexpr int smallestRoom = 4;
+inline constexpr int leafRoom = smallestRoom << 5;
 
 // `malloc` and `realloc` that end in `FATAL` when there is no memory.
 void* allocate(std::size_t bytes);
@@ -57,7 +59,7 @@ struct Place {
 // The part of a table that needs no order: its runs, and the way from a position to its entry and back.
 class SortedStore {
 public:
-    SortedStore() : root(makeRun(4)) {}
+    SortedStore() : root(makeRun(smallestRoom)) {}
     ~SortedStore();
     SortedStore(const SortedStore&) = delete;
     SortedStore& operator=(const SortedStore&) = delete;
@@ -79,9 +81,16 @@ protected:
     struct Layout {
         void** elements = nullptr;
         int capacity = 0;
-        int* places =
-            nullptr; // where each leaf lies in it, -1 if the leaf has changed; null while there is one leaf
+        // Where each leaf lies in it, -1 if the leaf has changed; null while there is one leaf.
+        int* places = nullptr;
         bool shrunk = false; // whether an entry has been removed since
+    };
+
+    // Header of a block that leaves are cut from. They return as spare leaves, the block at the table's end.
+    struct Slab {
+        Slab* next;
+        std::size_t size;
+        std::size_t used;
     };
 
     static Run* makeRun(int capacity);
@@ -97,6 +106,7 @@ protected:
     void resizeSlots();
     void makeTall();
     Run* takeLeaf();
+    void addSlab();
     void openSlot(int leaf);
     void dropLeaf(int leaf);
     void forgetShared();
@@ -107,6 +117,7 @@ protected:
     void updateLayout(Layout& layout, Column column);
 
     Run* root;
+    Slab* slab = nullptr;  // the slab in use, linked to the full ones
     Run* spare = nullptr;  // emptied leaves, linked by `next`
     int* counts = nullptr; // entries of each leaf, with as many slots as the top run
     int* starts = nullptr; // position of the first entry of each leaf, right for the first `known` of them
@@ -167,7 +178,7 @@ inline int firstNotBelow(const std::uint64_t* words, int count, std::uint64_t wo
 // Asks for the cache lines of a leaf that a search is about to touch, instead of one after the other.
 inline void fetchAhead(Run* leaf, int count) {
     __builtin_prefetch(leaf);
-    for (int i = leafRoom / 8; i < count; i += leafRoom / 4) __builtin_prefetch(leaf->prefixes() + i);
+    for (int i = 4; i < count; i += 8) __builtin_prefetch(leaf->prefixes() + i);
 }
 
 template <class Order>

@@ -1,0 +1,6 @@
+a \
+ b \ c\\ d
+#define X \  
+ 1 \
+ 2
+int y;

@@ -1,0 +1,5 @@
+/*/ one */ int a; // two
+/* three
+ four */ int b /**/ ;
+// five \
+int c;

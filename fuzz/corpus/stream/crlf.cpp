@@ -1,0 +1,3 @@
+int a;
+#define B 2
+	int c ;

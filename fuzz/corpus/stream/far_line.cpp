@@ -1,0 +1,12 @@
+#define A 1
+int a;
+
+/* b
+
+ */ int c ;
+
+
+
+
+
+int d;

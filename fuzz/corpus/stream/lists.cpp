@@ -1,0 +1,5 @@
+NUBLISTP( Foo ) x;
+NUBLISTV(Bar) y;
+SEQUENCE (octet ) z;
+DEF_SEQUENCE(w) ; IMPL_SEQUENCE(v);
+          

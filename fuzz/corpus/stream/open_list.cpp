@@ -1,0 +1,3 @@
+int a;
+NUBLISTP(Foo Bar) b;
+               

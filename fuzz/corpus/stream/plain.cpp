@@ -1,0 +1,4 @@
+int main ( int  argc , char * argv [ ] )
+{
+	return argc > 1 ? 1 : 0 ;
+}

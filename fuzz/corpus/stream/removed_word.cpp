@@ -1,0 +1,1 @@
+a__stdcall

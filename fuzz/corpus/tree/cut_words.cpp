@@ -1,0 +1,1 @@
+{static }{typedef }{class }{interface }{virtual }{inline }{enum }{struct }{class ExportedBy }{return }{delete }{else }

@@ -1,0 +1,1 @@
+delete p ; delete [ ] q ; delete [ 3 ] r ; delete a , f ( b ) ; deleted = 1 ;

@@ -1,0 +1,1 @@
+((((a))))+[[b]]; {{{{c;d;ee;}}}} f(g(h(i,j),k),l); if(a)if(b){if(cc)dd;}else ee;

@@ -1,0 +1,1 @@
+a<b>c; a&&b||c; x::y; *p; -q; --r; s--; t+=u<<=v; w.*x->*y; public: protected: z;

@@ -1,0 +1,1 @@
+void f ( ) { NUBTry { g ( ) ; } NUBEndTry ( e ) ; NUBTry x ; return ( a + b ) ; }

@@ -1,0 +1,19 @@
+#pragma once
+
+// Every public header of the library.
+
+#include <ostraka/foundation/Fatal.h>
+#include <ostraka/foundation/TACallback.h>
+#include <ostraka/foundation/TAFileBuffer.h>
+#include <ostraka/foundation/TAIndex.h>
+#include <ostraka/foundation/TAIndexB.h>
+#include <ostraka/foundation/TARefCounter.h>
+#include <ostraka/foundation/TextHelpers.h>
+#include <ostraka/foundation/TypedLists.h>
+#include <ostraka/syntax/TAPExpression.h>
+#include <ostraka/syntax/TAPInstruction.h>
+#include <ostraka/syntax/TAPListOfArgs.h>
+#include <ostraka/syntax/TAPSourceFile.h>
+#include <ostraka/syntax/TAPSyntaxe.h>
+#include <ostraka/syntax/TAPSyntaxePath.h>
+#include <ostraka/syntax/TAPSyntaxePoint.h>

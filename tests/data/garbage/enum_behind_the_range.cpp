@@ -1,0 +1,1 @@
+\ExportedByExportedByfor()__stdcall enum inline x;

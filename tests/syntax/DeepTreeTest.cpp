@@ -1,0 +1,103 @@
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <bench/HostileTexts.h>
+#include <ostraka/syntax/TAPSyntaxePath.h>
+
+#include "support/Source.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t stackSize = 4 << 20; // the sanitizer makes each frame several times as large
+#else
+constexpr std::size_t stackSize = 512 << 10;
+#endif
+
+constexpr int deepest = 901; // a name below the last expression that may be built
+
+void RunOnSmallStack(std::function<void()> work) {
+    pthread_attr_t attributes;
+    pthread_t thread;
+    pthread_attr_init(&attributes);
+    ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackSize), 0);
+    const auto run = [](void* function) -> void* {
+        (*static_cast<std::function<void()>*>(function))();
+        return nullptr;
+    };
+    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
+    pthread_join(thread, nullptr);
+    pthread_attr_destroy(&attributes);
+}
+
+// So many blocks, in them so many instructions in instructions, and in those expressions of one form.
+struct Nesting {
+    int blocks;
+    int instructions;
+    std::string_view open;
+    std::string_view close;
+};
+
+constexpr Nesting nestings[] = {
+    {890, 0, "!", ""},  {0, 220, "!", ""},     {0, 0, "f(a,", ",b)"},
+    {0, 0, "a[", "]"},  {0, 0, "a=b+c->", ""}, {0, 0, "(int)", ""},
+    {0, 0, "new ", ""}, {0, 0, "*", ""},       {300, 70, "(*e)f(g[(b)*-new h[&", "]])"},
+};
+
+// `levels` fills up what the forms leave of the depth.
+std::string Text(const Nesting& nesting, int units, int levels) {
+    const auto repeat = [](std::string_view text, int count) {
+        return bench::Repeat(text, static_cast<std::size_t>(count));
+    };
+    return repeat("{", nesting.blocks) + repeat("else if(a) inline ", nesting.instructions) +
+           repeat(nesting.open, units) + repeat("!", levels) + "xx" + repeat(nesting.close, units) + ";" +
+           repeat("}", nesting.blocks);
+}
+
+bool Builds(const std::string& text) {
+    Source source(text);
+    source.Build();
+    return source.buildResult == 0;
+}
+
+// The largest number up to the bound for which the text can be built.
+template <class TextOf>
+int Most(TextOf textOf) {
+    int good = 0;
+    for (int bad = deepest + 1; bad - good > 1;) {
+        const int middle = (good + bad) / 2;
+        (Builds(textOf(middle)) ? good : bad) = middle;
+    }
+    return good;
+}
+
+void Walk(Source& source) {
+    NUBListPtrTAPSyntaxe found;
+    NUBListValNUBString pieces;
+    EXPECT_EQ(source.root->FindOccurrences("xx", found), 1);
+    EXPECT_EQ(source.root->GetListOfString(pieces), 1);
+    EXPECT_EQ(source.root->GetLastLeaf()->ChildCount(), 0);
+    EXPECT_EQ(found[1]->depth, deepest);
+    EXPECT_EQ(TAPSyntaxePath(found[1]).posInTree.Size(), deepest);
+}
+
+TEST(DeepTree, IsBuiltWalkedAndReleasedOnASmallStack) {
+    for (const Nesting& nesting : nestings) {
+        RunOnSmallStack([&] {
+            const int units = Most([&](int count) { return Text(nesting, count, 0); });
+            const int levels = Most([&](int count) { return Text(nesting, units, count); });
+            Source source(Text(nesting, units, levels));
+            source.Build();
+            ASSERT_EQ(source.buildResult, 0);
+            Walk(source);
+            EXPECT_FALSE(Builds(Text(nesting, units, levels + 1)));
+            EXPECT_NE(TAPSyntaxe::ErrMsg.FindPosition("TAPExpression : 901"), -1) << nesting.open;
+        });
+    }
+}
+
+} // namespace

@@ -1,0 +1,247 @@
+#include "CommandLine.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <iterator>
+#include <numeric>
+#include <span>
+#include <string_view>
+
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+#include <unistd.h>
+
+namespace ostraka::tool {
+
+namespace {
+
+struct VerbInfo {
+    Verb verb;
+    const char* name;
+    const char* summary;
+    std::array<const char*, 3> examples;
+};
+
+constexpr VerbInfo verbs[] = {
+    {Verb::Stream,
+     "stream",
+     "Print the normalised text of files: without comments, directives and needless blanks",
+     {"ostraka stream Berth.h", "ostraka stream --map Berth.h Berth.cpp",
+      "ostraka stream --includes --macros Berth.h"}},
+    {Verb::Tree,
+     "tree",
+     "Print the syntax tree of files, one node a line",
+     {"ostraka tree --depth 1 Berth.cpp", "ostraka tree --node 1.1 --depth 2 Berth.cpp",
+      "ostraka tree --format jsonl --jobs 2 ."}},
+};
+
+constexpr std::string_view exitCodes =
+    "Exit codes: 0 done, 1 nothing found, 2 wrong usage, 3 some file failed and the rest is valid";
+
+std::string Footer(const VerbInfo& info) {
+    return fmt::format("Examples:\n  {}\n\n{}", fmt::join(info.examples, "\n  "), exitCodes);
+}
+
+std::size_t Distance(std::string_view a, std::string_view b) {
+    std::vector<std::size_t> row(b.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < b.size(); ++j) {
+            const std::size_t changed = diagonal + (a[i] != b[j] ? 1 : 0);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({changed, row[j + 1] + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+// ", did you mean ...?" for the nearest known word, or nothing when none is near.
+std::string Hint(std::string_view word, const std::vector<std::string>& known) {
+    const auto nearest = std::min_element(known.begin(), known.end(), [=](const auto& a, const auto& b) {
+        return Distance(word, a) < Distance(word, b);
+    });
+    if (nearest == known.end() || Distance(word, *nearest) > std::max<std::size_t>(2, word.size() / 3))
+        return "";
+    return fmt::format(", did you mean {}?", *nearest);
+}
+
+int FailUsage(std::string_view text) {
+    fmt::print(stderr, "ostraka: {}\nostraka: see ostraka --help\n", text);
+    return ExitUsage;
+}
+
+std::vector<std::string> OptionNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : app.get_options())
+        for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
+    return names;
+}
+
+std::vector<std::string> VerbNames() {
+    std::vector<std::string> names;
+    std::transform(std::begin(verbs), std::end(verbs), std::back_inserter(names),
+                   [](const VerbInfo& info) { return info.name; });
+    return names;
+}
+
+// "1.4.2"; the root is "0".
+std::string CheckNode(const std::string& text) {
+    const bool shaped = !text.empty() && text.find_first_not_of("0123456789.") == text.npos &&
+                        text.find("..") == text.npos && text.front() != '.' && text.back() != '.';
+    return shaped ? "" : "a node is a path of positions such as 1.4.2, not " + text;
+}
+
+std::vector<int> ParseNode(const std::string& text) {
+    std::vector<int> path;
+    if (text == "0") return path;
+    for (std::size_t at = 0; at < text.size();
+         at = text.find('.', at) == text.npos ? text.size() : text.find('.', at) + 1)
+        path.push_back(static_cast<int>(std::min(std::strtol(text.c_str() + at, nullptr, 10), 1L << 30)));
+    return path;
+}
+
+template <class Enum>
+struct Choice {
+    const char* name;
+    Enum value;
+};
+
+constexpr Choice<Format> streamFormats[] = {
+    {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}};
+constexpr Choice<Format> treeFormats[] = {
+    {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}, {"dump", Format::Dump}};
+constexpr Choice<ColorMode> colorModes[] = {
+    {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
+
+// An option that takes one of a few words.
+template <class Enum>
+void AddChoice(CLI::App& app, const char* option, Enum& value, std::span<const Choice<Enum>> choices,
+               const char* description) {
+    std::vector<std::string> names;
+    for (const Choice<Enum>& choice : choices) names.push_back(choice.name);
+    const auto take = [=, &value](const std::string& word) {
+        const auto* choice = std::find_if(choices.data(), choices.data() + choices.size(),
+                                          [&](const Choice<Enum>& known) { return known.name == word; });
+        if (choice == choices.data() + choices.size())
+            throw CLI::ValidationError(
+                fmt::format("{} doesn't take '{}'{}", option, word, Hint(word, names)));
+        value = choice->value;
+    };
+    app.add_option_function<std::string>(option, take, description)
+        ->type_name(fmt::format("{}", fmt::join(names, "|")));
+}
+
+void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
+    app.add_option("FILE", request.paths, "Files, folders to walk, or - for standard input")->type_name("");
+    app.add_option("--files-from", request.filesFrom, "Take the files that LIST names, one a line")
+        ->type_name("LIST");
+    app.add_option("--compile-commands", request.compileCommands, "Take the files of a compile_commands.json")
+        ->type_name("JSON");
+    AddChoice<Format>(app, "--format", request.format, formats, "How to print");
+    app.add_option("--jobs", request.jobs, "Share the files among N processes")
+        ->check(CLI::Range(1, 256).description(""))
+        ->type_name("N");
+    AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
+    app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
+}
+
+void AddStreamOptions(CLI::App& app, Request& request) {
+    app.add_flag("--map", request.map, "Print the text in pieces, each with the place it comes from");
+    app.add_flag("--includes", request.includes, "Print the names of the included files");
+    app.add_flag("--macros", request.macros, "Print the macros with the first word of their text");
+}
+
+void AddTreeOptions(CLI::App& app, Request& request) {
+    const auto takeNode = [&request](const std::string& text) {
+        if (const std::string problem = CheckNode(text); !problem.empty())
+            throw CLI::ValidationError(problem);
+        request.node = ParseNode(text);
+    };
+    app.add_option("--depth", request.depth, "Print N levels below the first node")
+        ->check(CLI::Range(0, 1000).description(""))
+        ->type_name("N");
+    app.add_option_function<std::string>("--node", takeNode, "Print this node and what is below, as in 1.4.2")
+        ->type_name("PATH");
+    app.add_flag("--full", request.fullText, "Print the texts of the nodes whole");
+}
+
+CLI::App* AddVerb(CLI::App& app, const VerbInfo& info, Request& request) {
+    CLI::App* verb = app.add_subcommand(info.name, info.summary);
+    verb->allow_extras();
+    verb->footer(Footer(info));
+    if (info.verb == Verb::Stream) {
+        AddCommonOptions(*verb, request, streamFormats);
+        AddStreamOptions(*verb, request);
+    } else {
+        AddCommonOptions(*verb, request, treeFormats);
+        AddTreeOptions(*verb, request);
+    }
+    return verb;
+}
+
+bool ColorFor(ColorMode mode, int descriptor) {
+    if (mode != ColorMode::Auto) return mode == ColorMode::Always;
+    const char* noColor = std::getenv("NO_COLOR");
+    const char* terminal = std::getenv("TERM");
+    if (noColor != nullptr && *noColor != 0) return false;
+    return isatty(descriptor) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
+}
+
+std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request& request) {
+    const std::vector<std::string> extras = chosen.remaining();
+    if (!extras.empty()) {
+        return FailUsage(fmt::format("{} has no option {}{}", info.name, extras.front(),
+                                     Hint(extras.front(), OptionNames(chosen))));
+    }
+    if (request.paths.empty() && request.filesFrom.empty() && request.compileCommands.empty())
+        return FailUsage(fmt::format("{} needs a file, a folder or a list of files", info.name));
+    request.verb = info.verb;
+    request.colorOutput = ColorFor(request.color, STDOUT_FILENO);
+    request.colorErrors = ColorFor(request.color, STDERR_FILENO);
+    return std::nullopt;
+}
+
+// The first word that is no option names the verb; "help" stands for the option.
+std::vector<std::string> Words(int argc, char** argv) {
+    std::vector<std::string> words(argv + 1, argv + argc);
+    if (words.empty() || words.front() != "help") return words;
+    words.erase(words.begin());
+    words.push_back("--help");
+    return words;
+}
+
+} // namespace
+
+std::optional<int> ParseCommandLine(int argc, char** argv, Request& request) {
+    CLI::App app("Reads C++ and IDL sources that no compiler here can build.", "ostraka");
+    app.set_version_flag("--version", "ostraka " OSTRAKA_VERSION);
+    app.footer(std::string("Each verb has its own --help with examples.\n") + std::string(exitCodes));
+    std::vector<CLI::App*> chosen;
+    for (const VerbInfo& info : verbs) chosen.push_back(AddVerb(app, info, request));
+
+    std::vector<std::string> words = Words(argc, argv);
+    if (words.empty()) return FailUsage("a verb is missing");
+    const std::vector<std::string> names = VerbNames();
+    if (!words.front().starts_with('-') &&
+        std::find(names.begin(), names.end(), words.front()) == names.end())
+        return FailUsage(fmt::format("there is no verb {}{}", words.front(), Hint(words.front(), names)));
+    try {
+        std::reverse(words.begin(), words.end());
+        app.parse(words);
+    } catch (const CLI::Success& help) {
+        return app.exit(help);
+    } catch (const CLI::ExtrasError& error) {
+        return FailUsage(fmt::format("there is no option {}{}", app.remaining().front(),
+                                     Hint(app.remaining().front(), OptionNames(app))));
+    } catch (const CLI::ParseError& error) {
+        return FailUsage(error.what());
+    }
+    for (std::size_t i = 0; i < chosen.size(); ++i)
+        if (chosen[i]->parsed()) return Finish(*chosen[i], verbs[i], request);
+    return FailUsage("a verb is missing");
+}
+
+} // namespace ostraka::tool

@@ -1,0 +1,58 @@
+#include "RawFile.h"
+
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <system_error>
+
+#include <gneiss/qxErrorCodeManager.h>
+#include <gneiss/qxMMap.h>
+#include <ostraka/foundation/TAFileBuffer.h>
+#include <sys/stat.h>
+
+namespace ostraka::tool {
+
+namespace {
+
+// A scanner may look ahead by a word.
+constexpr int padding = 8;
+
+const char* ReasonNotToRead(const struct stat& status, bool standardInput) {
+    if (S_ISDIR(status.st_mode)) return "is a folder";
+    if (standardInput || S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode)) return nullptr;
+    return "is a device or a socket, not a file";
+}
+
+} // namespace
+
+std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& problem) {
+    const bool standardInput = path == "-";
+    const char* opened = standardInput ? "/dev/stdin" : path.c_str();
+    struct stat status {};
+    if (stat(opened, &status) != 0) {
+        problem = std::generic_category().message(errno);
+        return nullptr;
+    }
+    if (const char* reason = ReasonNotToRead(status, standardInput)) {
+        problem = reason;
+        return nullptr;
+    }
+    auto buffer = std::make_unique<TAFileBuffer>(path.c_str(), 0);
+    buffer->loaded = 1;
+    if (qxMMap(opened, padding, buffer->buffer, buffer->size, '\n') == 0) return buffer;
+    problem = qxExtLastError.GetMsgError().CastToCharPtr();
+    return nullptr;
+}
+
+std::unique_ptr<TAFileBuffer> MakeBuffer(std::string_view text) {
+    auto buffer = std::make_unique<TAFileBuffer>("", 0);
+    buffer->loaded = 1;
+    buffer->size = static_cast<unsigned int>(text.size());
+    buffer->buffer = static_cast<char*>(std::calloc(text.size() + padding, 1));
+    if (buffer->buffer == nullptr) throw std::bad_alloc();
+    std::memcpy(buffer->buffer, text.data(), text.size());
+    return buffer;
+}
+
+} // namespace ostraka::tool

@@ -1,0 +1,20 @@
+#pragma once
+
+// The bytes of a file as they are on the disk, or of standard input.
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+class TAFileBuffer;
+
+namespace ostraka::tool {
+
+// Reads the file, or standard input for "-", to its end. On failure gives null and says why in `problem`. A
+// device or a socket isn't read: it may have no end.
+std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& problem);
+
+// A buffer that holds a copy of the text, as if it had been read from a file.
+std::unique_ptr<TAFileBuffer> MakeBuffer(std::string_view text);
+
+} // namespace ostraka::tool

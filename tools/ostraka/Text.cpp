@@ -1,0 +1,98 @@
+#include "Text.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+#include <ostraka/syntax/TAPSourceFile.h>
+
+namespace ostraka::tool {
+
+namespace {
+
+struct Escape {
+    char character;
+    char letter;
+};
+
+constexpr Escape escapes[] = {{'\n', 'n'}, {'\r', 'r'}, {'\t', 't'}, {'\\', '\\'}};
+
+bool IsPrintable(char c) {
+    return c >= 0x20 && c <= 0x7e;
+}
+
+void AppendEscape(std::string& out, char c) {
+    for (const Escape& escape : escapes) {
+        if (escape.character != c) continue;
+        out += '\\';
+        out += escape.letter;
+        return;
+    }
+    fmt::format_to(std::back_inserter(out), "\\x{:02x}", static_cast<unsigned char>(c));
+}
+
+// Copies the characters that `keep` accepts in runs and escapes the others.
+template <class Keep>
+void AppendEscapedUnless(std::string& out, std::string_view text, Keep keep) {
+    auto run = text.begin();
+    for (auto at = run; at != text.end(); ++at) {
+        if (keep(*at)) continue;
+        out.append(run, at);
+        AppendEscape(out, *at);
+        run = at + 1;
+    }
+    out.append(run, text.end());
+}
+
+bool ContinuesCharacter(char c) {
+    return (c & 0xc0) == 0x80;
+}
+
+} // namespace
+
+Place PlaceAt(const TAPSourceFile& source, int pos) {
+    if (source.GetSize() == 0) return {};
+    const TAPSyntaxePoint point = source.GetPoint(std::clamp(pos, 0, source.GetSize() - 1));
+    return {point.GetLine(), std::max(1, point.GetCol() - 1)};
+}
+
+std::string_view ShownPath(std::string_view path) {
+    return path == "-" ? "<stdin>" : path;
+}
+
+void AppendOneLine(std::string& out, std::string_view text) {
+    AppendEscapedUnless(out, text, [](char c) { return IsPrintable(c) || (c & 0x80) != 0; });
+}
+
+std::string Shortened(std::string_view text, std::size_t limit) {
+    if (text.size() <= limit) return std::string(text);
+    std::size_t cut = limit - 3;
+    while (cut > limit - 6 && ContinuesCharacter(text[cut])) --cut;
+    return std::string(text.substr(0, cut)) + "...";
+}
+
+void AppendEscaped(std::string& out, std::string_view text) {
+    AppendEscapedUnless(out, text, [](char c) { return IsPrintable(c) && c != '\\'; });
+}
+
+void AppendJson(std::string& out, std::string_view text) {
+    const auto plain = [](char c) { return IsPrintable(c) && c != '"' && c != '\\'; };
+    if (!std::all_of(text.begin(), text.end(), plain)) {
+        out += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+        return;
+    }
+    out += '"';
+    out += text;
+    out += '"';
+}
+
+void AppendMessage(std::string& out, std::string_view path, const std::optional<Place>& place,
+                   std::string_view severity, std::string_view cause, bool color) {
+    out += ShownPath(path);
+    if (place) fmt::format_to(std::back_inserter(out), ":{}:{}", place->line, place->column);
+    fmt::format_to(std::back_inserter(out), ": {}{}:{} {}\n", Color(color, colorError), severity,
+                   Color(color, colorOff), cause);
+}
+
+} // namespace ostraka::tool

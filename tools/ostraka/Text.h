@@ -1,0 +1,60 @@
+#pragma once
+
+// How text, places and messages look in every output. The functions called Append add to the text they are
+// given.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+class TAPSourceFile;
+
+namespace ostraka::tool {
+
+// A line and a column from 1, as editors count; a column counts bytes.
+struct Place {
+    int line = 1;
+    int column = 1;
+};
+
+// Why a file has no stream or no complete tree, and where that shows if it can be told.
+struct Failure {
+    std::optional<Place> place;
+    std::string cause;
+};
+
+// The place of a stream position. One outside the stream counts as the nearest inside, and a blank that
+// stands for a line's end counts as the first column of the line behind it.
+Place PlaceAt(const TAPSourceFile& source, int pos);
+
+// The path for places and messages: standard input has a name of its own.
+std::string_view ShownPath(std::string_view path);
+
+// The text in one line: control characters as \n, \t, \x1b and so on.
+void AppendOneLine(std::string& out, std::string_view text);
+
+// The first `limit` bytes of the text, the last three an ellipsis where it was cut; no UTF-8 character is
+// cut.
+std::string Shortened(std::string_view text, std::size_t limit);
+
+// Every byte that isn't printable ASCII as an escape, and the backslash doubled: lossless.
+void AppendEscaped(std::string& out, std::string_view text);
+
+// A JSON string. Bytes that aren't UTF-8 become the replacement character.
+void AppendJson(std::string& out, std::string_view text);
+
+// "file:line:col: error: cause" as one line.
+void AppendMessage(std::string& out, std::string_view path, const std::optional<Place>& place,
+                   std::string_view severity, std::string_view cause, bool color);
+
+// The text `on` if `wanted`, that switches a colour on a terminal.
+inline std::string_view Color(bool wanted, std::string_view on) {
+    return wanted ? on : std::string_view();
+}
+
+constexpr std::string_view colorPlace = "\x1b[2m";
+constexpr std::string_view colorClass = "\x1b[36m";
+constexpr std::string_view colorError = "\x1b[1;31m";
+constexpr std::string_view colorOff = "\x1b[0m";
+
+} // namespace ostraka::tool

@@ -1,0 +1,47 @@
+// The command-line tool: what an engineer asks of sources, answered through the library's public headers.
+
+#include <csignal>
+#include <exception>
+
+#include <fmt/format.h>
+
+#include "CommandLine.h"
+#include "Console.h"
+#include "Inputs.h"
+#include "Jobs.h"
+
+using namespace ostraka::tool;
+
+namespace {
+
+int ExitCode(const Result& total) {
+    if (total.failed > 0) return ExitFailed;
+    return total.notFound > 0 ? ExitNotFound : ExitDone;
+}
+
+int Run(Request& request) {
+    const std::vector<Input> inputs = CollectInputs(request);
+    request.severalFiles = inputs.size() > 1;
+    Console console(request.quiet);
+    console.Out(Prologue(request));
+    const Result total = RunAll(request, inputs, console);
+    console.Out(Epilogue(request));
+    if (total.failed > 0 && !request.quiet)
+        console.Err(fmt::format("ostraka: {} of {} files failed\n", total.failed, inputs.size()));
+    return ExitCode(total);
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    // A closed pipe shows as a failed write.
+    std::signal(SIGPIPE, SIG_IGN);
+    try {
+        Request request;
+        if (const std::optional<int> ended = ParseCommandLine(argc, argv, request)) return *ended;
+        return Run(request);
+    } catch (const std::exception& error) {
+        fmt::print(stderr, "ostraka: error: {}\n", error.what());
+        return ExitFailed;
+    }
+}
