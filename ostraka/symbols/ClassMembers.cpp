@@ -120,8 +120,9 @@ private:
         NUBString type;
         const auto typeOfObject = [this](TAPSyntaxe* object) { return TypeOfObject(*object); };
         if (expression == nullptr || ReadType(table, expression, type, typeOfObject) != 0) return;
-        const TAPSyntaxe* last = ChildOf(expression, expression->ChildCount());
-        if (last == nullptr || (last->GetType() != STYPE_Identifiant && !IsOfKind(last, "id"))) return;
+        if (expression->ChildCount() == 0) return; // a literal
+        const TAPSyntaxe* last = expression->Child(expression->ChildCount());
+        if (last->GetType() != STYPE_Identifiant && !IsOfKind(last, "id")) return;
         auto* member =
             new TAPDefVar(&statement, ContentOf(*last).CastToCharPtr(), type.CastToCharPtr(), &table);
         member->visibility = visibility;

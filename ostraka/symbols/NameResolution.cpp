@@ -103,9 +103,9 @@ private:
 // Shows a visitor what is declared at and below a node, in the order in which names are searched: text order,
 // and behind the content of a block the arguments of the method whose body it is.
 template <class Visitor>
-class DeclarationWalk {
+class ScopeWalk {
 public:
-    DeclarationWalk(TAPSymbolTable& symbols, Visitor& names) : table(symbols), visitor(names) {}
+    ScopeWalk(TAPSymbolTable& symbols, Visitor& names) : table(symbols), visitor(names) {}
 
     // The declaring node that the visitor takes, or null. The walk doesn't enter `searched`.
     TAPSyntaxe* From(TAPSyntaxe* top, const TAPSyntaxe* searched) {
@@ -250,7 +250,7 @@ bool IsMemberAccess(const TAPSyntaxe* node) {
 
 ostraka::detail::DeclaredNames::DeclaredNames(TAPSymbolTable& table, TAPSyntaxe* block) {
     AllNames names(types);
-    DeclarationWalk<AllNames>(table, names).From(block, nullptr);
+    ScopeWalk<AllNames>(table, names).From(block, nullptr);
 }
 
 const NUBString* ostraka::detail::DeclaredNames::TypeOf(std::string_view name) const {
@@ -268,7 +268,7 @@ NUBString TAPSymbolTable::FindClass(TAPSyntaxe* node) {
 TAPSyntaxe* TAPSymbolTable::FindDeclare(TAPSyntaxe* name, NUBString& type, TAPSyntaxe* scope, int) {
     if (name == nullptr) return nullptr;
     OneName sought(TextOf(*name), type);
-    DeclarationWalk<OneName> walk(*this, sought);
+    ScopeWalk<OneName> walk(*this, sought);
     if (scope != nullptr) return walk.From(scope, nullptr);
     const TAPSyntaxe* searched = nullptr;
     for (TAPSyntaxe* node = name; node != nullptr; node = node->GetParent()) {

@@ -90,15 +90,20 @@ const TAPSyntaxe* WordOf(const TAPSyntaxe& node) {
     return IsOfKind(&node, "id") ? ChildOfType(&node, 1, STYPE_Identifiant) : nullptr;
 }
 
-// The type of a node that ends the chain; empty where it can't be told.
-NUBString TypeAtEnd(const TAPSymbolTable& table, TAPSyntaxe& node, const TypeOfObject& typeOfObject) {
+// The type of a node that ends the chain, where it can be told.
+std::optional<NUBString> TypeAtEnd(const TAPSymbolTable& table, TAPSyntaxe& node,
+                                   const TypeOfObject& typeOfObject) {
     if (IsConstType(node)) return NUBString(TextOf(node));
     if (IsOfKind(&node, "st")) return "const char *";
     const TAPSyntaxe* word = WordOf(node);
-    if (word == nullptr) return {};
+    if (word == nullptr) return std::nullopt;
     const std::string_view text = TextOf(*word);
-    const bool isType = text.ends_with('*') || Holds(table.basicTypes, text) || Holds(table.types, text);
-    return isType ? NUBString(text) : typeOfObject(&node);
+    if (text.ends_with('*') || Holds(table.basicTypes, text) || Holds(table.types, text)) {
+        return NUBString(text);
+    }
+    NUBString type = typeOfObject(&node);
+    if (type.Length() == 0) return std::nullopt;
+    return type;
 }
 
 // False if a star is to go that isn't there.
@@ -158,8 +163,9 @@ int ostraka::detail::ReadType(const TAPSymbolTable& table, TAPSyntaxe* node, NUB
         node = derivation->operand;
     }
     if (node == nullptr) return 1;
-    std::string text(TypeAtEnd(table, *node, typeOfObject).View());
-    if (text.empty()) return 1;
+    const std::optional<NUBString> atEnd = TypeAtEnd(table, *node, typeOfObject);
+    if (!atEnd) return 1;
+    std::string text(atEnd->View());
     for (; !chain.empty(); chain.pop_back())
         if (!Apply(chain.back(), text)) return 1;
     type = NUBString(std::string_view(text));

@@ -41,7 +41,7 @@ TEST(ClassMembers, AreReadFromTheBody) {
          "void f1();int g1() v1;char* h1() v2;Foo* k1();"},
         {"NUBDeclareKindOf;NUBDeclareInterface;", "kind 2;"},
         {"NUBDeclareInterface;NUBDeclareClass;", "kind 4;"},
-        {"NUBDeclareClassX;friend void ff();friend int i1;", ""},
+        {"NUBDeclareClassX;friend void ff();friend int i1;\"text\";", ""},
         {"virtual void f1()=0;virtual void g1();static void h1();inline void k1();",
          "void f1() b13;void g1() b12;void h1() b11;void k1() i14;"},
         {"int f1(void);int g1(void*);int h1(int a = 3);int k1(unsigned int, Unknown u,char c[]);",
