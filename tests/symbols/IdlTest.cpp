@@ -2,9 +2,7 @@
 
 #include <string>
 
-#include <ostraka/symbols/TAPSymbolTable.h>
-
-#include "support/Workspace.h"
+#include "support/LoadedText.h"
 
 namespace {
 
@@ -116,14 +114,13 @@ TEST(Idl, TypesOfArguments) {
                         {"long n", 1, "long", "before"},
                         {"Foo n", 0, "Foo", "before"}};
     for (const Row& row : rows) {
-        const Workspace files{{"a.cpp", "void f(" + std::string(row.argument) + ");"}};
-        TAPSymbolTable table;
-        table.LoadFile(files("a.cpp").c_str(), 1);
-        TAPSyntaxe* root = table.GetSource(files("a.cpp").c_str())->GetSyntaxe();
-        TAPSyntaxe* argument = root->Navigate(SNAV_Child, 1, SNAV_Child, 1, SNAV_Child, 2, SNAV_Child, 1, 0);
+        const LoadedText loaded("void f(" + std::string(row.argument) + ");");
+        TAPSyntaxe* argument =
+            loaded.root->Navigate(SNAV_Child, 1, SNAV_Child, 1, SNAV_Child, 2, SNAV_Child, 1, 0);
         NUBString type, name("before");
         int untouched = 7;
-        EXPECT_EQ(table.GetIdlArgType(argument, type, name, untouched), row.recognised) << row.argument;
+        EXPECT_EQ(loaded.table->GetIdlArgType(argument, type, name, untouched), row.recognised)
+            << row.argument;
         EXPECT_EQ(type, row.type);
         EXPECT_EQ(name, row.name);
         EXPECT_EQ(untouched, 7);
