@@ -1,0 +1,184 @@
+// The road of a file. Its first half, up to the includes, enters it; then each header that it includes takes
+// the whole road; then its second half makes the tree and reads the declarations. A file that waits for its
+// headers stands on a stack of our own, so that a chain of includes may be as long as it likes:
+//
+//     a.h    includes b.h, c.h     next header: c.h
+//     b.h    includes d.h          next header: none left
+//     d.h                          being finished
+
+#include <ostraka/symbols/FileLoading.h>
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <ostraka/symbols/DeclarationScan.h>
+#include <ostraka/symbols/OwnedParts.h>
+
+using namespace ostraka::detail;
+
+namespace {
+
+constexpr int loaded = 0;
+constexpr int nothingGiven = 1;
+constexpr int notNormalised = 2;
+constexpr int notBuilt = 3;
+
+// A file between the two halves. It holds a reference on its parts, since a subscriber may unload the file.
+struct PendingLoad {
+    Language language;
+    int full;
+    TAPSourceFile* file;
+    TAPDefSource* record;
+    std::vector<TAFileName> headers; // the files that the includes name, in the order of loading
+    std::size_t next = 0;
+};
+
+class Loader {
+public:
+    explicit Loader(TAPSymbolTable& ofTable) : table(ofTable) {}
+
+    // The results of headers are dropped; the file that was asked for is the last to be finished.
+    int load(Language language, TAFileBuffer* buffer, int full) {
+        int result = begin(language, buffer, full);
+        while (!pending.empty()) {
+            if (loadNextHeader()) continue;
+            PendingLoad done = std::move(pending.back());
+            pending.pop_back();
+            result = finish(done);
+        }
+        return result;
+    }
+
+private:
+    int begin(Language language, TAFileBuffer* buffer, int full);
+    bool wasHandled(const char* name, int full);
+    void findHeaders(PendingLoad& load);
+    bool loadNextHeader();
+    int finish(PendingLoad& load);
+    int makeTree(PendingLoad& load);
+    int scan(PendingLoad& load, TAPSyntaxe* root);
+
+    TAPSymbolTable& table;
+    std::vector<PendingLoad> pending;
+};
+
+bool Loader::wasHandled(const char* name, int full) {
+    if (full == 0) {
+        if (table.scannedFiles.IsIn(name) >= 0) return true;
+        table.scannedFiles.Append(name, nullptr, 0);
+    }
+    return table.sources.IsIn(name) >= 0;
+}
+
+// The first half. It ends with the file on the stack, unless there is nothing to do or the text is unsound.
+int Loader::begin(Language language, TAFileBuffer* buffer, int full) {
+    if (buffer == nullptr) return nothingGiven;
+    if (wasHandled(buffer->fileName, full)) {
+        delete buffer;
+        return loaded;
+    }
+    const NUBString name(buffer->fileName);
+    PendingLoad load{language, full, new TAPSourceFile(buffer), new TAPDefSource(name, nullptr, &table), {}};
+    if (full != 0) {
+        // From here on the file counts as loaded, which ends a circle of includes.
+        table.sources.Append(name.CastToCharPtr(), load.record, 0);
+        load.record->AddRef();
+    }
+    load.file->AddSubscriber(&table);
+    if (load.file->Process(table.macros) != 0) {
+        table.errMsg = load.file->GetErrMsg();
+        load.file->Release();
+        load.record->Release();
+        return notNormalised;
+    }
+    load.record->nbLine = load.file->GetNbLine();
+    load.record->nbCodeLine = load.file->GetNbCodeLine();
+    if (full != 0) findHeaders(load);
+    pending.push_back(std::move(load));
+    return loaded;
+}
+
+// Asks for each header once. A file of interfaces lists those that are loaded by now a second time.
+void Loader::findHeaders(PendingLoad& load) {
+    const TAIndex& names = load.file->includes;
+    for (int i = names.size - 1; i >= 0; --i) {
+        TAFileName header = table.SearchHeaderFile(load.record->name.CastToCharPtr(), names.keys[i]);
+        if (header.IsNull()) continue;
+        TAPDefSource* known = load.language == Language::Idl ? table.GetSource(header) : nullptr;
+        if (known != nullptr) load.record->AddInclude(known);
+        load.headers.push_back(std::move(header));
+    }
+}
+
+// False when the file on top waits for nothing more.
+bool Loader::loadNextHeader() {
+    PendingLoad& load = pending.back();
+    if (load.next == load.headers.size()) return false;
+    const TAFileName header = load.headers[load.next++];
+    if (table.sources.IsIn(header) >= 0) return true;
+    const bool cxx = load.language == Language::Cxx && std::string_view(header).ends_with(".h");
+    begin(cxx ? Language::Cxx : Language::Idl, new TAFileBuffer(header, 0), 1);
+    return true;
+}
+
+// The second half. All headers are loaded now.
+int Loader::finish(PendingLoad& load) {
+    for (const TAFileName& header : load.headers)
+        if (TAPDefSource* included = table.GetSource(header)) load.record->AddInclude(included);
+    const int result = makeTree(load);
+    load.record->Release();
+    return result;
+}
+
+// Takes the tree that a light load has left, or builds one; then reads its declarations.
+int Loader::makeTree(PendingLoad& load) {
+    const char* name = load.record->name.CastToCharPtr();
+    const int position = table.trees.IsIn(name);
+    TAPSyntaxe* root = nullptr;
+    if (position >= 0) {
+        root = static_cast<TAPSyntaxe*>(table.trees.values[position]);
+        if (root != nullptr) root->AddRef();
+    } else {
+        root = new TAPSyntaxe(STYPE_File, load.file, 0, load.file->GetSize(), -1);
+        if (root->Build() != 0) {
+            table.errMsg = root->GetErrMsg();
+            load.file->Release();
+            root->Release();
+            return notBuilt;
+        }
+        if (load.full != 0) {
+            table.AddSyntaxeInTable(load.record->name, root);
+            root->AddRef();
+        }
+    }
+    load.record->SetSyntaxe(root);
+    load.file->RemoveSubscriber(&table);
+    load.file->Release();
+    return scan(load, root);
+}
+
+int Loader::scan(PendingLoad& load, TAPSyntaxe* root) {
+    const int result = load.language == Language::Cxx
+                           ? table.SearchDeclarations(root, load.record, load.full)
+                           : table.SearchIdlDeclarations(root, load.record, load.full);
+    if (root == nullptr) return result;
+    // With this reference goes the tree of a scan-only load, and a tree that was unloaded meanwhile.
+    if (root->count == 1) ForgetFunctions(table, *root);
+    root->Release();
+    return result;
+}
+
+} // namespace
+
+int ostraka::detail::LoadAs(Language language, TAPSymbolTable& table, TAFileBuffer* buffer, int full) {
+    return Loader(table).load(language, buffer, full);
+}
+
+int TAPSymbolTable::LoadFile(const char* name, int full) {
+    return sources.IsIn(name) >= 0 ? loaded : LoadFile(new TAFileBuffer(name, 0), full);
+}
+
+int TAPSymbolTable::LoadFile(TAFileBuffer* buffer, int full) {
+    return LoadAs(Language::Cxx, *this, buffer, full);
+}

@@ -1,0 +1,201 @@
+// A file of interfaces takes the road of a header, through the same tree; only the scan of the tree differs.
+// What it understands of the text is:
+//
+//     interface Name: Base { ReturnType Method(direction Type name, ...); ... }
+//     interface Name;
+//     typedef ... Name;   enum Name { ... }
+
+#include <cstdio>
+#include <cstring>
+#include <string_view>
+
+#include <basalt/NUBUnicodeString.h>
+#include <gneiss/qxContext.h>
+#include <ostraka/symbols/DeclarationScan.h>
+#include <ostraka/symbols/FileLoading.h>
+#include <ostraka/symbols/NodeShape.h>
+
+using namespace ostraka::detail;
+
+namespace {
+
+constexpr int kindInterface = 2;
+constexpr int bindingPureVirtual = 13;
+constexpr int visibilityPublic = 0;
+constexpr int dispatchMark = 20;
+
+// How an argument is passed, and what its type ends in when it is told in terms of C++.
+struct Direction {
+    const char* word;
+    int code;
+    const char* ending;
+};
+
+constexpr Direction directions[] = {{"in", 100, "&"}, {"out", 101, "*&"}, {"inout", 102, "&"}};
+
+const Direction* directionOf(const NUBString& word) {
+    for (const Direction& direction : directions)
+        if (word == direction.word) return &direction;
+    return nullptr;
+}
+
+void enter(TAIndex& index, const NUBString& name) {
+    index.Append(name.CastToCharPtr(), nullptr, 0);
+}
+
+class InterfaceScan {
+public:
+    InterfaceScan(TAPSymbolTable& symbols, TAPDefSource& record, bool withRecords)
+        : table(symbols), source(record), full(withRecords) {}
+
+    // A declaration, with the block behind it or null.
+    void scan(TAPSyntaxe& head, TAPSyntaxe* body) {
+        if (EnterNamedType(table, head)) return;
+        if (!StreamOf(head).starts_with("interface ") || head.ChildCount() == 0) return;
+        const NUBString name(TextOf(*head.Child(1)));
+        if (body == nullptr) {
+            enter(source.forwardClasses, name);
+            enterNames(name);
+        } else if (isFree(name)) {
+            define(name, head, *body);
+        }
+    }
+
+private:
+    // Whether the name can be declared now. The first declaration wins, but of `IDispatch`, and of what that
+    // begins with, the last does.
+    bool isFree(const NUBString& name) {
+        const int position = table.classIndex.IsIn(name.CastToCharPtr());
+        if (position < 0) return true;
+        if (!std::string_view("IDispatch").starts_with(name.View())) return false;
+        auto* former = static_cast<TAPDefClass*>(table.classIndex.values[position]);
+        table.classIndex.RemovePosition(position);
+        former->Release();
+        return true;
+    }
+
+    void define(const NUBString& name, TAPSyntaxe& head, TAPSyntaxe& body) {
+        auto* record = new TAPDefClass(&head, &body, &source, &table);
+        const bool handle = name.FindPosition("_var") >= 0;
+        if (!handle) {
+            record->kind = kindInterface;
+            if (full) keep(name, *record);
+        }
+        enterNames(name);
+        if (!handle) record->SearchIdlMethods(&table);
+        record->Release();
+    }
+
+    void keep(const NUBString& name, TAPDefClass& record) {
+        record.AddRef();
+        table.classIndex.Append(name.CastToCharPtr(), &record, 0);
+        source.AddDefClass(&record);
+    }
+
+    // A handle makes known what it is a handle on, if anything.
+    void enterNames(const NUBString& name) {
+        const NUBString referred(WithoutHandle(name.View()));
+        if (referred.Length() == 0 && name.Length() > 0) return;
+        enter(table.types, referred);
+        enter(table.interfaceNames, referred);
+    }
+
+    TAPSymbolTable& table;
+    TAPDefSource& source;
+    bool full;
+};
+
+void refuse(const char* key, const NUBListValNUBString& pieces) {
+    NUBUnicodeString argument;
+    for (const NUBString& piece : pieces) {
+        argument += piece;
+        argument += " ";
+    }
+    qxExtContext.GetTraceMngr()->Print(MSG_KEY_qxqxError, stderr,
+                                       qxExtContext.GetMsgMngr()->GetMsg(key, argument));
+}
+
+// What stands between the direction and the name, told in terms of C++.
+NUBString typeOf(const NUBListValNUBString& pieces, const Direction& direction) {
+    NUBString type = pieces[2];
+    for (int i = 3; i < pieces.Size(); ++i) type.Append(" ").Append(pieces[i]);
+    return type.Append(direction.ending);
+}
+
+// Null, and a message, for an argument that is refused.
+const Direction* checkedDirection(const NUBListValNUBString& pieces) {
+    if (pieces.Size() < 3) {
+        refuse("TAparser.InvIdlArg", pieces);
+        return nullptr;
+    }
+    const Direction* direction = directionOf(pieces[1]);
+    if (direction == nullptr) refuse("TAparser.InvNubIdlArg", pieces);
+    return direction;
+}
+
+} // namespace
+
+int TAPSymbolTable::LoadIdlFile(const char* name, int full) {
+    return sources.IsIn(name) >= 0 ? 0 : LoadIdlFile(new TAFileBuffer(name, 0), full);
+}
+
+int TAPSymbolTable::LoadIdlFile(TAFileBuffer* buffer, int full) {
+    return LoadAs(Language::Idl, *this, buffer, full);
+}
+
+int TAPSymbolTable::SearchIdlDeclarations(TAPSyntaxe* root, TAPDefSource* source, int full) {
+    if (root == nullptr || source == nullptr) return 0;
+    InterfaceScan scan(*this, *source, full != 0);
+    for (int i = 1; i <= root->ChildCount(); ++i)
+        if (TAPSyntaxe* head = ChildOfType(root, i, STYPE_Declaration))
+            scan.scan(*head, ChildOfType(root, i + 1, STYPE_Bloc));
+    return 0;
+}
+
+int TAPDefClass::SearchIdlMethods(TAPSymbolTable* table) {
+    if (table == nullptr) return 0;
+    if (bodyPath == nullptr) return 1;
+    TAPSyntaxe* body = table->GetSyntaxe(bodyPath);
+    if (body == nullptr) return 0;
+    for (int i = 1; i <= body->ChildCount(); ++i) {
+        TAPSyntaxe* child = ChildOfType(body, i, STYPE_Instruction);
+        NUBString returned, methodName;
+        TAPSyntaxe* argsNode = nullptr;
+        if (child == nullptr || table->IsFunctionDeclaration(child, returned, methodName, argsNode) != 2)
+            continue;
+        auto* method = new TAPDefMethod(child, methodName.CastToCharPtr(), this, table);
+        method->SetReturnedType(returned);
+        method->binding = bindingPureVirtual;
+        method->visibility = visibilityPublic;
+        methods.Append(method); // which takes over the reference
+        method->SearchIdlArgs(table, argsNode);
+    }
+    if (table->InheritFrom(name, "NUBBaseDispatch") != 0) dispatch = dispatchMark;
+    return 0;
+}
+
+int TAPDefMethod::SearchIdlArgs(TAPSymbolTable* table, TAPSyntaxe* argsNode) {
+    if (argsNode == nullptr) return 1;
+    for (int i = 1; i <= argsNode->ChildCount(); ++i) {
+        TAPSyntaxe* child = argsNode->Child(i);
+        NUBListValNUBString pieces;
+        child->GetListOfString(pieces);
+        const Direction* direction = checkedDirection(pieces);
+        if (direction == nullptr) return 1;
+        auto* argument = new TAPDefVar(child, pieces[pieces.Size()].CastToCharPtr(),
+                                       typeOf(pieces, *direction).CastToCharPtr(), table);
+        argument->direction = direction->code;
+        args.Append(argument);
+    }
+    return 0;
+}
+
+// GetArgType, but that the name of a plain declaration is left alone.
+int TAPSymbolTable::GetIdlArgType(TAPSyntaxe* node, NUBString& type, NUBString& name, int&) {
+    if (node == nullptr) return 0;
+    NUBString declared;
+    const int recognised = GetArgType(node, type, declared);
+    const TAPSyntaxe* argument = IsOfKind(node, "=") ? ChildOf(node, 1) : node;
+    if (!MarkOf(argument).empty() && ChildOfKind(argument, 2, "id") != nullptr) name = declared;
+    return recognised;
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <vector>
+
+#include <basalt/NUBString.h>
+#include <ostraka/foundation/TAIndex.h>
+#include <ostraka/symbols/TAPDefClass.h>
+#include <ostraka/symbols/TAPDefEntity.h>
+#include <ostraka/symbols/TAPDefMethod.h>
+
+class TAPDefSource;
+
+using NUBListPtrTAPDefSource = ostraka::detail::PointerList<TAPDefSource>;
+
+// A file that was loaded. It holds one reference on each class that it declares and each method that it
+// implements. Its `path` addresses the root of the tree and is null until the tree exists.
+class OSTRAKA_EXPORT TAPDefSource : public TAPDefEntity {
+public:
+    int fileKind = 0;       // 0 other, 1 ".h", 2 ".cpp", 3 ".c", 4 ".idl"
+    int interfaceKind = 15; // 11 public, 12 protected, 13 private, 14 local directory, 15 none
+    NUBString name;         // the path, as given
+    int nbLine = -1;        // both -1 until the file has been read
+    int nbCodeLine = -1;
+    const char* framework; // a key of `fws`; sources of one framework have one pointer
+    NUBListPtrTAPDefClass classes;
+    NUBListPtrTAPDefMethod implMethods;
+    NUBListPtrTAPDefSource includes; // not counted; an entry goes when its file is unloaded
+    TAIndex forwardClasses;          // names that the file only declares forward; null values
+
+    // The names of all frameworks met by the process; never emptied.
+    static TAIndex fws;
+
+    // Classifies the path and looks for the framework among the directories above it. `root` may be null.
+    TAPDefSource(const NUBString& fileName, TAPSyntaxe* root, TAPSymbolTable* table);
+    ~TAPDefSource() override;
+
+    int GetDefKind() override;
+
+    NUBString GetName() const { return name; }
+    int GetNbLine() const { return nbLine; }
+    int GetNbCodeLine() const { return nbCodeLine; }
+
+    // Take a reference, unless it is null; return 0.
+    int AddDefClass(TAPDefClass* defClass);
+    int AddImplMethod(TAPDefMethod* method);
+
+    // Appends to `includes`, and sees to it that the entry goes when `included` is unloaded or dies.
+    void AddInclude(TAPDefSource* included);
+    // Takes this source out of the `includes` of all others.
+    void LeaveIncluders();
+    // Empties `includes`.
+    void ForgetIncludes();
+
+private:
+    std::vector<TAPDefSource*> includers; // sources that AddInclude has given this one, once for each entry
+};

@@ -1,0 +1,172 @@
+#include <ostraka/symbols/TAPSymbolTable.h>
+
+#include <cstdlib>
+#include <vector>
+
+#include <ostraka/symbols/DeclarationScan.h>
+#include <ostraka/symbols/OwnedParts.h>
+
+using namespace ostraka::detail;
+
+namespace {
+
+constexpr const char* keywordTable[] = {
+    "const",    "volatile", "inline", "virtual", "signed",  "unsigned", "long",   "short", "auto",
+    "register", "static",   "extern", "friend",  "typedef", "class",    "struct", "union", "enum",
+};
+
+constexpr const char* basicTypeTable[] = {
+    "void",   "long",     "short", "char",  "int",     "double", "float", "HANDLE", "DWORD", "time_t",
+    "signed", "unsigned", "BYTE",  "ULONG", "HRESULT", "WORD",   "GUID",  "IID",    "CLSID",
+};
+
+constexpr const char* lightLoadProblem = "Problem while loading a file in light mode";
+
+template <class Record>
+Record* valueAt(const TAIndex& index, int position) {
+    return static_cast<Record*>(index.values[position]);
+}
+
+template <class Record>
+Record* valueOf(const TAIndex& index, const char* key) {
+    return static_cast<Record*>(index[key]);
+}
+
+// Gives back the index's reference on each value, from the last to the first.
+template <class Record>
+void releaseValues(const TAIndex& index) {
+    for (int i = index.size - 1; i >= 0; --i) ReleaseIfAny(valueAt<Record>(index, i));
+}
+
+// A look at the path spares resolving the classes of other files.
+bool isDeclaredIn(TAPDefClass* cls, const TAPDefSource& source) {
+    if (cls->path == nullptr || cls->path->filePath != source.name) return false;
+    TAPSyntaxe* declaration = cls->GetDeclarationLocation();
+    return declaration != nullptr && declaration->GetSource() == source.name;
+}
+
+// Takes the classes of a source out of the index, from the last to the first.
+void dropClassesOf(const TAPDefSource& source, TAIndex& classIndex) {
+    std::vector<int> positions;
+    for (int i = classIndex.size - 1; i >= 0; --i)
+        if (isDeclaredIn(valueAt<TAPDefClass>(classIndex, i), source)) positions.push_back(i);
+    for (int position : positions) {
+        auto* cls = valueAt<TAPDefClass>(classIndex, position);
+        classIndex.RemovePosition(position);
+        cls->Release();
+    }
+}
+
+} // namespace
+
+TAPSymbolTable::TAPSymbolTable() {
+    const char* os = std::getenv("QxqxOS_VAR");
+    if (os == nullptr) std::exit(1);
+    osName = os;
+    for (const char* word : basicTypeTable) basicTypes.Append(word, nullptr, 0);
+    for (const char* word : keywordTable) keywords.Append(word, nullptr, 0);
+}
+
+TAPSymbolTable::~TAPSymbolTable() {
+    releaseAll();
+}
+
+int TAPSymbolTable::ReceiveCallback(TACallbackPublisher* publisher, int event, void* data1, void*) {
+    if (event == 1) SendCallback(1, static_cast<TAPSourceFile*>(publisher), data1);
+    return 0;
+}
+
+int TAPSymbolTable::LightLoadFile(const NUBString& name) {
+    const char* path = name.CastToCharPtr();
+    FATAL(trees.IsIn(path) >= 0, "Internal error in TAPSymbolTable::LightLoadFile, file already loaded");
+    auto* file = new TAPSourceFile(path);
+    const bool failed = file->Process(macros) != 0;
+    if (failed || file->GetStream() == nullptr) {
+        errMsg = failed ? file->GetErrMsg() : NUBString(lightLoadProblem);
+        file->Release();
+        return 2;
+    }
+    auto* root = new TAPSyntaxe(STYPE_File, file, 0, file->GetSize(), -1);
+    file->Release();
+    if (root->Build() != 0) {
+        errMsg = root->GetErrMsg();
+        root->Release();
+        return 3;
+    }
+    AddSyntaxeInTable(name, root);
+    return 1;
+}
+
+int TAPSymbolTable::AddSyntaxeInTable(const NUBString& name, TAPSyntaxe* root) {
+    trees.Append(name.CastToCharPtr(), root, 0);
+    return 0;
+}
+
+int TAPSymbolTable::UnLoadFile(const char* name) {
+    auto* source = valueOf<TAPDefSource>(sources, name);
+    if (source == nullptr) return 1;
+    const NUBString path(name); // the argument may be a key that goes
+    dropClassesOf(*source, classIndex);
+    source->LeaveIncluders();
+    sources.RemovePosition(sources.IsIn(path.CastToCharPtr()));
+    source->Release();
+
+    const int position = trees.IsIn(path.CastToCharPtr());
+    if (position < 0) return 0;
+    if (auto* root = valueAt<TAPSyntaxe>(trees, position)) {
+        ForgetFunctions(*this, *root);
+        root->Release();
+    }
+    trees.RemovePosition(position);
+    return 0;
+}
+
+void TAPSymbolTable::UnLoadAllFiles() {
+    releaseAll();
+    TAIndex* const emptied[] = {&classIndex, &functions,    &trees,       &sources,
+                                &types,      &macros,       &classNames,  &interfaceNames,
+                                &enumNames,  &typedefNames, &scannedFiles};
+    for (TAIndex* index : emptied) index->Reset();
+}
+
+void TAPSymbolTable::releaseAll() {
+    releaseValues<TAPDefClass>(classIndex);
+    releaseValues<TAPSyntaxe>(trees);
+    // Before any record goes, and upward, since the lists run downward and give up their last entry for less.
+    for (int i = 0; i < sources.size; ++i) valueAt<TAPDefSource>(sources, i)->LeaveIncluders();
+    releaseValues<TAPDefSource>(sources);
+}
+
+TAPSyntaxe* TAPSymbolTable::GetSyntaxe(TAPSyntaxePath* path) {
+    if (path == nullptr) return nullptr;
+    const char* file = path->filePath.CastToCharPtr();
+    if (trees.IsIn(file) < 0 && LightLoadFile(path->filePath) != 1) {
+        errMsg = lightLoadProblem;
+        return nullptr;
+    }
+    auto* node = valueOf<TAPSyntaxe>(trees, file);
+    for (int i = 1; i <= path->posInTree.size && node != nullptr; ++i) {
+        const int position = path->posInTree[i];
+        node = position >= 1 && position <= node->ChildCount() ? node->Child(position) : nullptr;
+    }
+    return node;
+}
+
+TAPDefSource* TAPSymbolTable::GetSource(const char* name) const {
+    return valueOf<TAPDefSource>(sources, name);
+}
+
+TAPDefClass* TAPSymbolTable::GetClass(const char* name) const {
+    return valueOf<TAPDefClass>(classIndex, name);
+}
+
+void TAPSymbolTable::GetClassNames(NUBListValNUBString& names, int mask) const {
+    names.RemoveAll(0);
+    for (int i = 0; i < classIndex.size; ++i)
+        if ((valueAt<TAPDefClass>(classIndex, i)->kind & mask) != 0)
+            names.Append(NUBString(classIndex.keys[i]));
+}
+
+NUBString TAPSymbolTable::GetErrMsg() const {
+    return NUBString("SymboleTable: ") + errMsg;
+}

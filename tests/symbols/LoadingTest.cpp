@@ -1,0 +1,237 @@
+#include <gtest/gtest.h>
+
+#include <pthread.h>
+#include <string>
+
+#include <ostraka/symbols/TAPSymbolTable.h>
+
+#include "support/Workspace.h"
+
+namespace {
+
+std::string Header(const std::string& name) {
+    return "w/Fw/PublicInterfaces/" + name;
+}
+
+std::string BaseName(std::string_view path) {
+    return std::string(path.substr(path.rfind('/') + 1));
+}
+
+std::string Keys(const TAIndex& index) {
+    std::string line;
+    for (int i = 0; i < index.size; ++i) line += (i == 0 ? "" : " ") + BaseName(index.keys[i]);
+    return line;
+}
+
+// The names of the files of which the table tells, each with what it tells of it.
+class Watcher final : public TACallbackSubscriber {
+public:
+    int ReceiveCallback(TACallbackPublisher*, int code, void* data1, void* data2) override {
+        seen += BaseName(static_cast<TAPSourceFile*>(data1)->name.View());
+        seen += code == 1 && data2 != nullptr ? " " : "? ";
+        return 0;
+    }
+    std::string seen;
+};
+
+class Loading : public testing::Test {
+protected:
+    int Load(const std::string& path, int full = 1) { return table.LoadFile(files(path).c_str(), full); }
+    int UnLoad(const std::string& path) { return table.UnLoadFile(files(path).c_str()); }
+    TAPDefSource* Source(const std::string& path) const { return table.GetSource(files(path).c_str()); }
+    std::string Includes(const std::string& path) const {
+        const NUBListPtrTAPDefSource& list = Source(path)->includes;
+        std::string line;
+        for (int i = 1; i <= list.Size(); ++i) line += BaseName(list[i]->name.View()) + " ";
+        return line;
+    }
+
+    Workspace files;
+    TAPSymbolTable table;
+};
+
+TEST_F(Loading, HeadersComeFirstAndFromTheLastName) {
+    files.Write(Header("a.h"), "#include \"b.h\"\nclass A : public B {B* b1;};");
+    files.Write(Header("b.h"), "#include \"a.h\"\n#include \"c.h\"\n#include \"b.h\"\nclass B {};");
+    files.Write(Header("c.h"), "class C {};");
+    files.Write("x.cpp", "#include \"a.h\"\n#include \"c.h\"\n#include \"none.h\"\n\nA* a1;\n");
+    table.SetConcatenation(files("w").c_str());
+    Watcher watcher;
+    table.AddSubscriber(&watcher);
+    EXPECT_EQ(Load("x.cpp"), 0);
+    EXPECT_EQ(watcher.seen, "x.cpp c.h a.h b.h ");
+    EXPECT_EQ(Load("x.cpp"), 0);
+    EXPECT_EQ(table.LoadFile(new TAFileBuffer(files("x.cpp").c_str(), 0), 1), 0);
+    EXPECT_EQ(watcher.seen, "x.cpp c.h a.h b.h ");
+    EXPECT_EQ(Includes("x.cpp"), "c.h a.h ");
+    EXPECT_EQ(Includes(Header("b.h")), "c.h b.h a.h ");
+    EXPECT_EQ(Source("x.cpp")->GetNbLine(), 5);
+    EXPECT_EQ(Source("x.cpp")->GetNbCodeLine(), 2);
+    EXPECT_EQ(table.GetClass("A")->vars.Size(), 1);
+
+    // What is unloaded is nowhere listed, and the rest stays.
+    EXPECT_EQ(UnLoad(Header("b.h")), 0);
+    EXPECT_EQ(UnLoad(Header("b.h")), 1);
+    EXPECT_EQ(Includes(Header("a.h")), "");
+    EXPECT_EQ(Keys(table.classIndex), "A C");
+    EXPECT_EQ(table.types.IsIn("B") >= 0, true);
+    table.RemoveSubscriber(&watcher);
+}
+
+TEST_F(Loading, ScanOnlyLeavesTypesAndALightTree) {
+    files.Write("a.cpp", "class A {};enum E {e1};int f();");
+    EXPECT_EQ(Load("a.cpp", 0), 0);
+    EXPECT_EQ(Keys(table.types), "A E");
+    EXPECT_EQ(Keys(table.sources) + Keys(table.classIndex) + Keys(table.functions), "");
+    EXPECT_EQ(Keys(table.scannedFiles) + " " + Keys(table.trees), "a.cpp a.cpp");
+    table.types.Reset();
+    EXPECT_EQ(Load("a.cpp", 0), 0);
+    EXPECT_EQ(table.types.size, 0);
+
+    // A full load takes the tree that is there.
+    void* const light = table.trees[files("a.cpp").c_str()];
+    EXPECT_EQ(UnLoad("a.cpp"), 1);
+    EXPECT_EQ(Load("a.cpp"), 0);
+    EXPECT_EQ(Source("a.cpp")->GetSyntaxe(), light);
+    EXPECT_EQ(Keys(table.classIndex) + " " + Keys(table.functions), "A f");
+    EXPECT_EQ(UnLoad("a.cpp"), 0);
+    EXPECT_EQ(Keys(table.trees) + Keys(table.functions) + Keys(table.sources), "");
+}
+
+TEST_F(Loading, FailuresAreToldAndLeaveTheRest) {
+    struct Row {
+        const char* text;
+        int result;
+        std::string error;
+    };
+    // The first is told on standard error.
+    const Row rows[] = {{"x = NUBLISTV(Foo; int a;", 2, ""},
+                        {"int a; f(;", 3, "Missing Instruction end for Instruction starting line 1 col 9"}};
+    EXPECT_EQ(table.GetErrMsg(), "SymboleTable: ");
+    EXPECT_EQ(table.LoadFile(static_cast<TAFileBuffer*>(nullptr), 1), 1);
+    for (const Row& row : rows) {
+        files.Write(Header("bad.h"), row.text);
+        files.Write("x.cpp", "#include \"bad.h\"\nclass X {};");
+        table.SetConcatenation(files("w").c_str());
+        EXPECT_EQ(Load(Header("bad.h"), 0), row.result) << row.text;
+        EXPECT_EQ(table.sources.size, 0);
+        EXPECT_EQ(Load("x.cpp"), 0) << row.text;
+        EXPECT_EQ(table.GetErrMsg().View(), "SymboleTable: " + row.error);
+        EXPECT_EQ(Includes("x.cpp"), "bad.h ");
+        EXPECT_EQ(Load(Header("bad.h")), 0) << "a failed file counts as loaded";
+        EXPECT_EQ(table.LightLoadFile(files(Header("bad.h")).c_str()), row.result) << row.text;
+        EXPECT_EQ(Keys(table.classIndex) + " " + Keys(table.trees), "X x.cpp") << row.text;
+        EXPECT_EQ(UnLoad(Header("bad.h")), 0);
+        EXPECT_EQ(Load(Header("bad.h")), row.result) << row.text;
+        table.UnLoadAllFiles();
+    }
+    EXPECT_EQ(Load("gone.cpp"), 0) << "an unreadable file is an empty one";
+}
+
+TEST_F(Loading, PathsBringTheirTreeBack) {
+    files.Write("a.cpp", "int a; void f() { int inner; }");
+    Load("a.cpp");
+    auto* root = static_cast<TAPSyntaxe*>(table.trees[files("a.cpp").c_str()]);
+    auto* path = new TAPSyntaxePath(root->Child(3)->Child(1));
+    UnLoad("a.cpp");
+    TAPSyntaxe* inner = table.GetSyntaxe(path);
+    ASSERT_NE(inner, nullptr);
+    EXPECT_STREQ(inner->GetContent(), "int inner");
+    files.Remove("a.cpp");
+    EXPECT_EQ(table.GetSyntaxe(path), inner);
+    EXPECT_EQ(table.GetSyntaxe(nullptr), nullptr);
+
+    table.UnLoadAllFiles();
+    EXPECT_EQ(table.GetSyntaxe(path), nullptr);
+    EXPECT_EQ(table.GetErrMsg(), "SymboleTable: Problem while loading a file in light mode");
+    files.Write("a.cpp", "int a;");
+    EXPECT_EQ(table.GetSyntaxe(path), nullptr);
+    EXPECT_EQ(table.trees.size, 1);
+    EXPECT_DEATH(table.LightLoadFile(files("a.cpp").c_str()), "LightLoadFile, file already loaded");
+    path->Release();
+}
+
+TEST_F(Loading, UnLoadAllFilesAndLoadAgainGiveTheSame) {
+    files.Write(Header("a.h"), "#define KEY 1\nclass A {};typedef int T;");
+    files.Write("x.cpp", "#include \"a.h\"\nint f();enum E {e1};");
+    table.SetConcatenation(files("w").c_str());
+    const auto everything = [this] {
+        std::string line;
+        for (const TAIndex* index :
+             {&table.headers, &table.functions, &table.types, &table.macros, &table.classNames,
+              &table.enumNames, &table.typedefNames, &table.trees, &table.sources, &table.classIndex})
+            line += Keys(*index) + "|";
+        return line;
+    };
+    Load("x.cpp");
+    EXPECT_EQ(everything(), "a.h|f|A E T|KEY|A|E|T|a.h x.cpp|a.h x.cpp|A|");
+    TAPDefSource* kept = Source("x.cpp");
+    kept->AddRef();
+    table.UnLoadAllFiles();
+    EXPECT_EQ(kept->includes.Size(), 0);
+    kept->Release();
+    EXPECT_EQ(everything(), "a.h||||||||||");
+    Load("x.cpp");
+    EXPECT_EQ(everything(), "a.h|f|A E T|KEY|A|E|T|a.h x.cpp|a.h x.cpp|A|");
+    EXPECT_EQ(table.keywords.size * 100 + table.basicTypes.size, 1819);
+}
+
+TEST_F(Loading, ClassNamesByKind) {
+    files.Write("a.cpp", "class C {};class B {NUBDeclareInterface;};class A {NUBDeclareClass;};");
+    Load("a.cpp");
+    NUBListValNUBString names;
+    table.GetClassNames(names, 1);
+    ASSERT_EQ(names.Size(), 1);
+    EXPECT_EQ(names[1], "C");
+    table.GetClassNames(names, 6);
+    ASSERT_EQ(names.Size(), 2);
+    EXPECT_EQ(names[1] + names[2], "AB");
+}
+
+// A subscriber that takes away what is being loaded leaves nothing behind, and nothing dangles.
+TEST_F(Loading, SubscribersMayUnload) {
+    class Unloader final : public TACallbackSubscriber {
+    public:
+        explicit Unloader(TAPSymbolTable& ofTable) : table(ofTable) {}
+        int ReceiveCallback(TACallbackPublisher*, int, void*, void*) override {
+            table.UnLoadAllFiles();
+            return 0;
+        }
+        TAPSymbolTable& table;
+    } unloader(table);
+    files.Write(Header("a.h"), "class A {};");
+    files.Write("x.cpp", "#include \"a.h\"\nclass X {void f();}; void X::f() {}");
+    table.SetConcatenation(files("w").c_str());
+    table.AddSubscriber(&unloader);
+    EXPECT_EQ(Load("x.cpp"), 0);
+    EXPECT_EQ(Source("x.cpp"), nullptr);
+    EXPECT_EQ(table.GetClass("X")->source, nullptr);
+}
+
+void* LoadChain(void* data) {
+    const auto& files = *static_cast<const Workspace*>(data);
+    TAPSymbolTable table;
+    table.SetConcatenation(files("w").c_str());
+    EXPECT_EQ(table.LoadFile(files(Header("h0.h")).c_str(), 1), 0);
+    EXPECT_EQ(table.classIndex.size, 10000);
+    return nullptr;
+}
+
+TEST(LoadingChain, NeedsNoMachineStack) {
+    const Workspace files;
+    for (int i = 0; i < 10000; ++i)
+        files.Write(Header("h" + std::to_string(i) + ".h"),
+                    "#include \"h" + std::to_string(i + 1) + ".h\"\nclass C" + std::to_string(i) + " {};");
+    pthread_attr_t small;
+    pthread_attr_init(&small);
+    pthread_attr_setstacksize(&small, 256 * 1024);
+    pthread_t thread;
+    ASSERT_EQ(pthread_create(&thread, &small, LoadChain, const_cast<Workspace*>(&files)), 0);
+    pthread_join(thread, nullptr);
+}
+
+TEST(TAPSymbolTableDeathTest, NeedsItsVariable) {
+    EXPECT_EXIT((unsetenv("QxqxOS_VAR"), TAPSymbolTable()), testing::ExitedWithCode(1), "^$");
+}
+
+} // namespace
