@@ -2,14 +2,22 @@
 
 // Every public header of the library.
 
+#include <ostraka/foundation/Directory.h>
 #include <ostraka/foundation/Fatal.h>
 #include <ostraka/foundation/TACallback.h>
 #include <ostraka/foundation/TAFileBuffer.h>
+#include <ostraka/foundation/TAFileName.h>
 #include <ostraka/foundation/TAIndex.h>
 #include <ostraka/foundation/TAIndexB.h>
 #include <ostraka/foundation/TARefCounter.h>
 #include <ostraka/foundation/TextHelpers.h>
 #include <ostraka/foundation/TypedLists.h>
+#include <ostraka/symbols/TAPDefClass.h>
+#include <ostraka/symbols/TAPDefEntity.h>
+#include <ostraka/symbols/TAPDefMethod.h>
+#include <ostraka/symbols/TAPDefSource.h>
+#include <ostraka/symbols/TAPDefVar.h>
+#include <ostraka/symbols/TAPSymbolTable.h>
 #include <ostraka/syntax/TAPExpression.h>
 #include <ostraka/syntax/TAPInstruction.h>
 #include <ostraka/syntax/TAPListOfArgs.h>
