@@ -84,11 +84,11 @@ inline void* AllocateNode(std::size_t bytes) {
     return ::operator new(bytes);
 }
 
-inline void FreeNode(void* block, std::size_t bytes) {
+inline void FreeNode(void* block, [[maybe_unused]] std::size_t bytes) {
 #if !defined(__SANITIZE_ADDRESS__)
     if (bytes <= NodePool::blockSize) return nodePool.Free(block);
 #endif
-    ::operator delete(block, bytes);
+    ::operator delete(block);
 }
 
 } // namespace ostraka::detail
