@@ -47,7 +47,7 @@ public:
     // stream, the places, `includes`, and into `macros` each macro that the index doesn't hold yet, with a
     // copy of the first word of its text. To be called once.
     // 0 on success, also for an unreadable file, which counts as empty; 1 when the parenthesis of a dialect
-    // word doesn't close, which is told on standard error and leaves the file without stream.
+    // word doesn't close, which is told on standard error and leaves the size 0 and the stream unfinished.
     int Process(TAIndex& macros);
 
     char* GetStream() const { return stream; }
