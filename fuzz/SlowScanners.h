@@ -144,21 +144,6 @@ public:
         return found;
     }
 
-    int SearchOperatorOld(int begin, int end, int& length) const {
-        if (begin >= end) return 0;
-        for (const char* singles : {"+-.=<>&|", "*"}) {
-            for (int i = begin; i <= end; ++i) {
-                if (OneOf(At(i), "([\"'") && (i = FarEnd(1, i, end)) == 0) return 0;
-                const char next = i < end ? At(i + 1) : 0;
-                const bool twice = At(i) == next && OneOf(next, ":=<>&|");
-                const bool pair = twice || (At(i) == '-' && next == '>') || (At(i) == '!' && next == '=');
-                if (pair && *singles != '*') return length = 2, i;
-                if (OneOf(At(i), singles)) return length = 1, i;
-            }
-        }
-        return length = 0;
-    }
-
 private:
     static bool OneOf(char c, const char* set) { return c != 0 && std::strchr(set, c) != nullptr; }
 

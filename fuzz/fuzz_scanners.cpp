@@ -1,4 +1,4 @@
-// Every scanner and the searches for operators against plain slow ones, from all places of a short text.
+// Every scanner and the search for operators against plain slow ones, from all places of a short text.
 
 #include <algorithm>
 #include <cstdint>
@@ -31,10 +31,6 @@ void Compare(const std::string& text, int begin, int end) {
     int length = -1;
     int expected = -1;
     CHECK(TAPExpression::SearchOperator(s, begin, end, length) == slow.SearchOperator(begin, end, expected));
-    CHECK(length == expected);
-    length = expected = -1;
-    CHECK(TAPExpression::SearchOperator_old(s, begin, end, length) ==
-          slow.SearchOperatorOld(begin, end, expected));
     CHECK(length == expected);
     for (int n = 1; n <= 3; ++n)
         CHECK(S::ExistLongerOp(s, 0, end, begin, n) == slow.ExistLongerOp(0, end, begin, n));
