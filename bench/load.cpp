@@ -111,7 +111,5 @@ int main(int argc, char** argv) {
     TellMemory("records", baseline, totals);
     table.UnLoadAllFiles();
     TellMemory("empty", baseline, totals);
-    malloc_trim(0);
-    TellMemory("trimmed", baseline, totals);
     return totals.failures != 0;
 }

@@ -3,6 +3,10 @@
 #include <cstdlib>
 #include <vector>
 
+#if defined(__GLIBC__)
+#include <malloc.h>
+#endif
+
 #include <ostraka/symbols/DeclarationScan.h>
 #include <ostraka/symbols/OwnedParts.h>
 
@@ -55,6 +59,13 @@ void dropClassesOf(const TAPDefSource& source, TAIndex& classIndex) {
         classIndex.RemovePosition(position);
         cls->Release();
     }
+}
+
+// What was freed lies scattered over the heap, which keeps it from the system unless it is asked.
+void GiveMemoryBack() {
+#if defined(__GLIBC__)
+    malloc_trim(0);
+#endif
 }
 
 } // namespace
@@ -127,6 +138,7 @@ void TAPSymbolTable::UnLoadAllFiles() {
                                 &types,      &macros,       &classNames,  &interfaceNames,
                                 &enumNames,  &typedefNames, &scannedFiles};
     for (TAIndex* index : emptied) index->Reset();
+    GiveMemoryBack();
 }
 
 void TAPSymbolTable::releaseAll() {

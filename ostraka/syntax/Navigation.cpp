@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -309,10 +310,10 @@ int TAPSyntaxe::GetBlocSize() const {
 }
 
 int TAPSyntaxe::GetTAPSyntaxePath(NUBRawCollint& path) const {
-    std::vector<int> positions;
+    for (const TAPSyntaxe* node = this; node->parent != nullptr; node = node->parent) path.Append(0);
+    int place = path.size;
     for (const TAPSyntaxe* node = this; node->parent != nullptr; node = node->parent) {
-        positions.push_back(node->posInFather);
+        path[place--] = node->posInFather;
     }
-    std::for_each(positions.rbegin(), positions.rend(), [&](int position) { path.Append(position); });
     return 0;
 }

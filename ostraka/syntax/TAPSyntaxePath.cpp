@@ -4,7 +4,8 @@
 
 #include <ostraka/syntax/TAPSyntaxe.h>
 
-TAPSyntaxePath::TAPSyntaxePath(const TAPSyntaxe* node) : filePath(node->GetSource()) {
+// Records keep a great many paths, so the positions get no room to grow.
+TAPSyntaxePath::TAPSyntaxePath(const TAPSyntaxe* node) : filePath(node->GetSource()), posInTree(node->depth) {
     const TAPSourceFile* file = node->GetTAPSourceFile();
     const int past = node->GetBegin() + node->GetSize();
     // The braces of a block lie just outside its range.

@@ -2,15 +2,18 @@
 
 // NUBString, the value class of all narrow text, and NUBChar, one character of it.
 //
-// A text is a run of bytes without a NUL and owns its memory; short texts need none beyond the object, and a
-// growing one doubles its room, so that adding n characters one by one costs n steps. Positions count from 0
-// and are clamped to the text, so no call reads or writes outside of it. A null `const char*` counts as the
-// empty text, and a view counts up to its first NUL. Order is that of the bytes as unsigned numbers.
+// A text is a run of bytes without a NUL. A short one lies in the object; a long one lies in a block of its
+// own that its copies share until one of them changes, so that many records may hold one path for the price
+// of a pointer. The share isn't counted atomically: one thread at a time. A growing text doubles its room, so
+// that adding n characters one by one costs n steps. Positions count from 0 and are clamped to the text, so
+// no call reads or writes outside of it. A null `const char*` counts as the empty text, and a view counts up
+// to its first NUL. Order is that of the bytes as unsigned numbers.
 
 #include <basalt/Export.h>
 
 #include <compare>
-#include <string>
+#include <cstddef>
+#include <cstring>
 #include <string_view>
 
 // A character to fill with.
@@ -23,6 +26,91 @@ private:
     char value;
 };
 
+namespace basalt::detail {
+
+// The bytes of a text with a NUL behind them. Views that are handed in may look into the text itself.
+class BASALT_EXPORT SharedText {
+public:
+    SharedText() { setLocalSize(0); }
+    explicit SharedText(std::string_view from) : SharedText() { assign(from); }
+    SharedText(const SharedText& other) noexcept : SharedText() { share(other); }
+    SharedText(SharedText&& other) noexcept {
+        std::memcpy(local, other.local, sizeof local);
+        other.setLocalSize(0);
+    }
+    SharedText& operator=(const SharedText& other) noexcept {
+        if (this == &other) return *this;
+        leave();
+        share(other);
+        return *this;
+    }
+    SharedText& operator=(SharedText&& other) noexcept {
+        if (this == &other) return *this;
+        leave();
+        std::memcpy(local, other.local, sizeof local);
+        other.setLocalSize(0);
+        return *this;
+    }
+    ~SharedText() { leave(); }
+
+    const char* data() const { return isLocal() ? local : block->bytes(); }
+    std::size_t size() const {
+        return isLocal() ? localRoom - static_cast<std::size_t>(spare()) : block->size;
+    }
+    std::string_view view() const { return {data(), size()}; }
+
+    void assign(std::string_view from) { replace(0, size(), from); }
+    // Puts `with` in the place of the `length` bytes from `begin` on, which lie in the text.
+    void replace(std::size_t begin, std::size_t length, std::string_view with);
+    // The bytes to be changed, for this text alone.
+    char* change();
+
+private:
+    struct Block {
+        std::size_t holders;
+        std::size_t size;
+        std::size_t room;
+        char* bytes() { return reinterpret_cast<char*>(this + 1); }
+    };
+
+    static constexpr std::size_t localRoom = 15;
+    static constexpr char elsewhere = 16;
+
+    static Block* newBlock(std::size_t room);
+
+    // Bytes that a text in the object leaves free, so that a full one ends with its own NUL.
+    char spare() const { return local[localRoom]; }
+    bool isLocal() const { return spare() != elsewhere; }
+    void setLocalSize(std::size_t size) {
+        local[size] = '\0';
+        local[localRoom] = static_cast<char>(localRoom - size);
+    }
+    void adopt(Block* own) {
+        block = own;
+        local[localRoom] = elsewhere;
+    }
+    bool hasRoomOfItsOwn(std::size_t size) const {
+        return isLocal() ? size <= localRoom : block->holders == 1 && size <= block->room;
+    }
+    void setSize(std::size_t size);
+    // Of an empty text in the object.
+    void share(const SharedText& other) {
+        std::memcpy(local, other.local, sizeof local);
+        if (!isLocal()) ++block->holders;
+    }
+    void leave() {
+        if (!isLocal()) leaveBlock();
+    }
+    void leaveBlock();
+
+    union {
+        Block* block;
+        char local[localRoom + 1];
+    };
+};
+
+} // namespace basalt::detail
+
 class BASALT_EXPORT NUBString {
 public:
     NUBString() = default;
@@ -30,35 +118,35 @@ public:
     explicit NUBString(std::string_view from) : text(upToNul(from)) {}
 
     // The text with a NUL behind it; good until the text changes or dies.
-    const char* CastToCharPtr() const { return text.c_str(); }
+    const char* CastToCharPtr() const { return text.data(); }
     // The same as a view, with the same life.
-    std::string_view View() const { return text; }
+    std::string_view View() const { return text.view(); }
 
     int Length() const { return static_cast<int>(text.size()); }
     int GetLengthInChar() const { return Length(); }
 
     // -1, 0 or 1, as this text stands to the other one.
-    int Compare(const NUBString& other) const { return signOf(text.compare(other.text)); }
-    int Compare(const char* other) const { return signOf(text.compare(viewOf(other))); }
+    int Compare(const NUBString& other) const { return signOf(View().compare(other.View())); }
+    int Compare(const char* other) const { return signOf(View().compare(viewOf(other))); }
 
     // Position of the first occurrence that begins at `from` or behind it, or -1. A negative `from` counts as
     // 0. The empty text occurs at every position up to the length.
-    int FindPosition(const NUBString& what, int from = 0) const { return find(what.text, from); }
+    int FindPosition(const NUBString& what, int from = 0) const { return find(what.View(), from); }
     int FindPosition(const char* what, int from = 0) const { return find(viewOf(what), from); }
     // What lies in [start, start + length); the part of it that lies within the text.
     NUBString SubString(int start, int length) const;
 
-    NUBString& Append(const NUBString& more) { return append(more.text); }
+    NUBString& Append(const NUBString& more) { return append(more.View()); }
     NUBString& Append(const char* more) { return append(viewOf(more)); }
     NUBString& Append(std::string_view more) { return append(upToNul(more)); }
-    NUBString& operator+=(const NUBString& more) { return append(more.text); }
+    NUBString& operator+=(const NUBString& more) { return append(more.View()); }
     NUBString& operator+=(const char* more) { return append(viewOf(more)); }
     NUBString& operator+=(std::string_view more) { return append(upToNul(more)); }
 
     // Turns a to z into A to Z, whatever the locale is.
     void ToUpper();
     // Puts `more` before the character at `pos`.
-    void Insert(int pos, const NUBString& more) { insert(pos, more.text); }
+    void Insert(int pos, const NUBString& more) { insert(pos, more.View()); }
     void Insert(int pos, const char* more) { insert(pos, viewOf(more)); }
     // Cuts up to `count` characters from `pos` on. Nothing for a position outside the text.
     void Remove(int pos, int count);
@@ -70,7 +158,7 @@ public:
     void Resize(int n, NUBChar fill, int);
 
     friend NUBString operator+(NUBString left, const NUBString& right) {
-        left.append(right.text);
+        left.append(right.View());
         return left;
     }
     friend NUBString operator+(NUBString left, const char* right) {
@@ -78,13 +166,13 @@ public:
         return left;
     }
 
-    friend bool operator==(const NUBString& a, const NUBString& b) { return a.text == b.text; }
-    friend bool operator==(const NUBString& a, const char* b) { return a.text == viewOf(b); }
+    friend bool operator==(const NUBString& a, const NUBString& b) { return a.View() == b.View(); }
+    friend bool operator==(const NUBString& a, const char* b) { return a.View() == viewOf(b); }
     friend std::strong_ordering operator<=>(const NUBString& a, const NUBString& b) {
-        return a.text.compare(b.text) <=> 0;
+        return a.View().compare(b.View()) <=> 0;
     }
     friend std::strong_ordering operator<=>(const NUBString& a, const char* b) {
-        return a.text.compare(viewOf(b)) <=> 0;
+        return a.View().compare(viewOf(b)) <=> 0;
     }
 
 private:
@@ -93,11 +181,11 @@ private:
     static int signOf(int order) { return (order > 0) - (order < 0); }
 
     NUBString& append(std::string_view more) {
-        text.append(more);
+        text.replace(text.size(), 0, more);
         return *this;
     }
     void insert(int pos, std::string_view more);
     int find(std::string_view what, int from) const;
 
-    std::string text;
+    basalt::detail::SharedText text;
 };

@@ -1,7 +1,10 @@
 #include <basalt/NUBListValNUBString.h>
 #include <basalt/NUBRawColl.h>
 
+#include <algorithm>
+#include <cctype>
 #include <gtest/gtest.h>
+#include <random>
 #include <string>
 #include <tuple>
 
@@ -46,6 +49,33 @@ TEST(NUBString, PositionsAreClampedToTheText) {
         rest.Remove(pos, count);
         EXPECT_EQ(rest, left) << pos;
         EXPECT_EQ(text.SubString(pos, count), sub) << pos;
+    }
+}
+
+// Copies share their memory until one of them changes: each keeps the text that it should have.
+TEST(NUBString, CopiesAreIndependent) {
+    NUBString texts[4];
+    std::string expected[4];
+    std::mt19937 random(1);
+    for (int step = 0; step < 20000; ++step) {
+        const std::size_t i = random() % 4, j = random() % 4;
+        const int pos = static_cast<int>(random() % 40), count = static_cast<int>(random() % 20);
+        const std::size_t length = expected[i].size(), at = std::min<std::size_t>(pos, length);
+        switch (random() % 6) {
+        case 0: texts[i] = texts[j], expected[i] = expected[j]; break;
+        case 1: texts[i] += "xyz", expected[i] += "xyz"; break;
+        case 2:
+            if (length < 200)
+                texts[i].Insert(pos, texts[j]), expected[i].insert(at, std::string(expected[j]));
+            break;
+        case 3: texts[i].Remove(pos, count), expected[i].erase(at, count); break;
+        case 4: texts[i].Resize(pos, 'r', 1), expected[i].resize(pos, 'r'); break;
+        case 5:
+            texts[i].ToUpper();
+            for (char& c : expected[i]) c = static_cast<char>(std::toupper(c));
+            break;
+        }
+        for (std::size_t k = 0; k < 4; ++k) ASSERT_EQ(texts[k], expected[k].c_str()) << step;
     }
 }
 
