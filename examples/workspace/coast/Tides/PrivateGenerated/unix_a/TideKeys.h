@@ -1,0 +1,3 @@
+// Generated. Seen by this framework only.
+#define TideKeyLevel 17
+#define TideKeyState 18

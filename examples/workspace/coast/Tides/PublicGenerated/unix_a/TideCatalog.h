@@ -1,0 +1,3 @@
+// Generated for unix_a.
+enum TideCatalog { TideNoStation = 1, TideNoValue };
+typedef long TideClock;

@@ -1,0 +1,4 @@
+// Generated from the catalogue of messages.
+#define TrafficMsgEnter "TrafficEnter"
+#define TrafficMsgWait "TrafficWait"
+typedef const char* TrafficMessage;

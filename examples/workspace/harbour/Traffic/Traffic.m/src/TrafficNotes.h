@@ -1,0 +1,2 @@
+// Lies beside the sources, where no include is looked for.
+enum TrafficNote { TrafficNoteNone, TrafficNoteFog };
