@@ -24,8 +24,8 @@ public:
     int allocSize = 1000;
     int incSize = 1000;
 
-    // Ends in `FATAL` with a `sizeofkey` below 1.
-    explicit TAIndexB(int sizeofkey);
+    // Keys of so many words; fewer than 1 end in `FATAL`.
+    explicit TAIndexB(int words);
     ~TAIndexB();
     TAIndexB(const TAIndexB&) = delete;
     TAIndexB& operator=(const TAIndexB&) = delete;

@@ -190,7 +190,7 @@ bool IsLetterOrDigit(char c) {
 bool DeclaresOperator(std::string_view text) {
     static constexpr std::string_view word = "operator";
     const std::size_t begin = text.find(word);
-    if (begin == text.npos) return false;
+    if (begin == std::string_view::npos) return false;
     const std::size_t past = begin + word.size();
     return (begin == 0 || !IsLetterOrDigit(text[begin - 1])) &&
            (past == text.size() || !IsLetterOrDigit(text[past]));

@@ -54,9 +54,9 @@ public:
 
     // The number of lines of the implementation on which something begins; 0 without one. Counted once.
     int GetImpLine();
-    // Adds to `count` the lines below `lastLine` on which a node of the subtree begins, and returns the last
+    // Adds to `lines` the lines below `lastLine` on which a node of the subtree begins, and returns the last
     // line seen. A null node adds nothing.
-    int ComputeImpLine(int& count, TAPSyntaxe* node, int lastLine);
+    int ComputeImpLine(int& lines, TAPSyntaxe* node, int lastLine);
 };
 
 using NUBListPtrTAPDefMethod = ostraka::detail::PointerList<TAPDefMethod>;

@@ -28,7 +28,7 @@ constexpr Classification directories[] = {
 // The dot may lie in the name of a directory; what follows it then is no extension of the table.
 int fileKindOf(std::string_view path) {
     const std::size_t dot = path.rfind('.');
-    if (dot == path.npos) return 0;
+    if (dot == std::string_view::npos) return 0;
     for (const Classification& row : extensions)
         if (path.substr(dot) == row.text) return row.kind;
     return 0;
@@ -37,7 +37,7 @@ int fileKindOf(std::string_view path) {
 int interfaceKindOf(std::string_view path) {
     int kind = 15;
     for (const Classification& row : directories)
-        if (path.find(row.text) != path.npos) kind = row.kind;
+        if (path.find(row.text) != std::string_view::npos) kind = row.kind;
     return kind;
 }
 

@@ -66,7 +66,8 @@ bool IsLastWordOfType(const TAPSymbolTable& table, std::string_view word) {
 bool IsType(const TAPSymbolTable& table, std::string_view type) {
     static constexpr std::string_view separators = " *&";
     std::string_view last;
-    for (std::size_t begin = 0; (begin = type.find_first_not_of(separators, begin)) != type.npos;) {
+    for (std::size_t begin = 0;
+         (begin = type.find_first_not_of(separators, begin)) != std::string_view::npos;) {
         const std::size_t past = std::min(type.find_first_of(separators, begin), type.size());
         if (!last.empty() && !Holds(table.keywords, last)) return false;
         last = type.substr(begin, past - begin);

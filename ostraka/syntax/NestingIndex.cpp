@@ -25,7 +25,7 @@ constexpr int marginAtEnd = 2;
 } // namespace
 
 NestingIndex::NestingIndex(const char* text, int begin, int end) : stream(text), first(begin), last(end) {
-    const auto length = static_cast<std::size_t>(last - first + 1);
+    const auto length = static_cast<std::size_t>(last - first) + 1;
     marks.reserve(length / 2 + 16);
     markFrom.reset(new int[length + 1]);
     marks.push_back({first - 1, 0, 0, 0, Edge, {}});

@@ -36,14 +36,14 @@ constexpr auto pairs = [] {
     std::array<std::array<bool, 128>, 128> table{};
     for (std::size_t i = 1; TAPSyntaxe::operator_2[i] != nullptr; ++i) {
         const char* entry = TAPSyntaxe::operator_2[i];
-        table[static_cast<std::size_t>(entry[0])][static_cast<std::size_t>(entry[1])] = true;
+        table[static_cast<unsigned char>(entry[0])][static_cast<unsigned char>(entry[1])] = true;
     }
     return table;
 }();
 
 bool Entry2At(const char* text) {
     return partOfLonger[text[0]] && partOfLonger[text[1]] &&
-           pairs[static_cast<std::size_t>(text[0])][static_cast<std::size_t>(text[1])];
+           pairs[static_cast<unsigned char>(text[0])][static_cast<unsigned char>(text[1])];
 }
 
 bool Entry3At(const char* text) {

@@ -15,11 +15,11 @@ namespace ostraka::detail {
 // the names of the included files and the macros. A writer over memory of its caller, used once.
 class StreamNormaliser {
 public:
-    // The source runs from `text` to `past`, without a NUL in between; no byte behind it is read. `fileSize`
-    // is the size of the file, which may go on behind a NUL. `out`, `lines` and `cols` have room for
-    // Capacity(fileSize) entries each.
-    StreamNormaliser(const char* text, const char* past, std::ptrdiff_t fileSize, char* out, short* lines,
-                     short* cols);
+    // The source runs from `sourceText` to `sourcePast`, without a NUL in between; no byte behind it is read.
+    // `sizeOfFile` is the size of the file, which may go on behind a NUL. The three arrays have room for
+    // Capacity(sizeOfFile) entries each.
+    StreamNormaliser(const char* sourceText, const char* sourcePast, std::ptrdiff_t sizeOfFile, char* outText,
+                     short* outLines, short* outCols);
 
     // Room that the stream of a file of this size can take: a dialect word can grow by one character.
     static std::size_t Capacity(std::size_t fileSize) { return fileSize + fileSize / 10 + 4 * chunk; }
