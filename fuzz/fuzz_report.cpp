@@ -1,0 +1,52 @@
+// A reader of reports, fed with a report as a whole and byte by byte: what it hands on is the same.
+
+#include <cstdint>
+#include <cstring>
+#include <string>
+
+#include <reports/ReportReader.h>
+
+#include "Check.h"
+
+using namespace ostraka::reports;
+
+namespace {
+
+class Dump : public RecordTaker {
+public:
+    void Take(const ReportRecord& record) override {
+        CHECK(record.calls.Kept() <= CallTexts::most && record.calls.Kept() <= record.calls.Told());
+        text += record.type + record.kind + std::to_string(record.line) + (record.leak ? "leak" : "") +
+                std::to_string(record.bytes) + "," + std::to_string(record.count);
+        for (int i = 0; i < record.calls.Kept(); ++i) {
+            const std::string call = record.calls[i];
+            CHECK(std::strlen(record.calls[i]) == call.size());
+            text += "\n" + call;
+        }
+        text += "\n" + std::to_string(record.calls.Told()) + "\n";
+    }
+    void Recount(std::uint64_t unique, std::int64_t count) override {
+        text += std::to_string(unique) + "=" + std::to_string(count) + "\n";
+    }
+    std::string text;
+};
+
+std::string DumpOf(std::string_view report, std::size_t pieceSize) {
+    Dump dump;
+    const auto reader = MakeReader(ReportForm::REPORT_FORM, dump);
+    bool going = true;
+    for (; going && !report.empty(); report.remove_prefix(std::min(pieceSize, report.size())))
+        going = reader->Feed(report.substr(0, pieceSize));
+    if (going) reader->End();
+    if (const auto& fault = reader->Fault())
+        dump.text += std::to_string(fault->line) + ":" + std::to_string(fault->column) + fault->cause;
+    return dump.text;
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view report(reinterpret_cast<const char*>(data), size);
+    CHECK(DumpOf(report, size + 1) == DumpOf(report, 1));
+    return 0;
+}

@@ -1,0 +1,152 @@
+#include <gtest/gtest.h>
+
+#include <reports/ReportReader.h>
+
+using namespace ostraka::reports;
+
+namespace {
+
+// One line for each record: line of the report, type, kind, counts, and the calls as a person reads them.
+class Dump : public RecordTaker {
+public:
+    void Take(const ReportRecord& record) override {
+        text += std::to_string(record.line) + " " + record.type + (record.leak ? " leak " : " ") +
+                record.kind + " " + std::to_string(record.count) + "x" + std::to_string(record.bytes);
+        for (int i = 0; i < record.calls.Kept(); ++i) text += "|" + ShownCall(record.calls[i]);
+        if (record.calls.Told() > record.calls.Kept()) text += "|of " + std::to_string(record.calls.Told());
+        text += "\n";
+    }
+    void Recount(std::uint64_t unique, std::int64_t count) override {
+        text += std::to_string(unique) + "=" + std::to_string(count) + "\n";
+    }
+    std::string text;
+};
+
+std::string DumpOf(const std::string& report, std::size_t pieceSize) {
+    Dump dump;
+    const auto reader = MakeReader(TellForm(report), dump);
+    bool going = true;
+    for (std::size_t at = 0; going && at < report.size(); at += pieceSize)
+        going = reader->Feed(std::string_view(report).substr(at, pieceSize));
+    if (going) reader->End();
+    if (const auto& fault = reader->Fault())
+        dump.text += "fault " + std::to_string(fault->line) + ":" + std::to_string(fault->column) + " " +
+                     fault->cause + "\n";
+    return dump.text;
+}
+
+std::string Error(const std::string& inside) {
+    return "<error>\n<unique>0x1f</unique>" + inside + "</error>\n";
+}
+std::string Frames(const std::string& inside) {
+    return "<stack><frame>" + inside + "</frame></stack>";
+}
+std::string Repeated(const std::string& text, int times) {
+    std::string all;
+    for (int i = 0; i < times; ++i) all += text;
+    return all;
+}
+
+const std::string inMain =
+    "<ip>0x1</ip><obj>/a</obj><fn>main</fn><dir>/w/FwA/M.m/src</dir><file>a.cpp</file><line>9</line>";
+const std::string xml = "<?xml version=\"1.0\"?>\n<valgrindoutput>\n";
+const std::string end = "</valgrindoutput>\n";
+
+TEST(Readers, HandOnWhatReportsTell) {
+    const std::pair<std::string, const char*> rows[] = {
+        // Valgrind: the first stack counts, the remark tells what the access met
+        {xml +
+             Error("<kind>InvalidRead</kind>" + Frames(inMain) +
+                   "<auxwhat>Address 0x4d is 0 bytes inside a block of size 8 free'd</auxwhat>" +
+                   Frames("<fn>free</fn>") + "<auxwhat>Block was alloc'd at</auxwhat>") +
+             "<errorcounts><pair><count>3</count><unique>0x1f</unique></pair></errorcounts>" + end,
+         "3 FMR InvalidRead 1x0|main [/w/FwA/M.m/src/a.cpp:9]\n31=3\n"},
+        {xml +
+             Error("<kind>InvalidWrite</kind><auxwhat>Address 0x8 is not stack'd, malloc'd or (recently) "
+                   "free'd</auxwhat>") +
+             Error("<kind>InvalidWrite</kind><auxwhat>Address 0x8 is not here</auxwhat>") +
+             Error("<kind>InvalidFree</kind>") + Error("<kind>Race</kind>") + end,
+         "3 ZPW InvalidWrite 1x0\n5 ZPW InvalidWrite 1x0\n7 FNH InvalidFree 1x0\n9 Race Race 1x0\n"},
+        // leaks; calls without a path, without a source, without anything; any bytes
+        {xml +
+             Error("<kind>Leak_PossiblyLost</kind><xwhat><text>1</text><leakedbytes>40</"
+                   "leakedbytes><leakedblocks>2</leakedblocks></xwhat>" +
+                   Frames("<fn>operator new[](unsigned "
+                          "long)</fn><file>x.c</file><line>1</line></frame><frame><obj>/lib/x.so</obj></"
+                          "frame><frame>"
+                          "</frame><frame><fn>\xe4\xc3\xa4&lt;&amp;</fn><file>/f.c</file><dir>/d</dir>")) +
+             end,
+         "3 PLK leak Leak_PossiblyLost 2x40|operator new[](unsigned long) [x.c:1]|??? (in "
+         "/lib/x.so)|???|\xe4\xc3\xa4<& [/f.c:]\n"},
+        // what is whole before a fault stays
+        {xml + Error("<kind>Overlap</kind>") + "<error>\n<kind>Overlap",
+         "3 PAR Overlap 1x0\nfault 6:14 no element found; the error that is open here is left out\n"},
+        {xml + "<error></kind>", "fault 3:10 mismatched tag; the error that is open here is left out\n"},
+        {"<?xml version='1.0'?><html/>", "fault 1:22 is XML, but not Valgrind's\n"},
+        {"<?xml version='1.0'?><!DOCTYPE a [<!ENTITY b 'c'>]><a/>",
+         "fault 1:34 holds a document type, which a report hasn't\n"},
+        {xml + Error("<kind>Overlap</kind><stack>" + Repeated("<frame><fn>f</fn></frame>", 23) + "</stack>") +
+             end,
+         "3 PAR Overlap 1x0|f|f|f|f|f|f|f|f|f|f|f|f|f|f|f|f|f|f|f|f|of 23\n"},
+        // frames that are known already, and texts that only look like them
+        {xml + Error(Frames(inMain)) + Error(Frames(inMain)) +
+             Error("<!-- <stack>\n<frame>" + inMain + "</frame></stack> -->" + Frames(inMain)) +
+             Error("<stack><!-- <stack><frame> --><frame>" + inMain +
+                   "</frame><frame><!-- </frame> --><fn>g</fn></frame></stack>") +
+             "</b>",
+         "3 ?  1x0|main [/w/FwA/M.m/src/a.cpp:9]\n5 ?  1x0|main [/w/FwA/M.m/src/a.cpp:9]\n"
+         "7 ?  1x0|main [/w/FwA/M.m/src/a.cpp:9]\n10 ?  1x0|main [/w/FwA/M.m/src/a.cpp:9]|g\nfault 12:3 "
+         "mismatched tag\n"},
+        // sanitizers, inside what a program prints
+        {"Hello\n==7==ERROR: AddressSanitizer: heap-buffer-overflow on address 0x60 at pc 0x5\r\nWRITE of "
+         "size 4 at 0x60 thread T0\r\n"
+         "    #0 0x5 in Foo::operator[](int (&) [3]) /w/a b/c.cpp:9:3\r\n    #1 0x7 in start ../s/l.h:58\n   "
+         " #2 0x7 in f() (/l/x.so+0x1f) (BuildId: 3)\n    #3 0x7 (/a+0x1)\n"
+         "    #4 0x7 in g(int)\n\n0x60 is located\nallocated by thread T0 here:\n    #0 0x7 in malloc "
+         "x.c:1\n\n",
+         "2 ABW heap-buffer-overflow 1x0|Foo::operator[](int (&) [3]) [/w/a b/c.cpp:9]|start "
+         "[../s/l.h:58]|f() (in /l/x.so)|??? (in /a)|g(int)\n"},
+        {"==7==ERROR: LeakSanitizer: detected memory leaks\n\nDirect leak of 32 byte(s) in 2 object(s) "
+         "allocated from:\n    #0 0x7 in f a.c:1\n\n"
+         "Indirect leak of 8 byte(s) in 1 object(s) allocated from:\n    #0 0x7 in g a.c:2",
+         "3 MLK leak Direct leak 2x32|f [a.c:1]\n6 MLK leak Indirect leak 1x8|g [a.c:2]\n"},
+        {"==7==ERROR: AddressSanitizer: SEGV on unknown address 0x000000000008 (pc 0x1)\n==7==The signal is "
+         "caused by a READ memory access.\n    #0 0x1 in f a.c:1\n"
+         "==7==ERROR: AddressSanitizer: attempting free on address which was not malloc()-ed: 0x1\n",
+         "1 ZPR SEGV 1x0|f [a.c:1]\n4 FNH attempting free 1x0\n"},
+        // plain lines, with and without a head, a source, a blank before it, an end
+        {"MLK 3 120\nfoo[abi:cxx11]() [/w/a.cpp:1]\n  "
+         "main\n\n\nUMR\nABC(int)\nFoo[/w/[b]/c.cpp:3]\n[x\nnew[]\noperator[]",
+         "1 MLK leak MLK 3x120|foo[abi:cxx11]() [/w/a.cpp:1]|main\n6 UMR UMR "
+         "1x0|ABC(int)|Foo[/w/[b]/c.cpp:3]|[x|new[]|operator[]\n"},
+        {std::string("a\0b", 3), "1 ? ? 1x0|a?b\n"},
+        {"", ""},
+        {"==12== Memcheck, a memory error detector\n",
+         "fault 1:1 is the text of Valgrind, which has to run with --xml=yes\n"},
+    };
+    for (const auto& [report, expected] : rows) {
+        EXPECT_EQ(DumpOf(report, report.size() + 1), expected) << report;
+        EXPECT_EQ(DumpOf(report, 1), expected) << report;
+    }
+}
+
+TEST(Readers, TellTheBracketOfTheSource) {
+    const std::pair<const char*, const char*> rows[] = {
+        {"operator new[](int) [/w/a.cpp:1]", "operator new\x7f](int) [/w/a.cpp:1]"},
+        {"f(int (&) [3])", "f(int (&) \x7f"
+                           "3])"},
+        {"f(int (&) [3]) [", "f(int (&) \x7f"
+                             "3]) ["},
+        {"operator new[]@", "operator new\x7f]@"},
+        {"@ [/w/[x]/@]", "@ [/w/[x]/@]"},
+        {"f[a.cpp:1]", "f[a.cpp:1]"},
+        {" f[b:c] ", "f\x7f"
+                     "b:c]"},
+    };
+    for (const auto& [written, text] : rows) EXPECT_EQ(CallText(written), text);
+    EXPECT_EQ(ShownCall(rows[0].second), rows[0].first);
+    const std::string hostile = Repeated("x[a/b:", 200000) + "]";
+    EXPECT_EQ(CallText(hostile).size(), hostile.size());
+}
+
+} // namespace

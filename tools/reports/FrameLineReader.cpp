@@ -1,0 +1,81 @@
+#include <algorithm>
+#include <charconv>
+
+#include "LineReader.h"
+
+namespace ostraka::reports {
+
+namespace {
+
+constexpr std::size_t codeLength = 3;
+
+// Takes the number and what stands before it off the front of the text.
+bool TakeNumber(std::string_view& text, std::int64_t& number) {
+    text.remove_prefix(std::min(text.find_first_not_of(' '), text.size()));
+    const auto parsed = std::from_chars(text.data(), text.data() + text.size(), number);
+    if (parsed.ec != std::errc() || number < 0) return false;
+    text.remove_prefix(static_cast<std::size_t>(parsed.ptr - text.data()));
+    return text.empty() || text.front() == ' ';
+}
+
+// "==123== Memcheck, a memory error detector"
+bool IsValgrindText(std::string_view line) {
+    const std::size_t past = line.find_first_not_of("0123456789", 2);
+    return line.starts_with("==") && past > 2 && past != line.npos && line.substr(past).starts_with("== ");
+}
+
+class FrameLineReader : public LineReader {
+public:
+    explicit FrameLineReader(RecordTaker& theTaker) : taker(theTaker) {}
+
+private:
+    void TakeLine(std::string_view line) override {
+        if (IsValgrindText(line)) {
+            fault = {LineNumber(), 1, "is the text of Valgrind, which has to run with --xml=yes"};
+            return;
+        }
+        if (line.find_first_not_of(" \t") == line.npos) return TakeEnd();
+        if (!open) {
+            record.Clear();
+            record.line = LineNumber();
+            record.type = record.kind = "?";
+            open = true;
+            if (TakeHead(line)) return;
+        }
+        record.calls.AddLine(line);
+    }
+
+    void TakeEnd() override {
+        if (open) taker.Take(record);
+        open = false;
+    }
+
+    bool TakeHead(std::string_view line) {
+        const std::string_view code = line.substr(0, codeLength);
+        std::string_view rest = line.substr(code.size());
+        if (code.size() < codeLength ||
+            !std::all_of(code.begin(), code.end(), [](char c) { return c >= 'A' && c <= 'Z'; }))
+            return false;
+        std::int64_t count = 1;
+        std::int64_t bytes = 0;
+        if (!rest.empty() && (rest.front() != ' ' || !TakeNumber(rest, count))) return false;
+        if (!rest.empty() && (!TakeNumber(rest, bytes) || !rest.empty())) return false;
+        record.type = record.kind = code;
+        record.leak = code.ends_with("LK");
+        record.count = count;
+        record.bytes = bytes;
+        return true;
+    }
+
+    RecordTaker& taker;
+    ReportRecord record;
+    bool open = false;
+};
+
+} // namespace
+
+std::unique_ptr<ReportReader> MakeFrameLineReader(RecordTaker& taker) {
+    return std::make_unique<FrameLineReader>(taker);
+}
+
+} // namespace ostraka::reports

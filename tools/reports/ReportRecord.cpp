@@ -1,0 +1,132 @@
+#include "ReportRecord.h"
+
+#include <algorithm>
+
+namespace ostraka::reports {
+
+namespace {
+
+constexpr char innerBracket = '\x7f'; // for a "[" of the function
+constexpr std::string_view unknown = "???";
+
+bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+// The last byte that only a place has, as in "a/b.cpp" and "b.cpp:12", or `npos`.
+std::size_t LastOfPlace(std::string_view text) {
+    const std::size_t colon = text.rfind(':');
+    if (colon != text.npos && colon + 1 < text.size() &&
+        std::all_of(text.begin() + static_cast<std::ptrdiff_t>(colon) + 1, text.end(), IsDigit))
+        return colon;
+    return text.rfind('/');
+}
+
+// The bracket that the last character closes, or one that is never closed, going backwards; or `npos`.
+std::size_t SourceBracket(std::string_view text) {
+    const bool closed = text.ends_with(']');
+    const std::size_t place = LastOfPlace(closed ? text.substr(0, text.size() - 1) : text);
+    int open = 0;
+    for (std::size_t at = text.size(); at-- > 0;) {
+        if (text[at] == ']') ++open;
+        if (text[at] != '[' || --open > 0 || (open == 0 && !closed)) continue;
+        if (at == 0 || text[at - 1] == ' ' || (place != text.npos && place > at)) return at;
+        if (closed) break;
+        open = 0;
+    }
+    return text.npos;
+}
+
+std::string_view Trimmed(std::string_view text) {
+    const auto isBlank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
+    while (!text.empty() && isBlank(text.back())) text.remove_suffix(1);
+    while (!text.empty() && isBlank(text.front())) text.remove_prefix(1);
+    return text;
+}
+
+// The library reads texts up to a NUL.
+void ReplaceNuls(std::string& text) {
+    std::replace(text.begin(), text.end(), '\0', '?');
+}
+
+void AppendFunction(std::string& out, std::string_view function) {
+    const std::size_t begin = out.size();
+    out += function;
+    std::replace(out.begin() + static_cast<std::ptrdiff_t>(begin), out.end(), '[', innerBracket);
+}
+
+} // namespace
+
+void CallTexts::Clear() {
+    told = 0;
+}
+
+std::string* CallTexts::Next() {
+    if (told++ >= most) return nullptr;
+    std::string* text = &texts[static_cast<std::size_t>(told - 1)];
+    text->clear();
+    return text;
+}
+
+void CallTexts::Add(std::string_view function, std::string_view path, std::string_view line) {
+    std::string* text = Next();
+    if (text == nullptr) return;
+    AppendFunction(*text, function.empty() ? unknown : function);
+    if (!path.empty()) {
+        *text += " [";
+        *text += path;
+        *text += ':';
+        *text += line;
+        *text += ']';
+    }
+    ReplaceNuls(*text);
+}
+
+void CallTexts::AddInObject(std::string_view function, std::string_view object) {
+    std::string* text = Next();
+    if (text == nullptr) return;
+    AppendFunction(*text, function.empty() ? unknown : function);
+    if (!object.empty()) {
+        *text += " (in ";
+        AppendFunction(*text, object);
+        *text += ')';
+    }
+    ReplaceNuls(*text);
+}
+
+void CallTexts::AddLine(std::string_view line) {
+    if (std::string* text = Next()) *text = CallText(line);
+}
+
+void CallTexts::AddText(std::string_view callText) {
+    if (std::string* text = Next()) *text = callText;
+}
+
+std::string CallText(std::string_view written) {
+    const std::string_view text = Trimmed(written);
+    const std::size_t bracket = std::min(SourceBracket(text), text.size());
+    std::string result;
+    AppendFunction(result, text.substr(0, bracket));
+    result += text.substr(bracket);
+    ReplaceNuls(result);
+    return result;
+}
+
+std::string ShownCall(std::string_view callText) {
+    std::string shown(callText);
+    std::replace(shown.begin(), shown.end(), innerBracket, '[');
+    return shown;
+}
+
+void ReportRecord::Clear() {
+    type.clear();
+    kind.clear();
+    leak = false;
+    bytes = 0;
+    count = 1;
+    unique = 0;
+    line = 0;
+    calls.Clear();
+}
+
+} // namespace ostraka::reports

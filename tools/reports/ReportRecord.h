@@ -1,0 +1,70 @@
+#pragma once
+
+// One error or leak as a report tells it, and what takes such records. A reader fills one record over and
+// over, so a record and its texts are good only while it is being taken; what a reader keeps doesn't grow
+// with the report.
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace ostraka::reports {
+
+// The texts of the calls of a stack, from the innermost on, in the form that the library reads:
+// "function [path:line]". In a call text "[" opens the source and nothing else; one that belongs to the
+// function, as in "operator new[]", is written as another byte until it is shown.
+class CallTexts {
+public:
+    static constexpr int most = 20; // calls of a stack
+
+    void Clear();
+
+    // A call with its source, its object file, or neither. One past the most is only counted.
+    void Add(std::string_view function, std::string_view path, std::string_view line);
+    void AddInObject(std::string_view function, std::string_view object);
+
+    // A call as somebody wrote it, and one in the form of the library.
+    void AddLine(std::string_view line);
+    void AddText(std::string_view callText);
+
+    int Kept() const { return told < most ? told : most; }
+    int Told() const { return told; }
+    const char* operator[](int i) const { return texts[static_cast<std::size_t>(i)].c_str(); }
+
+private:
+    // The text to fill for the next call, or null when it is past the most.
+    std::string* Next();
+
+    std::array<std::string, most> texts;
+    int told = 0;
+};
+
+// A call text, or a mask for call texts, as a person writes it, in the form of the library, and back. The
+// source of a call begins at the bracket that the last character closes, or at one that is never closed, if a
+// blank stands before it or what it holds looks like a place.
+std::string CallText(std::string_view written);
+std::string ShownCall(std::string_view callText);
+
+struct ReportRecord {
+    std::string type; // a three-letter code, or the kind where no code says it
+    std::string kind; // the report's own word
+    bool leak = false;
+    std::int64_t bytes = 0;   // of a leak
+    std::int64_t count = 1;   // blocks of a leak, else how often it happened
+    std::uint64_t unique = 0; // the number under which the report may count it again
+    int line = 0;             // where in the report it begins, from 1
+    CallTexts calls;
+
+    void Clear();
+};
+
+class RecordTaker {
+public:
+    virtual ~RecordTaker() = default;
+    virtual void Take(const ReportRecord& record) = 0;
+    // An error that this report has told before happened `count` times in all.
+    virtual void Recount(std::uint64_t unique, std::int64_t count) = 0;
+};
+
+} // namespace ostraka::reports
