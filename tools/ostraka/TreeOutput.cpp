@@ -3,9 +3,8 @@
 #include <optional>
 
 #include <fmt/format.h>
-#include <ostraka/syntax/TAPExpression.h>
-#include <ostraka/syntax/TAPInstruction.h>
 
+#include "NodeText.h"
 #include "SourceUnit.h"
 #include "Text.h"
 #include "TreeWalk.h"
@@ -17,62 +16,6 @@ namespace {
 
 constexpr std::size_t shownText = 60;
 constexpr int columnDigits = 3;
-
-constexpr const char* classNames[] = {"",
-                                      "TAPSyntaxe",
-                                      "TAPBloc",
-                                      "TAPInstruction",
-                                      "TAPExpression",
-                                      "TAPIdentifiant",
-                                      "TAPListOfArgs",
-                                      "TAPSyntaxe",
-                                      "TAPInstruction",
-                                      "TAPSyntaxeNULL"};
-
-struct PreciseName {
-    int preciseType;
-    const char* name;
-};
-
-constexpr PreciseName preciseNames[] = {
-    {SINST_Plain, "plain"},     {SINST_Delete, "delete"}, {SINST_DeleteArray, "delete[]"},
-    {SINST_Virtual, "virtual"}, {SINST_Static, "static"}, {SINST_Inline, "inline"},
-};
-
-// What a node is within its class; "" for the classes that have one sort of node only.
-std::string KindOf(const TAPSyntaxe& node) {
-    if (node.GetType() == STYPE_Expression) {
-        const auto& kind = static_cast<const TAPExpression&>(node).kind;
-        return std::string(kind, strnlen(kind, sizeof kind));
-    }
-    if (node.GetType() == STYPE_Declaration) return "declaration";
-    if (node.GetType() != STYPE_Instruction) return node.GetType() == STYPE_File ? "file" : "";
-    const int precise = static_cast<const TAPInstruction&>(node).GetPreciseType();
-    const auto* row = std::find_if(std::begin(preciseNames), std::end(preciseNames),
-                                   [=](const PreciseName& name) { return name.preciseType == precise; });
-    return row == std::end(preciseNames) ? "" : row->name;
-}
-
-// The node's range of the stream. A name can lie behind the stream's end, in a text that breaks off.
-std::string_view TextOf(const TAPSourceFile& file, const TAPSyntaxe& node) {
-    const int begin = std::clamp(node.GetBegin(), 0, file.GetSize());
-    const int length = std::min(node.GetSize(), file.GetSize() - begin);
-    if (length == 0) return {};
-    return {file.GetStream() + begin, static_cast<std::size_t>(length)};
-}
-
-// The place of the first character that shows.
-Place PlaceOf(const TAPSourceFile& file, const TAPSyntaxe& node) {
-    const std::size_t blanks = TextOf(file, node).find_first_not_of(' ');
-    return PlaceAt(file, node.GetBegin() + (blanks == std::string_view::npos ? 0 : static_cast<int>(blanks)));
-}
-
-// Text of a node that spans blanks only at its ends looks odd in a list.
-std::string_view Trimmed(std::string_view text) {
-    const std::size_t begin = text.find_first_not_of(' ');
-    if (begin == text.npos) return {};
-    return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
-}
 
 std::size_t TextLimit(const Request& request) {
     return request.fullText ? std::string::npos : shownText;
@@ -92,7 +35,7 @@ TAPSyntaxe* FindTop(const Request& request, const Input& input, SourceUnit& unit
         }
         const std::vector<int> reached(request.node.begin(),
                                        request.node.begin() + static_cast<std::ptrdiff_t>(i));
-        AppendMessage(result.err, input.path, PlaceOf(unit.File(), *node), "error",
+        AppendMessage(result.err, input.path, PlaceOf(*node), "error",
                       fmt::format("no node {} (children of node {}: {})", PathText(request.node),
                                   PathText(reached), node->ChildCount()),
                       request.colorErrors);
@@ -110,19 +53,18 @@ int DigitsOf(int number) {
 class TreeLines {
 public:
     TreeLines(const Request& asked, const Input& input, const TAPSourceFile& source, std::string& text)
-        : request(asked), file(source), path(ShownPath(input.path)), out(text),
+        : request(asked), path(ShownPath(input.path)), out(text),
           placeWidth(path.size() +
                      static_cast<std::size_t>(DigitsOf(source.GetNbLine()) + columnDigits + 3)) {}
 
     void Print(const TreeWalk& walk) {
         const TAPSyntaxe& node = *walk.Node();
-        PrintPlace(PlaceOf(file, node));
+        PrintPlace(PlaceOf(node));
         out.append(2 * static_cast<std::size_t>(walk.Level()), ' ');
         fmt::format_to(std::back_inserter(out), "{} {}{}", walk.Path(),
-                       Color(request.colorOutput, colorClass), classNames[node.GetType()]);
-        PrintKind(node);
+                       Color(request.colorOutput, colorClass), DescriptionOf(node));
         out += Color(request.colorOutput, colorOff);
-        const std::string_view shown = Trimmed(TextOf(file, node));
+        const std::string_view shown = TrimmedTextOf(node);
         if (!shown.empty()) out += "  ";
         AppendOneLine(out, Shortened(shown, TextLimit(request)));
         out += '\n';
@@ -138,31 +80,22 @@ private:
         out.append(width < placeWidth ? placeWidth - width + 1 : 1, ' ');
     }
 
-    void PrintKind(const TAPSyntaxe& node) {
-        const char* format = node.GetType() == STYPE_Expression ? " \"{}\"" : " {}";
-        const std::string kind = KindOf(node);
-        if (!kind.empty() || node.GetType() == STYPE_Expression)
-            fmt::format_to(std::back_inserter(out), fmt::runtime(format), kind);
-    }
-
     const Request& request;
-    const TAPSourceFile& file;
     std::string_view path;
     std::string& out;
     std::size_t placeWidth;
 };
 
-void PrintNodeJson(const Request& request, const TAPSourceFile& file, const TreeWalk& walk,
-                   std::string& out) {
+void PrintNodeJson(const Request& request, const TreeWalk& walk, std::string& out) {
     const TAPSyntaxe& node = *walk.Node();
-    const Place place = PlaceOf(file, node);
+    const Place place = PlaceOf(node);
     fmt::format_to(std::back_inserter(out), "{{\"node\":\"{}\",\"class\":\"{}\",\"kind\":", walk.Path(),
-                   classNames[node.GetType()]);
+                   ClassNameOf(node));
     AppendJson(out, KindOf(node));
     fmt::format_to(std::back_inserter(out),
                    ",\"line\":{},\"column\":{},\"begin\":{},\"size\":{},\"children\":{},\"text\":",
                    place.line, place.column, node.GetBegin(), node.GetSize(), node.ChildCount());
-    AppendJson(out, Shortened(TextOf(file, node), TextLimit(request)));
+    AppendJson(out, Shortened(TextOf(node), TextLimit(request)));
     out += '}';
 }
 
@@ -185,7 +118,7 @@ void PrintTreeJson(const Request& request, const Input& input, SourceUnit& unit,
         for (TreeWalk walk(*top, PathText(request.node), request.depth); walk.Node() != nullptr;
              walk.Next()) {
             result.out += separator;
-            PrintNodeJson(request, unit.File(), walk, result.out);
+            PrintNodeJson(request, walk, result.out);
             separator = lines ? ",\n" : ",";
         }
     }
