@@ -12,6 +12,8 @@
 #include <ostraka/foundation/TARefCounter.h>
 #include <ostraka/foundation/TextHelpers.h>
 #include <ostraka/foundation/TypedLists.h>
+#include <ostraka/objects/TAPAttr.h>
+#include <ostraka/objects/TAPObject.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefEntity.h>
 #include <ostraka/symbols/TAPDefMethod.h>

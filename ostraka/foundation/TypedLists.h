@@ -21,6 +21,7 @@
 
 #include <basalt/NUBRawColl.h>
 #include <ostraka/Export.h>
+#include <utility>
 
 namespace ostraka::detail {
 
@@ -74,10 +75,11 @@ public:
     explicit ValueList(int room) : elements(room) {}
     ValueList(int room, int) : elements(room) {}
     ValueList(const ValueList& other) : NUBCollecRoot(other), elements(other.Size()) { appendAll(other); }
+    // The other list may lie within an element of this one.
     ValueList& operator=(const ValueList& other) {
         if (this == &other) return *this;
-        RemoveAll(0);
-        appendAll(other);
+        ValueList copy(other);
+        std::swap(elements, copy.elements);
         return *this;
     }
     ~ValueList() override { deleteAll(); }

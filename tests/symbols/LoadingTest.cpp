@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
-#include <pthread.h>
 #include <string>
 
 #include <ostraka/symbols/TAPSymbolTable.h>
 
+#include "support/SmallStack.h"
 #include "support/Workspace.h"
 
 namespace {
@@ -208,26 +208,19 @@ TEST_F(Loading, SubscribersMayUnload) {
     EXPECT_EQ(table.GetClass("X")->source, nullptr);
 }
 
-void* LoadChain(void* data) {
-    const auto& files = *static_cast<const Workspace*>(data);
-    TAPSymbolTable table;
-    table.SetConcatenation(files("w").c_str());
-    EXPECT_EQ(table.LoadFile(files(Header("h0.h")).c_str(), 1), 0);
-    EXPECT_EQ(table.classIndex.size, 10000);
-    return nullptr;
-}
-
 TEST(LoadingChain, NeedsNoMachineStack) {
     const Workspace files;
     for (int i = 0; i < 10000; ++i)
         files.Write(Header("h" + std::to_string(i) + ".h"),
                     "#include \"h" + std::to_string(i + 1) + ".h\"\nclass C" + std::to_string(i) + " {};");
-    pthread_attr_t small;
-    pthread_attr_init(&small);
-    pthread_attr_setstacksize(&small, 256 * 1024);
-    pthread_t thread;
-    ASSERT_EQ(pthread_create(&thread, &small, LoadChain, const_cast<Workspace*>(&files)), 0);
-    pthread_join(thread, nullptr);
+    RunOnSmallStack(
+        [&] {
+            TAPSymbolTable table;
+            table.SetConcatenation(files("w").c_str());
+            EXPECT_EQ(table.LoadFile(files(Header("h0.h")).c_str(), 1), 0);
+            EXPECT_EQ(table.classIndex.size, 10000);
+        },
+        256 << 10);
 }
 
 TEST(TAPSymbolTableDeathTest, NeedsItsVariable) {

@@ -1,38 +1,17 @@
-#include <functional>
 #include <string>
 #include <string_view>
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <bench/HostileTexts.h>
 #include <ostraka/syntax/TAPSyntaxePath.h>
 
+#include "support/SmallStack.h"
 #include "support/Source.h"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr std::size_t stackSize = 4 << 20; // the sanitizer makes each frame several times as large
-#else
-constexpr std::size_t stackSize = 512 << 10;
-#endif
-
 constexpr int deepest = 901; // a name below the last expression that may be built
-
-void RunOnSmallStack(std::function<void()> work) {
-    pthread_attr_t attributes;
-    pthread_t thread;
-    pthread_attr_init(&attributes);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, stackSize), 0);
-    const auto run = [](void* function) -> void* {
-        (*static_cast<std::function<void()>*>(function))();
-        return nullptr;
-    };
-    ASSERT_EQ(pthread_create(&thread, &attributes, run, &work), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
 
 // So many blocks, in them so many instructions in instructions, and in those expressions of one form.
 struct Nesting {

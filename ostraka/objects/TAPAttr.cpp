@@ -1,0 +1,269 @@
+#include <ostraka/objects/TAPAttr.h>
+
+#include <ostraka/foundation/Fatal.h>
+#include <ostraka/objects/TAPObject.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <utility>
+#include <vector>
+
+// Lists may lie in lists and objects in objects without an end that the stack could bear, so copies,
+// comparisons and releases keep what is left to do in a list of their own.
+
+namespace {
+
+using List = NUBListValTAPAttr;
+
+template <class Held>
+std::intptr_t wordOf(Held* held) {
+    return reinterpret_cast<std::intptr_t>(held);
+}
+
+template <class Held>
+Held* heldBy(const TAPAttr& attr) {
+    return reinterpret_cast<Held*>(attr.value);
+}
+
+template <class Counted>
+Counted* shared(Counted* object) {
+    if (object != nullptr) object->AddRef();
+    return object;
+}
+
+char* copyOf(const char* text) {
+    char* copy = strdup(text != nullptr ? text : "");
+    if (copy == nullptr) throw std::bad_alloc();
+    return copy;
+}
+
+List* copyOf(const List& list) {
+    auto* copy = new List(list.Size());
+    std::vector<std::pair<const List*, List*>> open{{&list, copy}};
+    while (!open.empty()) {
+        const auto [from, to] = open.back();
+        open.pop_back();
+        for (int i = 1; i <= from->Size(); ++i) {
+            const TAPAttr& element = (*from)[i];
+            const bool nested = element.IsType(TAPATTR_List);
+            to->Append(nested ? TAPAttr() : element);
+            if (!nested) continue;
+            const auto* inner = heldBy<const List>(element);
+            auto* innerCopy = new List(inner->Size());
+            (*to)[i].type = TAPATTR_List;
+            (*to)[i].value = wordOf(innerCopy);
+            open.emplace_back(inner, innerCopy);
+        }
+    }
+    return copy;
+}
+
+// The word of a copy.
+std::intptr_t copyOf(const TAPAttr& attr) {
+    switch (attr.type) {
+    case TAPATTR_String: return wordOf(copyOf(heldBy<const char>(attr)));
+    case TAPATTR_FileName: return wordOf(new TAFileName(*heldBy<const TAFileName>(attr)));
+    case TAPATTR_Object: return wordOf(shared(heldBy<TAPObject>(attr)));
+    case TAPATTR_List: return wordOf(copyOf(*heldBy<const List>(attr)));
+    case TAPATTR_Path: return wordOf(shared(heldBy<TAPPath>(attr)));
+    default: return attr.value;
+    }
+}
+
+// An object without another holder, or a list: what may release more of its kind as it goes.
+struct Nest {
+    TAPObject* object;
+    List* list;
+
+    void end() const {
+        if (object != nullptr) object->Release();
+        delete list;
+    }
+};
+
+// The nests that wait for the one that is just ending; null while there is none.
+constinit std::vector<Nest>* waiting = nullptr;
+
+void end(Nest nest) {
+    if (waiting != nullptr) return waiting->push_back(nest);
+    std::vector<Nest> inner;
+    waiting = &inner;
+    nest.end();
+    while (!inner.empty()) {
+        nest = inner.back();
+        inner.pop_back();
+        nest.end();
+    }
+    waiting = nullptr;
+}
+
+void release(TAPObject* object) {
+    if (object == nullptr) return;
+    if (object->count > 1) return object->Release();
+    end({object, nullptr});
+}
+
+const char* textOf(const TAPAttr& attr) {
+    if (attr.IsType(TAPATTR_String)) return heldBy<const char>(attr);
+    return *heldBy<const TAFileName>(attr);
+}
+
+// Of values of one kind, no lists.
+bool differ(const TAPAttr& a, const TAPAttr& b) {
+    switch (a.type) {
+    case TAPATTR_Null: return false;
+    case TAPATTR_String:
+    case TAPATTR_FileName: return std::strcmp(textOf(a), textOf(b)) != 0;
+    default: return a.value != b.value;
+    }
+}
+
+bool differ(const List& left, const List& right) {
+    std::vector<std::pair<const List*, const List*>> open{{&left, &right}};
+    while (!open.empty()) {
+        const auto [a, b] = open.back();
+        open.pop_back();
+        if (a->Size() != b->Size()) return true;
+        for (int i = 1; i <= a->Size(); ++i) {
+            const TAPAttr& x = (*a)[i];
+            const TAPAttr& y = (*b)[i];
+            if (x.type != y.type) return true;
+            if (x.IsType(TAPATTR_List))
+                open.emplace_back(heldBy<const List>(x), heldBy<const List>(y));
+            else if (differ(x, y))
+                return true;
+        }
+    }
+    return false;
+}
+
+union NeverDestroyed {
+    TAPAttr attr;
+    constexpr NeverDestroyed() : attr() {}
+    ~NeverDestroyed() {}
+};
+
+constinit NeverDestroyed null;
+
+} // namespace
+
+constinit const TAPAttr& TAPAttr::Null = null.attr;
+
+TAPAttr::TAPAttr(const TAFileName& name) : value(wordOf(new TAFileName(name))), type(TAPATTR_FileName) {}
+
+TAPAttr::TAPAttr(const char* text) : value(wordOf(copyOf(text))), type(TAPATTR_String) {}
+
+TAPAttr::TAPAttr(const NUBString& text) : TAPAttr(text.CastToCharPtr()) {}
+
+TAPAttr::TAPAttr(const NUBListValTAPAttr& list) : value(wordOf(copyOf(list))), type(TAPATTR_List) {}
+
+TAPAttr::TAPAttr(TAPObject* object) : value(wordOf(shared(object))), type(TAPATTR_Object) {}
+
+TAPAttr::TAPAttr(TAPPath* path) : value(wordOf(shared(path))), type(TAPATTR_Path) {}
+
+TAPAttr::TAPAttr(const TAPAttr& other) : value(copyOf(other)), type(other.type) {}
+
+TAPAttr& TAPAttr::operator=(const TAPAttr& other) {
+    if (this != &other) *this = TAPAttr(other);
+    return *this;
+}
+
+TAPAttr& TAPAttr::operator=(TAPAttr&& other) noexcept {
+    TAPAttr taken(std::move(other));
+    std::swap(value, taken.value);
+    std::swap(type, taken.type);
+    return *this;
+}
+
+void TAPAttr::release() {
+    switch (type) {
+    case TAPATTR_String: return std::free(heldBy<char>(*this));
+    case TAPATTR_FileName: delete heldBy<TAFileName>(*this); return;
+    case TAPATTR_Object: return ::release(heldBy<TAPObject>(*this));
+    case TAPATTR_List: return end({nullptr, heldBy<List>(*this)});
+    case TAPATTR_Path:
+        if (value != 0) heldBy<TAPPath>(*this)->Release();
+        return;
+    default: return;
+    }
+}
+
+int TAPAttr::GetInteger() const {
+    FATAL(type != TAPATTR_Integer, "TAPAttr::GetInteger : bad type for get");
+    return static_cast<int>(value);
+}
+
+NUBString TAPAttr::GetString() const {
+    FATAL(type != TAPATTR_String, "TAPAttr::GetString : bad type for get");
+    return heldBy<const char>(*this);
+}
+
+TAFileName TAPAttr::GetFileName() const {
+    FATAL(type != TAPATTR_FileName, "TAPAttr::GetFileName : bad type for get");
+    return *heldBy<TAFileName>(*this);
+}
+
+TAPObject* TAPAttr::GetObject() const {
+    FATAL(type != TAPATTR_Object, "TAPAttr::GetObject : bad type for get");
+    return shared(heldBy<TAPObject>(*this));
+}
+
+TAPPath* TAPAttr::GetPath() const {
+    FATAL(type != TAPATTR_Path, "TAPAttr::GetPath : bad type for get");
+    return shared(heldBy<TAPPath>(*this));
+}
+
+NUBListValTAPAttr& TAPAttr::GetList() {
+    return const_cast<List&>(std::as_const(*this).GetList());
+}
+
+const NUBListValTAPAttr& TAPAttr::GetList() const {
+    FATAL(type != TAPATTR_List, "TAPAttr::GetList : bad type for get");
+    return *heldBy<const List>(*this);
+}
+
+int TAPAttr::GetInteger(int fallback) const {
+    return IsType(TAPATTR_Integer) ? GetInteger() : fallback;
+}
+
+NUBString TAPAttr::GetString(const char* fallback) const {
+    return IsType(TAPATTR_String) ? GetString() : fallback;
+}
+
+TAFileName TAPAttr::GetFileName(const TAFileName& fallback) const {
+    return IsType(TAPATTR_FileName) ? GetFileName() : fallback;
+}
+
+TAPObject* TAPAttr::GetObject(TAPObject* fallback) const {
+    return IsType(TAPATTR_Object) ? GetObject() : shared(fallback);
+}
+
+TAPPath* TAPAttr::GetPath(TAPPath* fallback) const {
+    return IsType(TAPATTR_Path) ? GetPath() : shared(fallback);
+}
+
+NUBListValTAPAttr& TAPAttr::GetList(NUBListValTAPAttr& fallback) {
+    return IsType(TAPATTR_List) ? GetList() : fallback;
+}
+
+const NUBListValTAPAttr& TAPAttr::GetList(const NUBListValTAPAttr& fallback) const {
+    return IsType(TAPATTR_List) ? GetList() : fallback;
+}
+
+int TAPAttr::operator!=(const TAPAttr& other) const {
+    if (type != other.type) return 1;
+    return IsType(TAPATTR_List) ? differ(GetList(), other.GetList()) : differ(*this, other);
+}
+
+int TAPAttr::operator<(const TAPAttr& other) const {
+    if (type != other.type) return type < other.type;
+    switch (type) {
+    case TAPATTR_String:
+    case TAPATTR_FileName: return std::strcmp(textOf(*this), textOf(other)) < 0;
+    case TAPATTR_Integer: return value < other.value;
+    case TAPATTR_Object:
+    case TAPATTR_Path: return static_cast<std::uintptr_t>(value) < static_cast<std::uintptr_t>(other.value);
+    default: return 0;
+    }
+}

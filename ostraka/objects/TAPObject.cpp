@@ -1,0 +1,102 @@
+#include <ostraka/objects/TAPObject.h>
+
+#include <utility>
+
+namespace {
+
+// Of an attribute that may be missing; null when it holds none.
+TAPObject* objectIn(const TAPAttr* attr) {
+    if (attr == nullptr || !attr->IsType(TAPATTR_Object)) return nullptr;
+    return reinterpret_cast<TAPObject*>(attr->value);
+}
+
+int wrappedSum(int a, int b) {
+    return static_cast<int>(static_cast<unsigned>(a) + static_cast<unsigned>(b));
+}
+
+} // namespace
+
+TAPObject::~TAPObject() {
+    for (int i = 0; i < attributes.size; ++i) delete static_cast<TAPAttr*>(attributes.values[i]);
+    SetPath(nullptr);
+}
+
+void TAPObject::SetPath(TAPPath* newPath) {
+    if (newPath != nullptr) newPath->AddRef();
+    if (path != nullptr) path->Release();
+    path = newPath;
+}
+
+TAPPath* TAPObject::GetPath() const {
+    if (path != nullptr) path->AddRef();
+    return path;
+}
+
+int TAPObject::HasAttribute(const char* name) const {
+    return attributes.IsIn(name) >= 0;
+}
+
+TAPAttr TAPObject::GetAttribute(const char* name) const {
+    const TAPAttr* attr = find(name);
+    return attr != nullptr ? *attr : TAPAttr::Null;
+}
+
+// An attribute is replaced in its place, so that the name may be the one that the table holds, and a walk
+// through the attributes goes on.
+void TAPObject::SetAttribute(const char* name, TAPAttr value) {
+    if (TAPObject* child = objectIn(&value)) givePlace(child, name);
+    if (TAPAttr* attr = find(name))
+        *attr = std::move(value);
+    else
+        attributes.Append(name, new TAPAttr(std::move(value)), 0);
+}
+
+void TAPObject::givePlace(TAPObject* child, const char* name) const {
+    auto* last = new TAPName(name);
+    auto* place = new TAPPath(path, last);
+    child->SetPath(place);
+    place->Release();
+    last->Release();
+}
+
+int TAPObject::RemoveAttribute(const char* name) {
+    const int position = attributes.IsIn(name);
+    if (position < 0) return 1;
+    const TAPAttr* attr = find(name);
+    attributes.RemovePosition(position);
+    delete attr;
+    return 0;
+}
+
+int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
+    if (find(name) == nullptr) SetAttribute(name, NUBListValTAPAttr());
+    TAPAttr& attr = *find(name);
+    switch (attr.type) {
+    case TAPATTR_List: attr.GetList().Append(value); return 0;
+    case TAPATTR_String: SetAttribute(name, attr.GetString() + value.GetString()); return 0;
+    case TAPATTR_Integer: attr = wrappedSum(attr.GetInteger(), value.GetInteger()); return 0;
+    default: return 1;
+    }
+}
+
+TAPAttr TAPObject::GetNextAttribute(int& position) const {
+    const char* name = nullptr;
+    return GetNextAttribute(position, name);
+}
+
+TAPAttr TAPObject::GetNextAttribute(int& position, const char*& name) const {
+    const int i = position - 1;
+    const bool within = i >= 0 && i < attributes.size;
+    position = within && position < attributes.size ? position + 1 : 0;
+    name = within ? attributes.keys[i] : nullptr;
+    return within ? *static_cast<const TAPAttr*>(attributes.values[i]) : TAPAttr::Null;
+}
+
+TAPObject* TAPObject::GetObject(const TAPPath* way) const {
+    TAPObject* reached = nullptr;
+    const TAPObject* from = this;
+    for (int i = 0; way != nullptr && i < way->Size() && from != nullptr; ++i)
+        from = reached = objectIn(from->find(way->names[i]->GetName()));
+    if (reached != nullptr) reached->AddRef();
+    return reached;
+}
