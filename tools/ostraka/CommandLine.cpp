@@ -13,6 +13,8 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "NodeSearch.h"
+
 namespace ostraka::tool {
 
 namespace {
@@ -35,6 +37,25 @@ constexpr VerbInfo verbs[] = {
      "Print the syntax tree of files, one node a line",
      {"ostraka tree --depth 1 Berth.cpp", "ostraka tree --node 1.1 --depth 2 Berth.cpp",
       "ostraka tree --format jsonl --jobs 2 ."}},
+    {Verb::At,
+     "at",
+     "Tell what stands at a place, as an editor gives it: node, type, declaration, class, method, object",
+     {"ostraka at -w harbour:coast harbour/Ships/Ships.m/src/Ship.cpp:66:12",
+      "ostraka at -w harbour:coast harbour/Berths/Berths.m/src/Berth.cpp:40:23",
+      "ostraka at -w harbour:coast --format json harbour/Berths/PublicInterfaces/IBerth.idl:16"}},
+    {Verb::Header,
+     "header",
+     "Tell which file an include means, and why, or where it was looked for",
+     {"ostraka header -w harbour:coast IBerth.h --from harbour/Berths/Berths.m/src/Berth.cpp",
+      "ostraka header -w harbour:coast TideLimits.h --from coast/Tides/Tides.m/src/TideTable.cpp",
+      "ostraka header -w harbour:coast --os unix_b TideCatalog.h --from "
+      "coast/Tides/Tides.m/src/TideTable.cpp"}},
+    {Verb::Includes,
+     "includes",
+     "Follow the includes of a file",
+     {"ostraka includes -w harbour:coast harbour/Ships/Ships.m/src/Ship.cpp",
+      "ostraka includes -w harbour:coast --missing harbour/Traffic/Traffic.m/src/TrafficControl.cpp",
+      "ostraka includes -w harbour:coast --format dot harbour/Berths/Berths.m/src/Quay.cpp"}},
 };
 
 constexpr std::string_view exitCodes =
@@ -113,6 +134,9 @@ constexpr Choice<Format> streamFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}};
 constexpr Choice<Format> treeFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}, {"dump", Format::Dump}};
+constexpr Choice<Format> questionFormats[] = {{"text", Format::Text}, {"json", Format::Json}};
+constexpr Choice<Format> graphFormats[] = {
+    {"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}};
 constexpr Choice<ColorMode> colorModes[] = {
     {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
 
@@ -148,6 +172,32 @@ void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Fo
     app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
 }
 
+// For verbs that ask a symbol table; `what` is the one word that they take.
+void AddQuestionOptions(CLI::App& app, Request& request, const char* what, const char* description,
+                        std::span<const Choice<Format>> formats) {
+    app.add_option(what, request.paths, description)->type_name("")->required()->expected(1);
+    app.add_option("-w,--workspaces", request.workspaces, "The workspaces, the first having precedence")
+        ->type_name("ROOT[:ROOT...]");
+    app.add_option("--os", request.osName, "The level of the generated directories")->type_name("NAME");
+    AddChoice<Format>(app, "--format", request.format, formats, "How to print");
+    AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
+    app.add_flag("--quiet", request.quiet, "Print no counts on standard error");
+}
+
+void AddAtOptions(CLI::App& app, Request& request) {
+    AddQuestionOptions(app, request, "PLACE", "FILE:LINE or FILE:LINE:COLUMN", questionFormats);
+}
+
+void AddHeaderOptions(CLI::App& app, Request& request) {
+    AddQuestionOptions(app, request, "NAME", "The name as the include gives it", questionFormats);
+    app.add_option("--from", request.from, "The file that includes it")->type_name("FILE")->required();
+}
+
+void AddIncludesOptions(CLI::App& app, Request& request) {
+    AddQuestionOptions(app, request, "FILE", "The file to begin with", graphFormats);
+    app.add_flag("--missing", request.missingOnly, "Print only those that aren't found");
+}
+
 void AddStreamOptions(CLI::App& app, Request& request) {
     app.add_flag("--map", request.map, "Print the text in pieces, each with the place it comes from");
     app.add_flag("--includes", request.includes, "Print the names of the included files");
@@ -172,12 +222,18 @@ CLI::App* AddVerb(CLI::App& app, const VerbInfo& info, Request& request) {
     CLI::App* verb = app.add_subcommand(info.name, info.summary);
     verb->allow_extras();
     verb->footer(Footer(info));
-    if (info.verb == Verb::Stream) {
+    switch (info.verb) {
+    case Verb::Stream:
         AddCommonOptions(*verb, request, streamFormats);
         AddStreamOptions(*verb, request);
-    } else {
+        break;
+    case Verb::Tree:
         AddCommonOptions(*verb, request, treeFormats);
         AddTreeOptions(*verb, request);
+        break;
+    case Verb::At: AddAtOptions(*verb, request); break;
+    case Verb::Header: AddHeaderOptions(*verb, request); break;
+    case Verb::Includes: AddIncludesOptions(*verb, request); break;
     }
     return verb;
 }
@@ -199,6 +255,9 @@ std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request&
     if (request.paths.empty() && request.filesFrom.empty() && request.compileCommands.empty())
         return FailUsage(fmt::format("{} needs a file, a folder or a list of files", info.name));
     request.verb = info.verb;
+    if (info.verb == Verb::At && !ParseFilePlace(request.paths.front()))
+        return FailUsage(
+            fmt::format("a place is FILE:LINE or FILE:LINE:COLUMN, not {}", request.paths.front()));
     request.colorOutput = ColorFor(request.color, STDOUT_FILENO);
     request.colorErrors = ColorFor(request.color, STDERR_FILENO);
     return std::nullopt;

@@ -12,7 +12,6 @@ namespace ostraka::tool {
 namespace {
 
 constexpr std::string_view ruleNames[] = {"exported", "twin", "generated", "beside"};
-constexpr std::string_view ruleTexts[] = {"exported", "IDL twin", "generated", "beside the file"};
 
 // A directory of a framework or a module; generated ones have one for each operating system.
 struct Directory {
@@ -147,14 +146,6 @@ std::string OwnerOf(const HeaderFile& file) {
     const std::size_t behind = file.place->directory.size() + file.place->name.size() + 2;
     const std::string folder = file.path.substr(0, file.path.size() - behind);
     return folder.substr(folder.rfind('/') + 1);
-}
-
-std::string Describe(const HeaderFile& file) {
-    if (!file.place) return "";
-    std::string text = fmt::format("{}, in {} of {}", ruleTexts[static_cast<int>(file.place->rule)],
-                                   file.place->directory, OwnerOf(file));
-    if (!file.place->root.empty()) text += fmt::format(", workspace {}", file.place->root);
-    return text;
 }
 
 } // namespace ostraka::tool

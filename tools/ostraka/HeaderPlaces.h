@@ -49,9 +49,6 @@ struct HeaderAnswer {
 // What `name` means in the file `from`. The table must have its concatenation.
 HeaderAnswer FindHeader(const TAPSymbolTable& table, const std::string& from, const std::string& name);
 
-// As "exported, in PublicInterfaces of Berths, workspace harbour".
-std::string Describe(const HeaderFile& file);
-
 // The name of the framework or the module that holds the file's directory.
 std::string OwnerOf(const HeaderFile& file);
 

@@ -120,6 +120,7 @@ void Show(const Result& result, Result& total, Console& console) {
     console.Err(result.err);
     total.failed += result.failed;
     total.notFound += result.notFound;
+    total.headers += result.headers;
 }
 
 Result RunHere(const Request& request, const std::vector<Input>& inputs, Console& console) {

@@ -160,6 +160,7 @@ private:
     void AskName() {
         TAPSyntaxe* scope = LeftOf(node, {"::"});
         TAPSyntaxe* owner = LeftOf(node, {"->", "."});
+        answers.isAccess = owner != nullptr;
         belongs = scope != nullptr || owner != nullptr;
         if (scope != nullptr) return AskRecords(scope->GetLastLeaf()->GetContent());
         if (owner != nullptr) {

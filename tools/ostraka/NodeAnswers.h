@@ -39,6 +39,7 @@ struct NodeAnswers {
     std::vector<Declaration> declared; // several for a method with overloads
     std::optional<std::string> className;
     std::optional<std::string> method;
+    bool isAccess = false; // the name stands on the right of `->` or `.`
     std::optional<Object> object;
     std::optional<GoesBack> goesBack; // for variables and arguments
 };

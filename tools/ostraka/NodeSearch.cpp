@@ -1,5 +1,8 @@
 #include "NodeSearch.h"
 
+#include <charconv>
+#include <system_error>
+
 #include <ostraka/syntax/TAPSourceFile.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
 
@@ -56,7 +59,28 @@ TAPSyntaxe* ChildAt(const TAPSyntaxe& node, int pos) {
     return nullptr;
 }
 
+// Takes ":NUMBER" off the end.
+std::optional<int> TakeNumber(std::string& words) {
+    const std::size_t colon = words.rfind(':');
+    if (colon == words.npos || colon == 0) return std::nullopt;
+    int number = 0;
+    const char* past = words.data() + words.size();
+    const auto [end, error] = std::from_chars(words.data() + colon + 1, past, number);
+    if (error != std::errc() || end != past || number < 1) return std::nullopt;
+    words.resize(colon);
+    return number;
+}
+
 } // namespace
+
+std::optional<FilePlace> ParseFilePlace(const std::string& words) {
+    FilePlace place{words, {}};
+    const std::optional<int> last = TakeNumber(place.file);
+    if (!last) return std::nullopt;
+    const std::optional<int> line = TakeNumber(place.file);
+    place.place = line ? Place{*line, *last} : Place{*last, 0};
+    return place;
+}
 
 std::optional<NodeAt> FindNodeAt(TAPSyntaxe& root, Place asked) {
     const TAPSourceFile& file = *root.GetTAPSourceFile();

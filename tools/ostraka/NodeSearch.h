@@ -3,12 +3,21 @@
 // From a place, as an editor gives it, to the node of the tree that stands there.
 
 #include <optional>
+#include <string>
 
 #include "Text.h"
 
 class TAPSyntaxe;
 
 namespace ostraka::tool {
+
+struct FilePlace {
+    std::string file;
+    Place place;
+};
+
+// "FILE:LINE" or "FILE:LINE:COLUMN", the column being 0 where it isn't given; none for other words.
+std::optional<FilePlace> ParseFilePlace(const std::string& words);
 
 struct NodeAt {
     TAPSyntaxe* node;

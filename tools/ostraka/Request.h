@@ -7,8 +7,8 @@
 
 namespace ostraka::tool {
 
-enum class Verb { Stream, Tree };
-enum class Format { Text, Json, JsonLines, Dump };
+enum class Verb { Stream, Tree, At, Header, Includes };
+enum class Format { Text, Json, JsonLines, Dump, Dot };
 enum class ColorMode { Auto, Always, Never };
 
 // A path as the user gave it or as a folder held it. What is known to be unreadable before it is opened, as
@@ -39,6 +39,13 @@ struct Request {
     std::vector<int> node;
     int depth = -1; // no limit
     bool fullText = false;
+
+    // Questions to a symbol table: its workspaces, separated by ":", and its operating system.
+    std::string workspaces;
+    std::string osName;
+
+    std::string from;         // header: the file that includes it
+    bool missingOnly = false; // includes: only those that weren't found
 
     // Set once the files are known.
     bool severalFiles = false;

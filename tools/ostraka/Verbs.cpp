@@ -47,17 +47,11 @@ void PrintJson(const Request& request, const Input& input, std::size_t index, bo
     result.out += request.format == Format::JsonLines ? "}]}\n" : "}";
 }
 
-} // namespace
-
-std::string Prologue(const Request& request) {
-    return request.format == Format::Json ? OpenDocument(request) + "\n" : std::string();
+bool HasOneDocument(const Request& request) {
+    return request.format == Format::Json && !IsQuestion(request);
 }
 
-std::string Epilogue(const Request& request) {
-    return request.format == Format::Json ? "\n]}\n" : std::string();
-}
-
-void RunVerb(const Request& request, const Input& input, std::size_t index, Result& result) {
+void RunOnFile(const Request& request, const Input& input, std::size_t index, Result& result) {
     SourceUnit unit(input);
     const bool loaded = unit.Load();
     if (loaded && request.verb == Verb::Tree) unit.Build();
@@ -70,6 +64,30 @@ void RunVerb(const Request& request, const Input& input, std::size_t index, Resu
     if (request.format == Format::Dump) return PrintDump(input, unit, result);
     if (IsJson(request)) return PrintJson(request, input, index, loaded, unit, result);
     if (loaded) PrintText(request, input, unit, result);
+}
+
+} // namespace
+
+bool IsQuestion(const Request& request) {
+    return request.verb != Verb::Stream && request.verb != Verb::Tree;
+}
+
+std::string Prologue(const Request& request) {
+    return HasOneDocument(request) ? OpenDocument(request) + "\n" : std::string();
+}
+
+std::string Epilogue(const Request& request) {
+    return HasOneDocument(request) ? "\n]}\n" : std::string();
+}
+
+void RunVerb(const Request& request, const Input& input, std::size_t index, Result& result) {
+    switch (request.verb) {
+    case Verb::Stream:
+    case Verb::Tree: return RunOnFile(request, input, index, result);
+    case Verb::At: return AnswerAt(request, input.path, result);
+    case Verb::Header: return AnswerHeader(request, input.path, result);
+    case Verb::Includes: return AnswerIncludes(request, input.path, result);
+    }
 }
 
 } // namespace ostraka::tool

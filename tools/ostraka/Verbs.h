@@ -18,10 +18,14 @@ struct Result {
     std::string err;
     int failed = 0;   // files that couldn't be read or loaded whole
     int notFound = 0; // files that haven't got what was asked for
+    int headers = 0;  // files that were read because others include them
 };
 
 // Works on the file that is number `index` of the run, from 0.
 void RunVerb(const Request& request, const Input& input, std::size_t index, Result& result);
+
+// Whether the verb asks a symbol table.
+bool IsQuestion(const Request& request);
 
 // What stands before the first file and behind the last one.
 std::string Prologue(const Request& request);
@@ -32,6 +36,11 @@ void PrintStreamText(const Request& request, const Input& input, SourceUnit& uni
 void PrintStreamJson(SourceUnit& unit, Result& result);
 void PrintTreeText(const Request& request, const Input& input, SourceUnit& unit, Result& result);
 void PrintTreeJson(const Request& request, const Input& input, SourceUnit& unit, Result& result);
+
+// The questions to a symbol table, which stand for themselves and have no prologue.
+void AnswerAt(const Request& request, const std::string& asked, Result& result);
+void AnswerHeader(const Request& request, const std::string& name, Result& result);
+void AnswerIncludes(const Request& request, const std::string& path, Result& result);
 
 // The exact state of everything, for comparisons; also for a file that failed, unless it couldn't be read.
 void PrintDump(const Input& input, SourceUnit& unit, Result& result);

@@ -19,15 +19,23 @@ int ExitCode(const Result& total) {
     return total.notFound > 0 ? ExitNotFound : ExitDone;
 }
 
+// What is asked stands where others take files.
+std::vector<Input> Questions(const Request& request) {
+    std::vector<Input> questions;
+    for (const std::string& words : request.paths) questions.push_back({words, ""});
+    return questions;
+}
+
 int Run(Request& request) {
-    const std::vector<Input> inputs = CollectInputs(request);
+    const std::vector<Input> inputs = IsQuestion(request) ? Questions(request) : CollectInputs(request);
     request.severalFiles = inputs.size() > 1;
     Console console(request.quiet);
     console.Out(Prologue(request));
     const Result total = RunAll(request, inputs, console);
     console.Out(Epilogue(request));
     if (total.failed > 0 && !request.quiet)
-        console.Err(fmt::format("ostraka: {} of {} files failed\n", total.failed, inputs.size()));
+        console.Err(fmt::format("ostraka: {} of {} files failed\n", total.failed,
+                                inputs.size() + static_cast<std::size_t>(total.headers)));
     return ExitCode(total);
 }
 

@@ -1,0 +1,163 @@
+#include <iterator>
+#include <vector>
+
+#include <fmt/format.h>
+
+#include "IncludeGraph.h"
+#include "Json.h"
+#include "Session.h"
+#include "Verbs.h"
+
+namespace ostraka::tool {
+
+namespace {
+
+// Writes the includes below one another. A file is unfolded where it is met first.
+class IncludeTree {
+public:
+    IncludeTree(const Session& asked, const IncludeGraph& files, std::string& text)
+        : session(asked), graph(files), out(text), states(files.size(), State::New) {}
+
+    void Print() {
+        fmt::format_to(std::back_inserter(out), "{}\n", session.Shown(graph.front().path));
+        Open(0);
+        while (!open.empty()) {
+            auto& [file, next] = open.back();
+            const auto& includes = graph[file].includes;
+            if (next == includes.size()) {
+                states[file] = State::Done;
+                open.pop_back();
+            } else {
+                PrintInclude(includes[next++]);
+            }
+        }
+    }
+
+private:
+    enum class State { New, Open, Done };
+
+    struct Level {
+        std::size_t file;
+        std::size_t next;
+    };
+
+    void Open(std::size_t file) {
+        states[file] = State::Open;
+        open.push_back({file, 0});
+    }
+
+    void PrintInclude(const Include& include) {
+        out.append(2 * open.size(), ' ');
+        out += include.name;
+        if (include.target < 0) {
+            out += ": not found\n";
+            return;
+        }
+        const auto target = static_cast<std::size_t>(include.target);
+        fmt::format_to(std::back_inserter(out), ": {}{}\n", session.Shown(graph[target].path), Mark(target));
+        if (states[target] == State::New) Open(target);
+    }
+
+    const char* Mark(std::size_t file) const {
+        if (!graph[file].hasTree) return " (failed)";
+        if (states[file] == State::Open) return " (cycle)";
+        return states[file] == State::Done && !graph[file].includes.empty() ? " (above)" : "";
+    }
+
+    const Session& session;
+    const IncludeGraph& graph;
+    std::string& out;
+    std::vector<State> states; // of each file
+    std::vector<Level> open;
+};
+
+template <class Visit>
+void ForEachMissing(const IncludeGraph& graph, Visit visit) {
+    for (const IncludedFile& file : graph)
+        for (const Include& include : file.includes)
+            if (include.target < 0) visit(file, include);
+}
+
+void PrintMissing(const Session& session, const IncludeGraph& graph, std::string& out) {
+    ForEachMissing(graph, [&](const IncludedFile& file, const Include& include) {
+        const Place place = include.place.value_or(Place());
+        fmt::format_to(std::back_inserter(out), "{}:{}:{}: {} not found\n", session.Shown(file.path),
+                       place.line, place.column, include.name);
+    });
+}
+
+std::string Quoted(std::string_view text) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') quoted += '\\';
+        quoted += c;
+    }
+    return quoted + '"';
+}
+
+void PrintDot(const Session& session, const IncludeGraph& graph, bool missingOnly, std::string& out) {
+    out += "digraph includes {\n  rankdir=LR;\n  node [shape=box];\n";
+    for (const IncludedFile& file : graph) {
+        const std::string from = Quoted(session.Shown(file.path));
+        if (!file.hasTree) fmt::format_to(std::back_inserter(out), "  {} [color=red];\n", from);
+        for (const Include& include : file.includes) {
+            if (include.target < 0) {
+                fmt::format_to(std::back_inserter(out), "  {} -> {} [style=dashed];\n", from,
+                               Quoted(include.name));
+            } else if (!missingOnly) {
+                const IncludedFile& target = graph[static_cast<std::size_t>(include.target)];
+                fmt::format_to(std::back_inserter(out), "  {} -> {};\n", from,
+                               Quoted(session.Shown(target.path)));
+            }
+        }
+    }
+    out += "}\n";
+}
+
+JsonValue ToJson(const Session& session, const IncludeGraph& graph, bool missingOnly) {
+    JsonValue document = {{"file", session.Shown(graph.front().path)}};
+    JsonValue& files = document["files"] = JsonValue::array();
+    for (const IncludedFile& file : graph) {
+        JsonValue object = {{"file", session.Shown(file.path)}, {"loaded", file.hasTree}};
+        JsonValue& includes = object["includes"] = JsonValue::array();
+        for (const Include& include : file.includes) {
+            if (missingOnly && include.target >= 0) continue;
+            JsonValue entry = {{"name", include.name}, {"file", nullptr}};
+            if (include.target >= 0)
+                entry["file"] = session.Shown(graph[static_cast<std::size_t>(include.target)].path);
+            entry["line"] = include.place ? JsonValue(include.place->line) : JsonValue();
+            entry["column"] = include.place ? JsonValue(include.place->column) : JsonValue();
+            includes.push_back(std::move(entry));
+        }
+        if (!missingOnly || !includes.empty()) files.push_back(std::move(object));
+    }
+    return document;
+}
+
+// Those that aren't found never stay unsaid.
+void CountMissing(const IncludeGraph& graph, std::string& err) {
+    int count = 0;
+    ForEachMissing(graph, [&](const IncludedFile&, const Include&) { ++count; });
+    if (count > 0)
+        fmt::format_to(std::back_inserter(err), "ostraka: {} includes not found, see --missing\n", count);
+}
+
+} // namespace
+
+void AnswerIncludes(const Request& request, const std::string& path, Result& result) {
+    Session session(request);
+    if (session.Load(path, result) == nullptr) return;
+    const IncludeGraph graph = FollowIncludes(session.Table(), Session::Absolute(path));
+    if (request.format == Format::Json) {
+        result.out += Document("includes", ToJson(session, graph, request.missingOnly));
+    } else if (request.format == Format::Dot) {
+        PrintDot(session, graph, request.missingOnly, result.out);
+    } else if (request.missingOnly) {
+        PrintMissing(session, graph, result.out);
+    } else {
+        IncludeTree(session, graph, result.out).Print();
+    }
+    if (!request.missingOnly && !request.quiet) CountMissing(graph, result.err);
+}
+
+} // namespace ostraka::tool

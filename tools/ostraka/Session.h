@@ -1,0 +1,48 @@
+#pragma once
+
+// A symbol table with its workspaces, for the verbs that ask one. It owns the table, whose records and trees
+// end with it.
+//
+// The table takes paths as texts, so a file must always be spelled the same: the session hands it absolute
+// paths, and shows them as they are from the working directory.
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include <ostraka/symbols/TAPSymbolTable.h>
+
+#include "Request.h"
+#include "Verbs.h"
+
+namespace ostraka::tool {
+
+class Session {
+public:
+    explicit Session(const Request& asked);
+
+    TAPSymbolTable& Table() const { return *table; }
+
+    // Loads a file, C++ or IDL, with all that it includes, and gives its root. Each file that fails is told
+    // in the result with its place and cause, a header with the file that includes it. Null for a file that
+    // can't be read or has no whole tree.
+    TAPSyntaxe* Load(const std::string& path, Result& result);
+
+    // How a path is spelled for the table, and for the user.
+    static std::string Absolute(const std::string& path);
+    std::string Shown(std::string_view path) const;
+
+private:
+    struct Release {
+        void operator()(TARefCounter* counted) const { counted->Release(); }
+    };
+
+    void TellFailures(const std::string& loaded, Result& result) const;
+    void TellFailure(const std::string& path, std::string_view includer, Result& result) const;
+
+    const Request& request;
+    std::string workingFolder; // with a slash at its end
+    std::unique_ptr<TAPSymbolTable, Release> table;
+};
+
+} // namespace ostraka::tool
