@@ -12,6 +12,8 @@
 #include <fmt/format.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
+#include "NodeText.h"
+
 namespace ostraka::tool {
 
 namespace {
@@ -47,17 +49,22 @@ const char* ClassOfHead(const TAPSyntaxe& head) {
     return head.Child(1)->GetContent();
 }
 
-// The left side of the operator on whose right side the name stands, called or not; else null.
-TAPSyntaxe* LeftOf(TAPSyntaxe& name, std::initializer_list<const char*> operators) {
-    TAPSyntaxe* side = name.GetParent();
-    if (TAPSyntaxe* call = TAPSyntaxe::NavigateFrom(side, SNAV_Parent, SNAV_ExprTest, "mt", 0);
-        call != nullptr && call->Child(1) == side)
-        side = call;
-    for (const char* spelling : operators) {
-        const TAPSyntaxe* whole = TAPSyntaxe::NavigateFrom(side, SNAV_Parent, SNAV_ExprTest, spelling, 0);
-        if (whole != nullptr && whole->ChildCount() > 1 && whole->Child(2) == side) return whole->Child(1);
-    }
-    return nullptr;
+// The operator on whose right side the name stands, called or not; else null. It has no left side where that
+// is an instruction of its own, as `f()` is in `f()->g()`.
+const TAPSyntaxe* OperatorBefore(TAPSyntaxe& name, std::initializer_list<const char*> operators) {
+    const TAPSyntaxe* side = name.GetParent();
+    const auto* call = TAPSyntaxe::NavigateFrom(name.GetParent(), SNAV_Parent, SNAV_ExprTest, "mt", 0);
+    if (call != nullptr && call->Child(1) == side) side = call;
+    const TAPSyntaxe* whole = side != nullptr ? side->GetParent() : nullptr;
+    if (whole == nullptr || whole->Child(whole->ChildCount()) != side) return nullptr;
+    const bool isOne = std::any_of(operators.begin(), operators.end(), [=](const char* spelling) {
+        return whole->GetType() == STYPE_Expression && KindOf(*whole) == spelling;
+    });
+    return isOne ? whole : nullptr;
+}
+
+TAPSyntaxe* LeftSide(const TAPSyntaxe& operation) {
+    return operation.ChildCount() > 1 ? operation.Child(1) : nullptr;
 }
 
 // Names that are kept without a node.
@@ -158,21 +165,24 @@ private:
     }
 
     void AskName() {
-        TAPSyntaxe* scope = LeftOf(node, {"::"});
-        TAPSyntaxe* owner = LeftOf(node, {"->", "."});
-        answers.isAccess = owner != nullptr;
-        belongs = scope != nullptr || owner != nullptr;
-        if (scope != nullptr) return AskRecords(scope->GetLastLeaf()->GetContent());
-        if (owner != nullptr) {
-            const Text type = answers.object ? answers.object->type : TypeOf(*owner);
-            if (type) AskRecords(ClassOfType(*type));
-            return;
-        }
+        const TAPSyntaxe* scope = OperatorBefore(node, {"::"});
+        const TAPSyntaxe* access = OperatorBefore(node, {"->", "."});
+        answers.isAccess = access != nullptr;
+        belongs = scope != nullptr || access != nullptr;
+        if (belongs) return AskOwner(LeftSide(scope != nullptr ? *scope : *access));
         AskBlocks();
         if (!IsKnown()) AskClassIndex();
         if (!IsKnown() && answers.className) AskRecords(*answers.className);
         if (!IsKnown()) AskFile();
         if (!IsKnown()) AskIndexes();
+    }
+
+    // The class of what stands on the left, which may be nothing.
+    void AskOwner(TAPSyntaxe* left) {
+        if (left == nullptr) return;
+        if (!answers.isAccess) return AskRecords(left->GetLastLeaf()->GetContent());
+        const Text type = answers.object ? answers.object->type : TypeOf(*left);
+        if (type) AskRecords(ClassOfType(*type));
     }
 
     bool IsKnown() const { return !answers.declared.empty(); }
