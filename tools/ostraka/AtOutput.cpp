@@ -135,7 +135,7 @@ JsonValue ToJson(const Session& session, const NodeAt& at, const NodeAnswers& an
 
 void AnswerAt(const Request& request, const std::string& asked, Result& result) {
     const FilePlace place = *ParseFilePlace(asked);
-    Session session(request);
+    Session session(request, {place.file});
     TAPSyntaxe* root = session.Load(place.file, result);
     const std::optional<NodeAt> at = root != nullptr ? FindNodeAt(*root, place.place) : std::nullopt;
     if (!at) {

@@ -13,7 +13,9 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "Nearest.h"
 #include "NodeSearch.h"
+#include "TableVerbs.h"
 
 namespace ostraka::tool {
 
@@ -58,37 +60,41 @@ constexpr VerbInfo verbs[] = {
      {"ostraka includes -w harbour:coast harbour/Ships/Ships.m/src/Ship.cpp",
       "ostraka includes -w harbour:coast --missing harbour/Traffic/Traffic.m/src/TrafficControl.cpp",
       "ostraka includes -w harbour:coast --format dot harbour/Berths/Berths.m/src/Quay.cpp"}},
+    {Verb::Outline,
+     "outline",
+     "Tell what files declare and implement, in the order of the text",
+     {"ostraka outline -w harbour:coast harbour/Berths/PublicInterfaces/Berth.h",
+      "ostraka outline -w harbour:coast harbour/Ships/Ships.m",
+      "ostraka outline -w harbour:coast --format json harbour/Berths/PublicInterfaces/IBerth.idl"}},
+    {Verb::Classes,
+     "classes",
+     "List classes with kind, base, framework and place",
+     {"ostraka classes -w harbour:coast", "ostraka classes -w harbour:coast --kind interface",
+      "ostraka classes -w harbour:coast --derived-from CoastObject harbour"}},
+    {Verb::Show,
+     "show",
+     "Show one class whole: bases, ties, members, methods, and where they are",
+     {"ostraka show Berth -w harbour:coast", "ostraka show IBerth -w harbour:coast",
+      "ostraka show Ship -w harbour:coast --format json"}},
+    {Verb::Hierarchy,
+     "hierarchy",
+     "Tell who derives from whom, and which interface is tied to which class",
+     {"ostraka hierarchy -w harbour:coast", "ostraka hierarchy Ship -w harbour:coast",
+      "ostraka hierarchy -w harbour:coast --format dot"}},
+    {Verb::Tags,
+     "tags",
+     "Write a tags file that editors take",
+     {"ostraka tags -w harbour:coast", "ostraka tags -w harbour:coast harbour/Ships",
+      "ostraka tags harbour/Berths/PublicInterfaces"}},
 };
+
+constexpr const char* classKinds[] = {"plain", "interface", "component"};
 
 constexpr std::string_view exitCodes =
     "Exit codes: 0 done, 1 nothing found, 2 wrong usage, 3 some file failed and the rest is valid";
 
 std::string Footer(const VerbInfo& info) {
     return fmt::format("Examples:\n  {}\n\n{}", fmt::join(info.examples, "\n  "), exitCodes);
-}
-
-std::size_t Distance(std::string_view a, std::string_view b) {
-    std::vector<std::size_t> row(b.size() + 1);
-    std::iota(row.begin(), row.end(), std::size_t{0});
-    for (std::size_t i = 0; i < a.size(); ++i) {
-        std::size_t diagonal = row[0]++;
-        for (std::size_t j = 0; j < b.size(); ++j) {
-            const std::size_t changed = diagonal + (a[i] != b[j] ? 1 : 0);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({changed, row[j + 1] + 1, row[j] + 1});
-        }
-    }
-    return row.back();
-}
-
-// ", did you mean ...?" for the nearest known word, or nothing when none is near.
-std::string Hint(std::string_view word, const std::vector<std::string>& known) {
-    const auto nearest = std::min_element(known.begin(), known.end(), [=](const auto& a, const auto& b) {
-        return Distance(word, a) < Distance(word, b);
-    });
-    if (nearest == known.end() || Distance(word, *nearest) > std::max<std::size_t>(2, word.size() / 3))
-        return "";
-    return fmt::format(", did you mean {}?", *nearest);
 }
 
 int FailUsage(std::string_view text) {
@@ -137,6 +143,9 @@ constexpr Choice<Format> streamFormats[] = {
 constexpr Choice<Format> treeFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}, {"dump", Format::Dump}};
 constexpr Choice<Format> questionFormats[] = {{"text", Format::Text}, {"json", Format::Json}};
+constexpr Choice<Format> listFormats[] = {
+    {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}};
+constexpr Choice<Format> tagsFormats[] = {{"ctags", Format::Tags}};
 constexpr Choice<Format> graphFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}};
 constexpr Choice<ColorMode> colorModes[] = {
@@ -174,13 +183,23 @@ void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Fo
     app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
 }
 
+void AddWorkspaceOptions(CLI::App& app, Request& request) {
+    app.add_option_function<std::vector<std::string>>(
+           "-w,--workspaces",
+           [&request](const std::vector<std::string>& lists) {
+               request.workspaces = fmt::format("{}", fmt::join(lists, ":"));
+           },
+           "The workspaces, the first having precedence")
+        ->type_name("ROOT[:ROOT...]")
+        ->allow_extra_args(false);
+    app.add_option("--os", request.osName, "The level of the generated directories")->type_name("NAME");
+}
+
 // For verbs that ask a symbol table; `what` is the one word that they take.
 void AddQuestionOptions(CLI::App& app, Request& request, const char* what, const char* description,
                         std::span<const Choice<Format>> formats) {
     app.add_option(what, request.paths, description)->type_name("")->required()->expected(1);
-    app.add_option("-w,--workspaces", request.workspaces, "The workspaces, the first having precedence")
-        ->type_name("ROOT[:ROOT...]");
-    app.add_option("--os", request.osName, "The level of the generated directories")->type_name("NAME");
+    AddWorkspaceOptions(app, request);
     AddChoice<Format>(app, "--format", request.format, formats, "How to print");
     AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
     app.add_flag("--quiet", request.quiet, "Print no counts on standard error");
@@ -198,6 +217,44 @@ void AddHeaderOptions(CLI::App& app, Request& request) {
 void AddIncludesOptions(CLI::App& app, Request& request) {
     AddQuestionOptions(app, request, "FILE", "The file to begin with", graphFormats);
     app.add_flag("--missing", request.missingOnly, "Print only those that aren't found");
+}
+
+// For verbs over all files of a run, which stand in one table.
+void AddTableOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
+    AddCommonOptions(app, request, formats);
+    AddWorkspaceOptions(app, request);
+    app.add_flag("--missing", request.missingOnly, "List the includes that find no header");
+}
+
+void AddClassesOptions(CLI::App& app, Request& request) {
+    const auto takeKinds = [&request](const std::string& list) {
+        for (const std::string& kind : CLI::detail::split(list, ',')) {
+            if (std::find(std::begin(classKinds), std::end(classKinds), kind) == std::end(classKinds))
+                throw CLI::ValidationError(
+                    fmt::format("there is no kind of class {}{}", kind,
+                                Hint(kind, {std::begin(classKinds), std::end(classKinds)})));
+            request.kinds.push_back(kind);
+        }
+    };
+    AddTableOptions(app, request, listFormats);
+    app.add_option_function<std::string>("--kind", takeKinds, "Only classes of one of these kinds")
+        ->type_name("plain,interface,component");
+    app.add_option("--derived-from", request.derivedFrom, "Only classes with this one among their bases")
+        ->type_name("NAME");
+}
+
+void AddShowOptions(CLI::App& app, Request& request) {
+    app.add_option("CLASS", request.className, "The class")->type_name("")->required();
+    AddTableOptions(app, request, questionFormats);
+}
+
+void AddHierarchyOptions(CLI::App& app, Request& request) {
+    app.add_option("CLASS", request.className, "The class around which to look; all without one")
+        ->type_name("");
+    AddTableOptions(app, request, graphFormats);
+    app.add_option("--limit", request.limit, "Draw no more than N classes")
+        ->check(CLI::Range(1, 1000000).description(""))
+        ->type_name("N");
 }
 
 void AddStreamOptions(CLI::App& app, Request& request) {
@@ -236,6 +293,11 @@ CLI::App* AddVerb(CLI::App& app, const VerbInfo& info, Request& request) {
     case Verb::At: AddAtOptions(*verb, request); break;
     case Verb::Header: AddHeaderOptions(*verb, request); break;
     case Verb::Includes: AddIncludesOptions(*verb, request); break;
+    case Verb::Outline: AddTableOptions(*verb, request, questionFormats); break;
+    case Verb::Classes: AddClassesOptions(*verb, request); break;
+    case Verb::Show: AddShowOptions(*verb, request); break;
+    case Verb::Hierarchy: AddHierarchyOptions(*verb, request); break;
+    case Verb::Tags: AddTableOptions(*verb, request, tagsFormats); break;
     }
     return verb;
 }
@@ -248,15 +310,21 @@ bool ColorFor(ColorMode mode, int descriptor) {
     return isatty(descriptor) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
+// Those take all of the workspaces.
+bool MayNameNoFiles(const Request& request) {
+    return IsTableVerb(request) && request.verb != Verb::Outline;
+}
+
 std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request& request) {
     const std::vector<std::string> extras = chosen.remaining();
     if (!extras.empty()) {
         return FailUsage(fmt::format("{} has no option {}{}", info.name, extras.front(),
                                      Hint(extras.front(), OptionNames(chosen))));
     }
-    if (request.paths.empty() && request.filesFrom.empty() && request.compileCommands.empty())
-        return FailUsage(fmt::format("{} needs a file, a folder or a list of files", info.name));
     request.verb = info.verb;
+    if (!MayNameNoFiles(request) && request.paths.empty() && request.filesFrom.empty() &&
+        request.compileCommands.empty())
+        return FailUsage(fmt::format("{} needs a file, a folder or a list of files", info.name));
     if (info.verb == Verb::At && !ParseFilePlace(request.paths.front()))
         return FailUsage(
             fmt::format("a place is FILE:LINE or FILE:LINE:COLUMN, not {}", request.paths.front()));

@@ -74,7 +74,7 @@ void AnswerHeader(const Request& request, const std::string& name, Result& resul
         ++result.failed;
         AppendMessage(result.err, request.from, std::nullopt, "error", "is no file", request.colorErrors);
     }
-    const Session session(request);
+    const Session session(request, {request.from});
     const std::string from = Session::Absolute(request.from);
     const HeaderAnswer answer = FindHeader(session.Table(), from, name);
     if (!answer.found) ++result.notFound;

@@ -50,6 +50,20 @@ auto OrderOf(const Include& include) {
     return std::make_tuple(!hasPlace, place.line, place.column, std::string_view(include.name));
 }
 
+// In the order of the text, without the files that they mean.
+std::vector<Include> NamesIn(const TAPSyntaxe& root, const std::string& path) {
+    std::vector<Include> includes;
+    const auto places = PlacesOfIncludes(path);
+    const TAIndex& names = root.GetTAPSourceFile()->includes;
+    for (int i = 0; i < names.size; ++i) includes.push_back({names.keys[i], -1, std::nullopt});
+    for (Include& include : includes)
+        if (const auto found = places.find(include.name); found != places.end())
+            include.place = found->second;
+    std::sort(includes.begin(), includes.end(),
+              [](const Include& a, const Include& b) { return OrderOf(a) < OrderOf(b); });
+    return includes;
+}
+
 class Following {
 public:
     explicit Following(const TAPSymbolTable& symbols) : table(symbols) {}
@@ -71,15 +85,7 @@ private:
         const std::string path = graph[index].path;
         const auto* root = static_cast<const TAPSyntaxe*>(table.trees[path.c_str()]);
         if (root == nullptr) return;
-        std::vector<Include> includes;
-        const auto places = PlacesOfIncludes(path);
-        const TAIndex& names = root->GetTAPSourceFile()->includes;
-        for (int i = 0; i < names.size; ++i) includes.push_back({names.keys[i], -1, std::nullopt});
-        for (Include& include : includes)
-            if (const auto found = places.find(include.name); found != places.end())
-                include.place = found->second;
-        std::sort(includes.begin(), includes.end(),
-                  [](const Include& a, const Include& b) { return OrderOf(a) < OrderOf(b); });
+        std::vector<Include> includes = NamesIn(*root, path);
         for (Include& include : includes) {
             const TAFileName target = table.SearchHeaderFile(path.c_str(), include.name.c_str());
             if (target.IsNull() == 0) include.target = IndexOf(static_cast<const char*>(target));
@@ -94,6 +100,19 @@ private:
 };
 
 } // namespace
+
+std::vector<MissingHeader> MissingHeaders(const TAPSymbolTable& table) {
+    std::vector<MissingHeader> missing;
+    for (int i = 0; i < table.trees.size; ++i) {
+        const std::string path = table.trees.keys[i];
+        const auto& root = *static_cast<const TAPSyntaxe*>(table.trees.values[i]);
+        if (root.GetTAPSourceFile()->includes.size == 0) continue;
+        for (Include& include : NamesIn(root, path))
+            if (table.SearchHeaderFile(path.c_str(), include.name.c_str()).IsNull() != 0)
+                missing.push_back({path, include.place, std::move(include.name)});
+    }
+    return missing;
+}
 
 IncludeGraph FollowIncludes(const TAPSymbolTable& table, const std::string& path) {
     return Following(table).From(path);

@@ -27,6 +27,16 @@ struct IncludedFile {
 // The loaded file first, the others in the order in which they are met, each once.
 using IncludeGraph = std::vector<IncludedFile>;
 
+// An include that finds nothing.
+struct MissingHeader {
+    std::string file;
+    std::optional<Place> place; // of the name in the text
+    std::string name;
+};
+
+// Those of all files of the table, by file and place.
+std::vector<MissingHeader> MissingHeaders(const TAPSymbolTable& table);
+
 IncludeGraph FollowIncludes(const TAPSymbolTable& table, const std::string& path);
 
 } // namespace ostraka::tool

@@ -145,7 +145,7 @@ void CountMissing(const IncludeGraph& graph, std::string& err) {
 } // namespace
 
 void AnswerIncludes(const Request& request, const std::string& path, Result& result) {
-    Session session(request);
+    Session session(request, {path});
     if (session.Load(path, result) == nullptr) return;
     const IncludeGraph graph = FollowIncludes(session.Table(), Session::Absolute(path));
     if (request.format == Format::Json) {

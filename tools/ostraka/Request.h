@@ -7,8 +7,8 @@
 
 namespace ostraka::tool {
 
-enum class Verb { Stream, Tree, At, Header, Includes };
-enum class Format { Text, Json, JsonLines, Dump, Dot };
+enum class Verb { Stream, Tree, At, Header, Includes, Outline, Classes, Show, Hierarchy, Tags };
+enum class Format { Text, Json, JsonLines, Dump, Dot, Tags };
 enum class ColorMode { Auto, Always, Never };
 
 // A path as the user gave it or as a folder held it. What is known to be unreadable before it is opened, as
@@ -45,7 +45,13 @@ struct Request {
     std::string osName;
 
     std::string from;         // header: the file that includes it
-    bool missingOnly = false; // includes: only those that weren't found
+    bool missingOnly = false; // includes: only those that weren't found; else: list those as well
+
+    // Verbs over all files of a run: which classes, and how many of a drawing.
+    std::string className;
+    std::vector<std::string> kinds;
+    std::string derivedFrom;
+    int limit = 500;
 
     // Set once the files are known.
     bool severalFiles = false;

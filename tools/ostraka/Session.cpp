@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include <fmt/format.h>
+#include <ostraka/foundation/Directory.h>
 
 #include "Diagnosis.h"
 #include "RawFile.h"
@@ -23,27 +24,88 @@ namespace {
 constexpr const char* osVariable = "QxqxOS_VAR";
 constexpr const char* noOs = "none";
 
-TAPSymbolTable* MakeTable(const std::string& osName) {
-    if (!osName.empty()) setenv(osVariable, osName.c_str(), 1);
-    setenv(osVariable, noOs, 0);
-    return new TAPSymbolTable;
+constexpr const char* frameworkMark = "IdentityCard";
+constexpr const char* generatedDirectories[] = {"PublicGenerated", "ProtectedGenerated", "PrivateGenerated"};
+
+bool IsFolder(const fs::path& path) {
+    std::error_code ignored;
+    return fs::is_directory(path, ignored);
 }
 
-std::string AbsoluteList(const std::string& list) {
-    std::string absolute;
+// The roots of the list, absolute and each once.
+std::vector<std::string> RootsOf(const std::string& list) {
+    std::vector<std::string> roots;
     for (std::size_t begin = 0; begin < list.size();) {
         const std::size_t past = std::min(list.find(':', begin), list.size());
-        if (past > begin) absolute += Session::Absolute(list.substr(begin, past - begin)) + ":";
+        if (past > begin) roots.push_back(Session::Absolute(list.substr(begin, past - begin)));
         begin = past + 1;
     }
-    return absolute;
+    return roots;
+}
+
+bool HoldsFrameworks(const fs::path& folder) {
+    std::error_code error;
+    for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
+         entry.increment(error))
+        if (IsFolder(entry->path() / frameworkMark)) return true;
+    return false;
+}
+
+// The workspace in which a file or a folder lies, or which a folder is; empty if there is none.
+std::string RootAround(const std::string& path) {
+    const fs::path whole = Session::Absolute(path);
+    for (fs::path folder = whole; folder.has_relative_path(); folder = folder.parent_path())
+        if (IsFolder(folder / frameworkMark)) return folder.parent_path().string();
+    return IsFolder(whole) && HoldsFrameworks(whole) ? whole.string() : "";
+}
+
+std::vector<std::string> RootsAround(const std::vector<std::string>& paths) {
+    std::vector<std::string> roots;
+    std::string lastFolder;
+    for (const std::string& path : paths) {
+        std::string folder = fs::path(path).parent_path().string();
+        if (folder == lastFolder && !roots.empty()) continue;
+        lastFolder = std::move(folder);
+        std::string root = RootAround(path);
+        if (!root.empty() && std::find(roots.begin(), roots.end(), root) == roots.end())
+            roots.push_back(std::move(root));
+    }
+    return roots;
+}
+
+// The first system, by name, for which a workspace has generated headers.
+std::string SystemIn(const std::vector<std::string>& roots) {
+    std::string first;
+    for (const std::string& root : roots) {
+        for (const char* directory : generatedDirectories) {
+            NUBListValNUBString paths;
+            ReadDirectory(fmt::format("{}/*/{}/*", root, directory).c_str(), paths);
+            for (const NUBString& path : paths) {
+                const std::string system = fs::path(path.View()).filename().string();
+                if (first.empty() || system < first) first = system;
+            }
+        }
+    }
+    return first.empty() ? noOs : first;
+}
+
+TAPSymbolTable* MakeTable(const std::string& osName, const std::vector<std::string>& roots) {
+    if (!osName.empty()) setenv(osVariable, osName.c_str(), 1);
+    if (std::getenv(osVariable) == nullptr) setenv(osVariable, SystemIn(roots).c_str(), 0);
+    auto* table = new TAPSymbolTable;
+    table->SetConcatenation(fmt::format("{}", fmt::join(roots, ":")).c_str());
+    return table;
 }
 
 } // namespace
 
-Session::Session(const Request& asked)
-    : request(asked), workingFolder(Absolute(".") + "/"), table(MakeTable(asked.osName)) {
-    table->SetConcatenation(AbsoluteList(request.workspaces).c_str());
+Session::Session(const Request& asked, const std::vector<std::string>& paths)
+    : request(asked), workingFolder(Absolute(".") + "/") {
+    const std::vector<std::string> roots =
+        request.workspaces.empty() ? RootsAround(paths) : RootsOf(request.workspaces);
+    for (const std::string& root : roots)
+        if (!IsFolder(root)) missingRoots.push_back(root);
+    table.reset(MakeTable(request.osName, roots));
 }
 
 std::string Session::Absolute(const std::string& path) {
@@ -60,27 +122,55 @@ std::string Session::Shown(std::string_view path) const {
     return std::string(path);
 }
 
+// Empty, or the reason why the file can't be read.
+std::string Session::Read(const std::string& absolute) {
+    std::string problem;
+    auto buffer = ReadFile(absolute, problem);
+    if (!buffer) return problem;
+    PrintedErrors printed;
+    if (absolute.ends_with(".idl")) {
+        table->LoadIdlFile(buffer.release(), 1);
+    } else {
+        table->LoadFile(buffer.release(), 1);
+    }
+    return "";
+}
+
 TAPSyntaxe* Session::Load(const std::string& path, Result& result) {
     const std::string absolute = Absolute(path);
-    std::string problem;
-    if (auto buffer = ReadFile(absolute, problem)) {
-        PrintedErrors printed;
-        if (absolute.ends_with(".idl")) {
-            table->LoadIdlFile(buffer.release(), 1);
-        } else {
-            table->LoadFile(buffer.release(), 1);
-        }
-    }
-    if (problem.empty()) {
-        TellFailures(absolute, result);
+    TellMissingRoots(result);
+    if (Read(absolute).empty()) {
+        TellFailedSources(absolute, result);
+        result.headers += std::max(table->sources.size - 1, 0);
     } else {
-        TellFailure(absolute, "", result);
+        TellFailure({absolute, ""}, "", result);
     }
     return static_cast<TAPSyntaxe*>(table->trees[absolute.c_str()]);
 }
 
+void Session::LoadOneOfMany(const Input& input) {
+    const std::string absolute = Absolute(input.path);
+    if (table->GetSource(absolute.c_str()) != nullptr) return;
+    const std::string problem = input.problem.empty() ? Read(absolute) : input.problem;
+    if (!problem.empty()) unread.push_back({absolute, problem});
+}
+
+void Session::TellFailures(Result& result) const {
+    TellMissingRoots(result);
+    for (const Input& input : unread) TellFailure(input, "", result);
+    TellFailedSources("", result);
+}
+
+void Session::TellMissingRoots(Result& result) const {
+    for (const std::string& root : missingRoots) {
+        ++result.failed;
+        AppendMessage(result.err, Shown(root), std::nullopt, "error", "is no folder, and so no workspace",
+                      request.colorErrors);
+    }
+}
+
 // A file without a tree failed, and so may one with an empty tree, which is what an unreadable file gets.
-void Session::TellFailures(const std::string& loaded, Result& result) const {
+void Session::TellFailedSources(const std::string& loaded, Result& result) const {
     std::unordered_map<std::string_view, std::string_view> includers;
     for (int i = 0; i < table->sources.size; ++i) {
         const auto* source = static_cast<const TAPDefSource*>(table->sources.values[i]);
@@ -91,20 +181,19 @@ void Session::TellFailures(const std::string& loaded, Result& result) const {
         const std::string path = table->sources.keys[i];
         const auto* root = static_cast<const TAPSyntaxe*>(table->trees[path.c_str()]);
         if (root == nullptr || root->GetSize() == 0)
-            TellFailure(path, path == loaded ? std::string_view() : includers[path], result);
+            TellFailure({path, ""}, path == loaded ? std::string_view() : includers[path], result);
     }
-    result.headers += std::max(table->sources.size - 1, 0);
 }
 
-void Session::TellFailure(const std::string& path, std::string_view includer, Result& result) const {
-    const Input input{path, ""};
+void Session::TellFailure(const Input& input, std::string_view includer, Result& result) const {
     SourceUnit unit(input);
     if (unit.Load()) unit.Build();
     if (!unit.GetFailure()) return;
     ++result.failed;
     std::string cause = unit.GetFailure()->cause;
     if (!includer.empty()) cause += fmt::format(", included by {}", Shown(includer));
-    AppendMessage(result.err, Shown(path), unit.GetFailure()->place, "error", cause, request.colorErrors);
+    AppendMessage(result.err, Shown(input.path), unit.GetFailure()->place, "error", cause,
+                  request.colorErrors);
 }
 
 } // namespace ostraka::tool

@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <ostraka/symbols/TAPSymbolTable.h>
 
@@ -19,7 +20,9 @@ namespace ostraka::tool {
 
 class Session {
 public:
-    explicit Session(const Request& asked);
+    // Where the request names no workspaces, those are taken in which the paths lie; where it names no
+    // operating system and the environment doesn't either, the first for which headers are generated there.
+    Session(const Request& asked, const std::vector<std::string>& paths);
 
     TAPSymbolTable& Table() const { return *table; }
 
@@ -27,6 +30,13 @@ public:
     // in the result with its place and cause, a header with the file that includes it. Null for a file that
     // can't be read or has no whole tree.
     TAPSyntaxe* Load(const std::string& path, Result& result);
+
+    // The same for one of many files. What fails is told by TellFailures, once all are loaded.
+    void LoadOneOfMany(const Input& input);
+    void TellFailures(Result& result) const;
+
+    // Files that were read or that couldn't be.
+    int FileCount() const { return table->sources.size + static_cast<int>(unread.size()); }
 
     // How a path is spelled for the table, and for the user.
     static std::string Absolute(const std::string& path);
@@ -37,11 +47,15 @@ private:
         void operator()(TARefCounter* counted) const { counted->Release(); }
     };
 
-    void TellFailures(const std::string& loaded, Result& result) const;
-    void TellFailure(const std::string& path, std::string_view includer, Result& result) const;
+    void TellFailedSources(const std::string& loaded, Result& result) const;
+    void TellFailure(const Input& input, std::string_view includer, Result& result) const;
+    void TellMissingRoots(Result& result) const;
+    std::string Read(const std::string& absolute);
 
     const Request& request;
     std::string workingFolder; // with a slash at its end
+    std::vector<std::string> missingRoots;
+    std::vector<Input> unread; // by absolute path, with the problem
     std::unique_ptr<TAPSymbolTable, Release> table;
 };
 

@@ -9,6 +9,7 @@
 #include "Console.h"
 #include "Inputs.h"
 #include "Jobs.h"
+#include "TableVerbs.h"
 
 using namespace ostraka::tool;
 
@@ -26,16 +27,25 @@ std::vector<Input> Questions(const Request& request) {
     return questions;
 }
 
+void TellFailed(const Request& request, const Result& total, std::size_t files, Console& console) {
+    if (total.failed > 0 && !request.quiet)
+        console.Err(fmt::format("ostraka: {} of {} files failed\n", total.failed, files));
+}
+
 int Run(Request& request) {
+    if (IsTableVerb(request)) {
+        Console console(request.quiet);
+        const Result total = RunTableVerb(request, console);
+        TellFailed(request, total, static_cast<std::size_t>(total.headers), console);
+        return ExitCode(total);
+    }
     const std::vector<Input> inputs = IsQuestion(request) ? Questions(request) : CollectInputs(request);
     request.severalFiles = inputs.size() > 1;
     Console console(request.quiet);
     console.Out(Prologue(request));
     const Result total = RunAll(request, inputs, console);
     console.Out(Epilogue(request));
-    if (total.failed > 0 && !request.quiet)
-        console.Err(fmt::format("ostraka: {} of {} files failed\n", total.failed,
-                                inputs.size() + static_cast<std::size_t>(total.headers)));
+    TellFailed(request, total, inputs.size() + static_cast<std::size_t>(total.headers), console);
     return ExitCode(total);
 }
 

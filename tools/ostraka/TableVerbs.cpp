@@ -1,0 +1,110 @@
+#include "TableVerbs.h"
+
+#include <algorithm>
+#include <iterator>
+#include <set>
+
+#include <fmt/format.h>
+#include <ostraka/symbols/TAPSymbolTable.h>
+
+#include "Console.h"
+#include "IncludeGraph.h"
+#include "Inputs.h"
+#include "Session.h"
+
+namespace ostraka::tool {
+
+namespace {
+
+struct Row {
+    Verb verb;
+    void (*answer)(const Request&, const Session&, const std::vector<std::string>& files, Result&);
+};
+
+constexpr Row rows[] = {
+    {Verb::Outline, AnswerOutline},     {Verb::Classes, AnswerClasses}, {Verb::Show, AnswerShow},
+    {Verb::Hierarchy, AnswerHierarchy}, {Verb::Tags, AnswerTags},
+};
+
+const Row* RowOf(Verb verb) {
+    const auto* found =
+        std::find_if(std::begin(rows), std::end(rows), [=](const Row& row) { return row.verb == verb; });
+    return found == std::end(rows) ? nullptr : found;
+}
+
+std::vector<std::string> SplitList(const std::string& list) {
+    std::vector<std::string> parts;
+    for (std::size_t begin = 0; begin < list.size();) {
+        const std::size_t past = std::min(list.find(':', begin), list.size());
+        if (past > begin) parts.push_back(list.substr(begin, past - begin));
+        begin = past + 1;
+    }
+    return parts;
+}
+
+bool NamesFiles(const Request& request) {
+    return !request.paths.empty() || !request.filesFrom.empty() || !request.compileCommands.empty();
+}
+
+// Where no file is named, all of the workspaces, or of the folder that we stand in.
+Request WithFiles(const Request& request) {
+    Request whole = request;
+    if (NamesFiles(request)) return whole;
+    whole.paths = SplitList(request.workspaces);
+    if (whole.paths.empty()) whole.paths = {"."};
+    return whole;
+}
+
+std::vector<std::string> PathsOf(const std::vector<Input>& inputs) {
+    std::vector<std::string> paths;
+    std::transform(inputs.begin(), inputs.end(), std::back_inserter(paths),
+                   [](const Input& input) { return input.path; });
+    return paths;
+}
+
+// In the order in which they were named, by the paths of the table.
+std::vector<std::string> FilesOf(const std::vector<Input>& inputs) {
+    std::vector<std::string> files;
+    std::set<std::string> seen;
+    for (const Input& input : inputs) {
+        std::string file = Session::Absolute(input.path);
+        if (seen.insert(file).second) files.push_back(std::move(file));
+    }
+    return files;
+}
+
+void TellMissing(const Request& request, const Session& session, Result& result) {
+    const std::vector<MissingHeader> missing = MissingHeaders(session.Table());
+    if (request.missingOnly)
+        for (const MissingHeader& header : missing)
+            AppendMessage(result.err, session.Shown(header.file), header.place, "warning",
+                          fmt::format("header {} not found", header.name), request.colorErrors);
+    if (!missing.empty() && !request.quiet)
+        result.err += fmt::format("ostraka: {} includes found no header{}\n", missing.size(),
+                                  request.missingOnly ? "" : ", --missing lists them");
+}
+
+} // namespace
+
+bool IsTableVerb(const Request& request) {
+    return RowOf(request.verb) != nullptr;
+}
+
+Result RunTableVerb(const Request& request, Console& console) {
+    const std::vector<Input> inputs = CollectInputs(WithFiles(request));
+    Session session(request, PathsOf(inputs));
+    for (std::size_t i = 0; i < inputs.size(); ++i) {
+        session.LoadOneOfMany(inputs[i]);
+        console.ShowProgress(i + 1, inputs.size());
+    }
+    Result result;
+    RowOf(request.verb)->answer(request, session, FilesOf(inputs), result);
+    TellMissing(request, session, result);
+    session.TellFailures(result);
+    result.headers = session.FileCount();
+    console.Out(result.out);
+    console.Err(result.err);
+    return result;
+}
+
+} // namespace ostraka::tool
