@@ -310,6 +310,14 @@ bool ColorFor(ColorMode mode, int descriptor) {
     return isatty(descriptor) != 0 && terminal != nullptr && std::string_view(terminal) != "dumb";
 }
 
+// `hierarchy harbour/Ships` names no class.
+void TakeFileForClass(Request& request) {
+    if (request.verb != Verb::Hierarchy || request.className.empty()) return;
+    if (access(request.className.c_str(), F_OK) != 0) return;
+    request.paths.insert(request.paths.begin(), request.className);
+    request.className.clear();
+}
+
 // Those take all of the workspaces.
 bool MayNameNoFiles(const Request& request) {
     return IsTableVerb(request) && request.verb != Verb::Outline;
@@ -322,6 +330,7 @@ std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request&
                                      Hint(extras.front(), OptionNames(chosen))));
     }
     request.verb = info.verb;
+    TakeFileForClass(request);
     if (!MayNameNoFiles(request) && request.paths.empty() && request.filesFrom.empty() &&
         request.compileCommands.empty())
         return FailUsage(fmt::format("{} needs a file, a folder or a list of files", info.name));

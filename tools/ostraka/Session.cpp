@@ -117,6 +117,7 @@ std::string Session::Absolute(const std::string& path) {
 }
 
 std::string Session::Shown(std::string_view path) const {
+    if (path == workingFolder.substr(0, workingFolder.size() - 1)) return ".";
     if (path.size() > workingFolder.size() && path.starts_with(workingFolder))
         path.remove_prefix(workingFolder.size());
     return std::string(path);
