@@ -80,8 +80,8 @@ void TellMissing(const Request& request, const Session& session, Result& result)
             AppendMessage(result.err, session.Shown(header.file), header.place, "warning",
                           fmt::format("header {} not found", header.name), request.colorErrors);
     if (!missing.empty() && !request.quiet)
-        result.err += fmt::format("ostraka: {} includes found no header{}\n", missing.size(),
-                                  request.missingOnly ? "" : ", --missing lists them");
+        result.err += fmt::format("ostraka: {} includes not found{}\n", missing.size(),
+                                  request.missingOnly ? "" : ", see --missing");
 }
 
 } // namespace
