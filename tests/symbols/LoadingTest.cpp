@@ -125,7 +125,10 @@ TEST_F(Loading, FailuresAreToldAndLeaveTheRest) {
         EXPECT_EQ(Load(Header("bad.h")), row.result) << row.text;
         table.UnLoadAllFiles();
     }
-    EXPECT_EQ(Load("gone.cpp"), 0) << "an unreadable file is an empty one";
+    for (const char* unreadable : {"gone.cpp", "w"}) {
+        EXPECT_EQ(Load(unreadable), 0) << "an unreadable file is an empty one";
+        EXPECT_EQ(Source(unreadable)->GetNbLine(), 0);
+    }
 }
 
 TEST_F(Loading, PathsBringTheirTreeBack) {
