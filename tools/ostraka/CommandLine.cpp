@@ -324,7 +324,8 @@ bool MayNameNoFiles(const Request& request) {
 }
 
 std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request& request) {
-    const std::vector<std::string> extras = chosen.remaining();
+    std::vector<std::string> extras = chosen.remaining();
+    std::erase(extras, "--"); // the end of the options stays among them
     if (!extras.empty()) {
         return FailUsage(fmt::format("{} has no option {}{}", info.name, extras.front(),
                                      Hint(extras.front(), OptionNames(chosen))));
@@ -342,12 +343,18 @@ std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request&
     return std::nullopt;
 }
 
-// The first word that is no option names the verb; "help" stands for the option.
+// The first word that is no option names the verb; "help" stands for the option. A place in standard input,
+// as
+// "-:3:1", is no option either.
 std::vector<std::string> Words(int argc, char** argv) {
     std::vector<std::string> words(argv + 1, argv + argc);
-    if (words.empty() || words.front() != "help") return words;
-    words.erase(words.begin());
-    words.push_back("--help");
+    if (!words.empty() && words.front() == "help") {
+        words.erase(words.begin());
+        words.push_back("--help");
+    }
+    const auto isOther = [](const std::string& word) { return !word.starts_with("-:"); };
+    const auto places = std::stable_partition(words.begin(), words.end(), isOther);
+    if (places != words.end()) words.insert(places, "--");
     return words;
 }
 

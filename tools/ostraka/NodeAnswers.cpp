@@ -256,8 +256,10 @@ private:
 
     // A record keeps the members whose type is known and of each statement the last one; the body has all.
     void AskRecord(const TAPDefClass& record) {
+        std::vector<TAPDefMethod*> overloads;
         for (int i = 1; i <= record.methods.Size(); ++i)
-            if (name == record.methods[i]->GetName()) AddMethod(record, *record.methods[i]);
+            if (name == record.methods[i]->GetName()) overloads.push_back(record.methods[i]);
+        for (TAPDefMethod* method : OnlyImplemented(std::move(overloads))) AddMethod(record, *method);
         const TAPSyntaxe* body = table.GetSyntaxe(record.bodyPath);
         if (body != nullptr) AskStatements(*body, fmt::format("member of {}", record.name));
     }
@@ -271,6 +273,15 @@ private:
                 table.FindDeclare(&node, type, statement, 0) != nullptr)
                 Add(statement, as, type.View());
         }
+    }
+
+    // In the head of an implementation the one that it implements, anywhere else all of them.
+    std::vector<TAPDefMethod*> OnlyImplemented(std::vector<TAPDefMethod*> overloads) {
+        if (bodyBehind == nullptr || overloads.size() < 2) return overloads;
+        const auto found = std::find_if(overloads.begin(), overloads.end(), [this](TAPDefMethod* method) {
+            return table.GetSyntaxe(method->GetImplementationPath()) == topLevel;
+        });
+        return found == overloads.end() ? overloads : std::vector<TAPDefMethod*>{*found};
     }
 
     // A method that no class declares is known by its implementation.

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
+#include <optional>
 #include <system_error>
 
 #include <gneiss/qxErrorCodeManager.h>
@@ -24,10 +25,24 @@ const char* ReasonNotToRead(const struct stat& status, bool standardInput) {
     return "is a device or a socket, not a file";
 }
 
+// What standard input held; it can be read once, and a file is read again to tell why it failed.
+std::optional<std::string> standardInputText;
+
+std::unique_ptr<TAFileBuffer> NamedBuffer(const std::string& path, std::string_view text) {
+    auto buffer = std::make_unique<TAFileBuffer>(path.c_str(), 0);
+    buffer->loaded = 1;
+    buffer->size = static_cast<unsigned int>(text.size());
+    buffer->buffer = static_cast<char*>(std::calloc(text.size() + padding, 1));
+    if (buffer->buffer == nullptr) throw std::bad_alloc();
+    std::memcpy(buffer->buffer, text.data(), text.size());
+    return buffer;
+}
+
 } // namespace
 
 std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& problem) {
     const bool standardInput = path == "-";
+    if (standardInput && standardInputText) return NamedBuffer(path, *standardInputText);
     const char* opened = standardInput ? "/dev/stdin" : path.c_str();
     struct stat status {};
     if (stat(opened, &status) != 0) {
@@ -40,19 +55,16 @@ std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& pro
     }
     auto buffer = std::make_unique<TAFileBuffer>(path.c_str(), 0);
     buffer->loaded = 1;
-    if (qxMMap(opened, padding, buffer->buffer, buffer->size, '\n') == 0) return buffer;
+    if (qxMMap(opened, padding, buffer->buffer, buffer->size, '\n') == 0) {
+        if (standardInput) standardInputText.emplace(buffer->buffer, buffer->size);
+        return buffer;
+    }
     problem = qxExtLastError.GetMsgError().CastToCharPtr();
     return nullptr;
 }
 
 std::unique_ptr<TAFileBuffer> MakeBuffer(std::string_view text) {
-    auto buffer = std::make_unique<TAFileBuffer>("", 0);
-    buffer->loaded = 1;
-    buffer->size = static_cast<unsigned int>(text.size());
-    buffer->buffer = static_cast<char*>(std::calloc(text.size() + padding, 1));
-    if (buffer->buffer == nullptr) throw std::bad_alloc();
-    std::memcpy(buffer->buffer, text.data(), text.size());
-    return buffer;
+    return NamedBuffer("", text);
 }
 
 } // namespace ostraka::tool

@@ -10,8 +10,9 @@ class TAFileBuffer;
 
 namespace ostraka::tool {
 
-// Reads the file, or standard input for "-", to its end. On failure gives null and says why in `problem`. A
-// device or a socket isn't read: it may have no end.
+// Reads the file, or standard input for "-", to its end. What standard input held is kept, so that it can be
+// asked for again. On failure gives null and says why in `problem`. A device or a socket isn't read: it may
+// have no end.
 std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& problem);
 
 // A buffer that holds a copy of the text, as if it had been read from a file.

@@ -109,6 +109,7 @@ Session::Session(const Request& asked, const std::vector<std::string>& paths)
 }
 
 std::string Session::Absolute(const std::string& path) {
+    if (path == "-") return path;
     std::error_code error;
     std::string absolute = fs::absolute(path, error).lexically_normal().string();
     if (error) return path;
@@ -120,7 +121,7 @@ std::string Session::Shown(std::string_view path) const {
     if (path == workingFolder.substr(0, workingFolder.size() - 1)) return ".";
     if (path.size() > workingFolder.size() && path.starts_with(workingFolder))
         path.remove_prefix(workingFolder.size());
-    return std::string(path);
+    return std::string(ShownPath(path));
 }
 
 // Empty, or the reason why the file can't be read.

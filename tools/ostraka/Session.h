@@ -4,7 +4,7 @@
 // end with it.
 //
 // The table takes paths as texts, so a file must always be spelled the same: the session hands it absolute
-// paths, and shows them as they are from the working directory.
+// paths, and shows them as they are from the working directory. Standard input stays "-".
 
 #include <memory>
 #include <string>
