@@ -64,6 +64,16 @@ std::vector<Include> NamesIn(const TAPSyntaxe& root, const std::string& path) {
     return includes;
 }
 
+// In the file that is number `position` of the table's trees.
+int CountMissingIn(const TAPSymbolTable& table, int position) {
+    const TAIndex& names =
+        static_cast<const TAPSyntaxe*>(table.trees.values[position])->GetTAPSourceFile()->includes;
+    int count = 0;
+    for (int i = 0; i < names.size; ++i)
+        if (table.SearchHeaderFile(table.trees.keys[position], names.keys[i]).IsNull() != 0) ++count;
+    return count;
+}
+
 class Following {
 public:
     explicit Following(const TAPSymbolTable& symbols) : table(symbols) {}
@@ -101,13 +111,18 @@ private:
 
 } // namespace
 
+int CountMissingHeaders(const TAPSymbolTable& table) {
+    int count = 0;
+    for (int i = 0; i < table.trees.size; ++i) count += CountMissingIn(table, i);
+    return count;
+}
+
 std::vector<MissingHeader> MissingHeaders(const TAPSymbolTable& table) {
     std::vector<MissingHeader> missing;
     for (int i = 0; i < table.trees.size; ++i) {
+        if (CountMissingIn(table, i) == 0) continue;
         const std::string path = table.trees.keys[i];
-        const auto& root = *static_cast<const TAPSyntaxe*>(table.trees.values[i]);
-        if (root.GetTAPSourceFile()->includes.size == 0) continue;
-        for (Include& include : NamesIn(root, path))
+        for (Include& include : NamesIn(*static_cast<const TAPSyntaxe*>(table.trees.values[i]), path))
             if (table.SearchHeaderFile(path.c_str(), include.name.c_str()).IsNull() != 0)
                 missing.push_back({path, include.place, std::move(include.name)});
     }

@@ -34,7 +34,8 @@ struct MissingHeader {
     std::string name;
 };
 
-// Those of all files of the table, by file and place.
+int CountMissingHeaders(const TAPSymbolTable& table);
+// Those of all files of the table, by file and place. The texts are read again for the places.
 std::vector<MissingHeader> MissingHeaders(const TAPSymbolTable& table);
 
 IncludeGraph FollowIncludes(const TAPSymbolTable& table, const std::string& path);

@@ -74,13 +74,13 @@ std::vector<std::string> FilesOf(const std::vector<Input>& inputs) {
 }
 
 void TellMissing(const Request& request, const Session& session, Result& result) {
-    const std::vector<MissingHeader> missing = MissingHeaders(session.Table());
     if (request.missingOnly)
-        for (const MissingHeader& header : missing)
+        for (const MissingHeader& header : MissingHeaders(session.Table()))
             AppendMessage(result.err, session.Shown(header.file), header.place, "warning",
                           fmt::format("header {} not found", header.name), request.colorErrors);
-    if (!missing.empty() && !request.quiet)
-        result.err += fmt::format("ostraka: {} includes not found{}\n", missing.size(),
+    if (request.quiet) return;
+    if (const int count = CountMissingHeaders(session.Table()); count > 0)
+        result.err += fmt::format("ostraka: {} includes not found{}\n", count,
                                   request.missingOnly ? "" : ", see --missing");
 }
 
