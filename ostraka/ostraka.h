@@ -12,6 +12,11 @@
 #include <ostraka/foundation/TARefCounter.h>
 #include <ostraka/foundation/TextHelpers.h>
 #include <ostraka/foundation/TypedLists.h>
+#include <ostraka/memreport/Call.h>
+#include <ostraka/memreport/Error.h>
+#include <ostraka/memreport/Stack.h>
+#include <ostraka/memreport/StackMask.h>
+#include <ostraka/memreport/TAPIndexContainer.h>
 #include <ostraka/objects/TAPAttr.h>
 #include <ostraka/objects/TAPObject.h>
 #include <ostraka/symbols/TAPDefClass.h>
@@ -27,3 +32,5 @@
 #include <ostraka/syntax/TAPSyntaxe.h>
 #include <ostraka/syntax/TAPSyntaxePath.h>
 #include <ostraka/syntax/TAPSyntaxePoint.h>
+#include <ostraka/workspace/FrameworkListing.h>
+#include <ostraka/workspace/FrameworkResponsibility.h>

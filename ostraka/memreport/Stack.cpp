@@ -1,0 +1,148 @@
+#include <ostraka/memreport/Stack.h>
+
+#include <algorithm>
+#include <cstring>
+#include <ostraka/foundation/Fatal.h>
+#include <ostraka/memreport/CallText.h>
+#include <ostraka/memreport/TAPIndexContainer.h>
+#include <string_view>
+
+namespace {
+
+constexpr int most = 20;
+
+struct Key {
+    std::intptr_t words[most];
+
+    Key(Call* const* calls, int n) { ConvertStackFromCharToBit(words, calls, n); }
+};
+
+bool holds(const TAIndex* table, std::string_view text) {
+    if (table == nullptr || table->size == 0) return false;
+    return table->IsIn(text.data(), static_cast<int>(text.size())) >= 0;
+}
+
+// Whom a call charges, or null.
+const char* chargedBy(const Call& call, const TAIndex* ignoredResponsibles, const TAIndex* ignoredCalls) {
+    if (call.GetFwResponsible() == nullptr) return nullptr;
+    const char* responsible = call.GetResponsible();
+    if (responsible == nullptr || holds(ignoredResponsibles, responsible)) return nullptr;
+    const bool skipped = ignoredCalls != nullptr && ignoredCalls->size > 0 &&
+                         holds(ignoredCalls, ostraka::detail::ShortCallOf(call.GetCall()));
+    return skipped ? nullptr : call.GetFwResponsible();
+}
+
+} // namespace
+
+int ConvertStackFromCharToBit(std::intptr_t* key, Call* const* calls, int n) {
+    std::fill_n(key, most, 0);
+    for (int i = 0; i < std::min(n, most); ++i) key[i] = reinterpret_cast<std::intptr_t>(calls[i]->GetCall());
+    return 0;
+}
+
+int ConvertStackFromCharToBit(int* key, Call* const* calls, int n) {
+    const Key made(calls, n);
+    std::memcpy(key, made.words, sizeof made.words);
+    return 0;
+}
+
+int Stack::globalId = 0;
+
+Stack::Stack(const char* text, Call* const* callsGiven, int n, TAIndexStack* index,
+             TAIndex* ignoredResponsibles, TAIndex* ignoredCalls, NUBListValNUBString* jumpStrings,
+             int start) {
+    takeCalls(callsGiven, n);
+    const int before = index->size;
+    stack = index->Append(text, this, 0);
+    takeId(index->size > before ? this : (*index)[text]);
+    BuildResponsible(ignoredResponsibles, ignoredCalls, jumpStrings, start);
+}
+
+Stack::Stack(const char*, Call* const* callsGiven, int n, TAIndexBStack* index, TAIndex* ignoredResponsibles,
+             TAIndex* ignoredCalls, NUBListValNUBString* jumpStrings, int start) {
+    takeCalls(callsGiven, n);
+    const Key key(calls, size);
+    const int before = index->size;
+    bitStack = static_cast<const int*>(index->Append(key.words, this));
+    takeId(index->size > before ? this : (*index)[key.words]);
+    BuildResponsible(ignoredResponsibles, ignoredCalls, jumpStrings, start);
+}
+
+void Stack::takeCalls(Call* const* callsGiven, int n) {
+    size = std::clamp(n, 0, most);
+    toExtend = std::max(n, 0);
+    std::copy_n(callsGiven, size, calls);
+}
+
+void Stack::takeId(const void* named) {
+    if (named == this)
+        id = ++globalId;
+    else if (named != nullptr)
+        id = static_cast<const Stack*>(named)->id;
+}
+
+// A call that has been found settles the matter, so that the search ends there.
+int Stack::BuildResponsible(const TAIndex* ignoredResponsibles, const TAIndex* ignoredCalls,
+                            const NUBListValNUBString*, int start) {
+    const int first = std::max(start, 0);
+    for (int i = first; i < size; ++i) {
+        const char* framework = chargedBy(*calls[i], ignoredResponsibles, ignoredCalls);
+        if (framework == nullptr) continue;
+        fwResponsible = framework;
+        return 0;
+    }
+    return first <= size && fwResponsible == nullptr;
+}
+
+int Stack::Resize(int first, int last, TAIndexB* index, TAIndex* ignoredResponsibles, TAIndex* ignoredCalls,
+                  NUBListValNUBString* jumpStrings) {
+    if (bitStack == nullptr || first < 0 || last >= size || last < first - 1) return 1;
+    const Key former(calls, size);
+    size = last - first + 1;
+    std::copy_n(calls + first, size, calls);
+    const Key present(calls, size);
+
+    const int position = index->IsIn(former.words);
+    FATAL(position < 0, "Trying to resize a stack not in index !?!?!?!");
+    index->RemovePosition(position);
+    bitStack = static_cast<const int*>(index->Append(present.words, this));
+    BuildResponsible(ignoredResponsibles, ignoredCalls, jumpStrings, -2);
+    return 0;
+}
+
+NUBString Stack::GetStack(int) const {
+    if (stack != nullptr) return stack;
+    NUBString text;
+    if (bitStack == nullptr) return text;
+    const void* key = bitStack;
+    const auto* words = static_cast<const std::intptr_t*>(key);
+    for (int i = 0; i < most && words[i] != 0; ++i) {
+        if (i > 0) text += "!";
+        text += reinterpret_cast<const char*>(words[i]);
+    }
+    return text;
+}
+
+const char* Stack::GetResponsible() const {
+    if (fwResponsible == nullptr) return nullptr;
+    return static_cast<const char*>(TAPIndexContainer::respForFwIndex[fwResponsible]);
+}
+
+Call* Stack::GetFirstKetchCall() const {
+    Call* const* past = calls + size;
+    Call* const* found =
+        std::find_if(calls, past, [](const Call* call) { return call->GetFwResponsible() != nullptr; });
+    return found != past ? *found : nullptr;
+}
+
+int Stack::HasCall(const Call* call) const {
+    int i = size - 1;
+    while (i >= 0 && !calls[i]->IsEqual(call)) --i;
+    return i;
+}
+
+int Stack::SetId(int newId) {
+    id = newId;
+    if (globalId <= newId) globalId = newId + 1;
+    return 0;
+}
