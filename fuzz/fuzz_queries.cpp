@@ -142,6 +142,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Questions questions(*table);
         questions.AskAll();
         CHECK(Records(*table).text == records);
+        table->UnLoadFile(table->sources.keys[0]); // a header, if there is any
+        Questions(*table).AskAll();
+        questions.AskClasses();
         files.Shift();
         table->UnLoadAllFiles();
         questions.AskClasses();

@@ -141,7 +141,7 @@ bool differ(const List& left, const List& right) {
 union NeverDestroyed {
     TAPAttr attr;
     constexpr NeverDestroyed() : attr() {}
-    ~NeverDestroyed() {}
+    ~NeverDestroyed() {} // NOLINT(modernize-use-equals-default): the default one is deleted
 };
 
 constinit NeverDestroyed null;

@@ -68,7 +68,7 @@ int TAPObject::RemoveAttribute(const char* name) {
     return 0;
 }
 
-int TAPObject::AppendToAttribute(const char* name, TAPAttr value) {
+int TAPObject::AppendToAttribute(const char* name, const TAPAttr& value) {
     if (find(name) == nullptr) SetAttribute(name, NUBListValTAPAttr());
     TAPAttr& attr = *find(name);
     switch (attr.type) {

@@ -45,6 +45,9 @@ public:
 
 private:
     struct Row;
+
+    TAPPath(Row* ownRow, int ofSize);
+
     Row* row;
 };
 
@@ -73,7 +76,7 @@ public:
     // Adds to the end of a list, to the end of a text or to a number, which wraps around; a missing attribute
     // is an empty list. A text takes only texts and a number only numbers, FATAL otherwise. 0, or 1 when the
     // attribute is of another kind, which then stays as it is.
-    int AppendToAttribute(const char* name, TAPAttr value);
+    int AppendToAttribute(const char* name, const TAPAttr& value);
 
     // The table itself. The attributes and their names are good until they are removed.
     TAIndex& GetAttributeList() { return attributes; }

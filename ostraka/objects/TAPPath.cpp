@@ -43,18 +43,18 @@ struct TAPPath::Row {
         held.back()->Release();
         held.pop_back();
     }
-    bool canGoOn(int size) const {
-        return size >= longPath && held.size() == static_cast<std::size_t>(size) &&
+    bool canGoOn(int end) const {
+        return end >= longPath && held.size() == static_cast<std::size_t>(end) &&
                held.size() < held.capacity();
     }
 };
 
 TAPPath::TAPPath(TAPName* name) : TAPPath(nullptr, name) {}
 
+TAPPath::TAPPath(Row* ownRow, int ofSize) : size(ofSize), names(ownRow->held.data()), row(ownRow) {}
+
 TAPPath::TAPPath(const TAPPath& other)
-    : TARefCounter(), size(other.size), row(new Row(&other, static_cast<std::size_t>(size))) {
-    names = row->held.data();
-}
+    : TAPPath(new Row(&other, static_cast<std::size_t>(other.size)), other.size) {}
 
 TAPPath::TAPPath(const TAPPath* parent, TAPName* name) : size(parent != nullptr ? parent->size + 1 : 1) {
     if (parent != nullptr && parent->row->canGoOn(parent->size)) {
