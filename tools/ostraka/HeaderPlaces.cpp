@@ -44,7 +44,7 @@ public:
 
     // What is shown to all is known by its base name.
     void AddShown(HeaderRule rule, std::span<const Directory> directories, const std::string& name) {
-        if (name.find('/') != name.npos) return;
+        if (name.find('/') != std::string::npos) return;
         for (const NUBString& root : table.concatenation)
             for (const Directory& directory : directories)
                 Add(rule, std::string(root.View()), fmt::format("{}/*", root.View()), directory, name);
@@ -76,7 +76,7 @@ std::vector<HeaderPlace> PlacesOf(const TAPSymbolTable& table, const std::string
     std::vector<HeaderPlace> places;
     Search search(table, places);
     if (name.ends_with(".h") || name.ends_with(".idl")) search.AddShown(HeaderRule::Exported, exported, name);
-    if (const std::size_t ending = name.find(".h"); ending != name.npos)
+    if (const std::size_t ending = name.find(".h"); ending != std::string::npos)
         search.AddShown(HeaderRule::Twin, exported, name.substr(0, ending) + ".idl");
     if (name.ends_with(".h")) search.AddShown(HeaderRule::Generated, generated, name);
     search.AddAround(from, name);

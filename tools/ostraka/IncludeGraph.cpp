@@ -19,12 +19,12 @@ constexpr const char* blanks = " \t";
 std::string_view IncludedName(std::string_view line) {
     constexpr std::string_view word = "include";
     const std::size_t mark = line.find_first_not_of(blanks);
-    if (mark == line.npos || line[mark] != '#') return {};
+    if (mark == std::string::npos || line[mark] != '#') return {};
     const std::size_t begin = line.find_first_not_of(blanks, mark + 1);
-    if (begin == line.npos || !line.substr(begin).starts_with(word)) return {};
+    if (begin == std::string::npos || !line.substr(begin).starts_with(word)) return {};
     const std::size_t open = line.find_first_of("\"<", begin + word.size());
-    const std::size_t close = open == line.npos ? open : line.find_first_of("\">", open + 1);
-    return close == line.npos ? std::string_view() : line.substr(open + 1, close - open - 1);
+    const std::size_t close = open == std::string::npos ? open : line.find_first_of("\">", open + 1);
+    return close == std::string::npos ? std::string_view() : line.substr(open + 1, close - open - 1);
 }
 
 // The library keeps the names of the includes and not their places, which the text gives.
@@ -55,6 +55,7 @@ std::vector<Include> NamesIn(const TAPSyntaxe& root, const std::string& path) {
     std::vector<Include> includes;
     const auto places = PlacesOfIncludes(path);
     const TAIndex& names = root.GetTAPSourceFile()->includes;
+    includes.reserve(static_cast<std::size_t>(names.size));
     for (int i = 0; i < names.size; ++i) includes.push_back({names.keys[i], -1, std::nullopt});
     for (Include& include : includes)
         if (const auto found = places.find(include.name); found != places.end())

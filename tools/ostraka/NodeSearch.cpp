@@ -62,7 +62,7 @@ TAPSyntaxe* ChildAt(const TAPSyntaxe& node, int pos) {
 // Takes ":NUMBER" off the end.
 std::optional<int> TakeNumber(std::string& words) {
     const std::size_t colon = words.rfind(':');
-    if (colon == words.npos || colon == 0) return std::nullopt;
+    if (colon == std::string::npos || colon == 0) return std::nullopt;
     int number = 0;
     const char* past = words.data() + words.size();
     const auto [end, error] = std::from_chars(words.data() + colon + 1, past, number);

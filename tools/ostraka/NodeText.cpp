@@ -69,7 +69,7 @@ std::string_view TextOf(const TAPSyntaxe& node) {
 std::string_view TrimmedTextOf(const TAPSyntaxe& node) {
     const std::string_view text = TextOf(node);
     const std::size_t begin = text.find_first_not_of(' ');
-    if (begin == text.npos) return {};
+    if (begin == std::string::npos) return {};
     return text.substr(begin, text.find_last_not_of(' ') - begin + 1);
 }
 
