@@ -90,10 +90,11 @@ int TAPSymbolTable::ReceiveCallback(TACallbackPublisher* publisher, int event, v
 int TAPSymbolTable::LightLoadFile(const NUBString& name) {
     const char* path = name.CastToCharPtr();
     FATAL(trees.IsIn(path) >= 0, "Internal error in TAPSymbolTable::LightLoadFile, file already loaded");
-    auto* file = new TAPSourceFile(path);
-    const bool failed = file->Process(macros) != 0;
-    if (failed || file->GetStream() == nullptr) {
-        errMsg = failed ? file->GetErrMsg() : NUBString(lightLoadProblem);
+    auto* buffer = new TAFileBuffer(path, 0);
+    const bool unreadable = buffer->GetBuffer() == nullptr;
+    auto* file = new TAPSourceFile(buffer);
+    if (unreadable || file->Process(macros) != 0) {
+        errMsg = unreadable ? NUBString(lightLoadProblem) : file->GetErrMsg();
         file->Release();
         return 2;
     }

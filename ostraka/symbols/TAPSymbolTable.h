@@ -69,8 +69,8 @@ public:
     int LoadIdlFile(const char* name, int full);
     int LoadIdlFile(TAFileBuffer* buffer, int full);
 
-    // Makes the tree of a file and nothing else. 1 on success; 2 if the file has no content or couldn't be
-    // normalised, 3 if the tree couldn't be built. A file that has a tree ends in FATAL.
+    // Makes the tree of a file and nothing else. 1 on success; 2 if the file can't be read or normalised, 3
+    // if the tree couldn't be built. A file that has a tree ends in FATAL.
     int LightLoadFile(const NUBString& name);
 
     // Drops the record, the classes and the tree of a file; names of types and macros stay. 0, or 1 if there

@@ -256,9 +256,9 @@ int DeclarationWalk::LooseOther(TAPSyntaxe& node, const char*) {
     return TextOf(node).empty() ? noSign : result;
 }
 
-// What is empty is no type, so that an assignment through a pointer isn't taken for a declaration.
+// A missing operand is no type, so that an assignment through a pointer isn't taken for a declaration.
 int DeclarationWalk::StrictOther(TAPSyntaxe& node, const char*) {
-    if (node.GetType() == STYPE_NULL || TextOf(node).empty()) return noDeclaration;
+    if (node.GetType() == STYPE_NULL) return noDeclaration;
     if (node.ChildCount() == 0) return variable;
     if (Strict(node.Child(1)) == noDeclaration) return noDeclaration;
     for (int i = 2; i <= node.ChildCount(); ++i) Loose(node.Child(i));
