@@ -81,7 +81,7 @@ void PrintClassLine(const Request& request, const Session& session, const TAPDef
                     std::string& out) {
     fmt::format_to(std::back_inserter(out), "{}: {} {}", PlaceText(request, session, record.path),
                    Colored(request, colorClass, KindOf(record)), record.name);
-    if (record.parent != nullptr) fmt::format_to(std::back_inserter(out), " : {}", record.parent);
+    if (*BaseOf(record) != 0) fmt::format_to(std::back_inserter(out), " : {}", record.parent);
     fmt::format_to(std::back_inserter(out), "  [{}]\n", FrameworkOf(record));
 }
 
