@@ -13,6 +13,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
+#include "Manual.h"
 #include "Nearest.h"
 #include "NodeSearch.h"
 #include "TableVerbs.h"
@@ -358,6 +359,14 @@ std::vector<std::string> Words(int argc, char** argv) {
     return words;
 }
 
+// What is installed beside the program is made by it: --generate man, bash, zsh or fish.
+int PrintManual(CLI::App& app, const std::vector<std::string>& words) {
+    const auto manual = RenderManual(app, words.size() == 2 ? words[1] : "");
+    if (!manual) return FailUsage("--generate takes man, bash, zsh or fish");
+    std::fputs(manual->c_str(), stdout);
+    return ExitDone;
+}
+
 } // namespace
 
 std::optional<int> ParseCommandLine(int argc, char** argv, Request& request) {
@@ -369,6 +378,7 @@ std::optional<int> ParseCommandLine(int argc, char** argv, Request& request) {
 
     std::vector<std::string> words = Words(argc, argv);
     if (words.empty()) return FailUsage("a verb is missing");
+    if (words.front() == "--generate") return PrintManual(app, words);
     const std::vector<std::string> names = VerbNames();
     if (!words.front().starts_with('-') &&
         std::find(names.begin(), names.end(), words.front()) == names.end())
