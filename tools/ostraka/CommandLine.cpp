@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
-#include <numeric>
 #include <span>
 #include <string_view>
 
@@ -16,6 +15,8 @@
 #include "Manual.h"
 #include "Nearest.h"
 #include "NodeSearch.h"
+#include "OptionChoice.h"
+#include "ReportOptions.h"
 #include "TableVerbs.h"
 
 namespace ostraka::tool {
@@ -87,6 +88,25 @@ constexpr VerbInfo verbs[] = {
      "Write a tags file that editors take",
      {"ostraka tags -w harbour:coast", "ostraka tags -w harbour:coast harbour/Ships",
       "ostraka tags harbour/Berths/PublicInterfaces"}},
+    {Verb::Triage,
+     "triage",
+     "Add up memory reports: equal stacks once, the framework and the owner charged, what is new",
+     {"ostraka triage --owners ownership/frameworks.txt reports/nightly.txt",
+      "ostraka triage --owners ownership/frameworks.txt --by owner,type reports/nightly.txt",
+      "ostraka triage --ignore-calls reports/ignored_calls.txt --filter reports/known.txt --explain "
+      "reports/nightly.txt"}},
+    {Verb::Mask,
+     "mask",
+     "Tell which stacks of memory reports a mask matches, and which call each of its elements took",
+     {"ostraka mask @!Berth::Berth(@!@@!main@ reports/nightly.txt",
+      "ostraka mask --format json @!Ship::Accept(@ reports/nightly.txt",
+      "ostraka mask --masks reports/known.txt reports/nightly.txt"}},
+    {Verb::Frameworks,
+     "frameworks",
+     "List code and test frameworks, with their owners; tell those without, and owners of nothing",
+     {"ostraka frameworks harbour:coast",
+      "ostraka frameworks --owners ownership/frameworks.txt --people ownership/people.txt harbour:coast",
+      "ostraka frameworks --format jsonl harbour"}},
 };
 
 constexpr const char* classKinds[] = {"plain", "interface", "component"};
@@ -133,43 +153,14 @@ std::vector<int> ParseNode(const std::string& text) {
     return path;
 }
 
-template <class Enum>
-struct Choice {
-    const char* name;
-    Enum value;
-};
-
 constexpr Choice<Format> streamFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}};
 constexpr Choice<Format> treeFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}, {"dump", Format::Dump}};
 constexpr Choice<Format> questionFormats[] = {{"text", Format::Text}, {"json", Format::Json}};
-constexpr Choice<Format> listFormats[] = {
-    {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}};
 constexpr Choice<Format> tagsFormats[] = {{"ctags", Format::Tags}};
 constexpr Choice<Format> graphFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}};
-constexpr Choice<ColorMode> colorModes[] = {
-    {"auto", ColorMode::Auto}, {"always", ColorMode::Always}, {"never", ColorMode::Never}};
-
-// An option that takes one of a few words.
-template <class Enum>
-void AddChoice(CLI::App& app, const char* option, Enum& value, std::span<const Choice<Enum>> choices,
-               const char* description) {
-    std::vector<std::string> names;
-    for (const Choice<Enum>& choice : choices) names.push_back(choice.name);
-    const auto take = [=, &value](const std::string& word) {
-        const auto* choice = std::find_if(choices.data(), choices.data() + choices.size(),
-                                          [&](const Choice<Enum>& known) { return known.name == word; });
-        if (choice == choices.data() + choices.size())
-            throw CLI::ValidationError(
-                fmt::format("{} doesn't take '{}'{}", option, word, Hint(word, names)));
-        value = choice->value;
-    };
-    app.add_option_function<std::string>(option, take, description)
-        ->type_name(fmt::format("{}", fmt::join(names, "|")));
-}
-
 void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
     app.add_option("FILE", request.paths, "Files, folders to walk, or - for standard input")->type_name("");
     app.add_option("--files-from", request.filesFrom, "Take the files that LIST names, one a line")
@@ -299,6 +290,9 @@ CLI::App* AddVerb(CLI::App& app, const VerbInfo& info, Request& request) {
     case Verb::Show: AddShowOptions(*verb, request); break;
     case Verb::Hierarchy: AddHierarchyOptions(*verb, request); break;
     case Verb::Tags: AddTableOptions(*verb, request, tagsFormats); break;
+    case Verb::Triage: AddTriageOptions(*verb, request); break;
+    case Verb::Mask: AddMaskOptions(*verb, request); break;
+    case Verb::Frameworks: AddFrameworksOptions(*verb, request); break;
     }
     return verb;
 }
@@ -321,7 +315,7 @@ void TakeFileForClass(Request& request) {
 
 // Those take all of the workspaces.
 bool MayNameNoFiles(const Request& request) {
-    return IsTableVerb(request) && request.verb != Verb::Outline;
+    return request.verb == Verb::Frameworks || (IsTableVerb(request) && request.verb != Verb::Outline);
 }
 
 std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request& request) {
@@ -333,6 +327,8 @@ std::optional<int> Finish(const CLI::App& chosen, const VerbInfo& info, Request&
     }
     request.verb = info.verb;
     TakeFileForClass(request);
+    if (info.verb == Verb::Mask && !TakeMask(request))
+        return FailUsage("mask needs a mask, or a file with --masks");
     if (!MayNameNoFiles(request) && request.paths.empty() && request.filesFrom.empty() &&
         request.compileCommands.empty())
         return FailUsage(fmt::format("{} needs a file, a folder or a list of files", info.name));

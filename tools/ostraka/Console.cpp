@@ -62,13 +62,13 @@ void Console::Flush() {
     pending.clear();
 }
 
-void Console::ShowProgress(std::size_t done, std::size_t all) {
+void Console::ShowProgress(std::size_t done, std::size_t all, std::string_view unit) {
     if (!progressWanted) return;
     const Clock::time_point now = Clock::now();
     if (done == all) return ClearProgress();
     if (now < nextProgress) return;
     nextProgress = now + progressPause;
-    const std::string line = fmt::format("\r\x1b[K{} of {} files", done, all);
+    const std::string line = fmt::format("\r\x1b[K{} of {} {}", done, all, unit);
     WriteAll(STDERR_FILENO, line.data(), line.size());
     progressShown = true;
 }

@@ -25,7 +25,7 @@ public:
     void Flush();
 
     // Shows how far the run is: on a terminal only, after a second, and at most ten times a second.
-    void ShowProgress(std::size_t done, std::size_t all);
+    void ShowProgress(std::size_t done, std::size_t all, std::string_view unit = "files");
 
 private:
     using Clock = std::chrono::steady_clock;

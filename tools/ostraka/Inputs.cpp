@@ -32,7 +32,8 @@ bool IsHidden(const fs::path& path) {
 }
 
 // Puts what one folder holds where it belongs.
-void ListFolder(const fs::path& folder, std::vector<fs::path>& folders, std::vector<Input>& found) {
+void ListFolder(const fs::path& folder, FileFilter wanted, std::vector<fs::path>& folders,
+                std::vector<Input>& found) {
     std::error_code error;
     fs::directory_iterator entry(folder, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
@@ -40,36 +41,37 @@ void ListFolder(const fs::path& folder, std::vector<fs::path>& folders, std::vec
         std::error_code ignored; // what can't be told from outside is no source
         if (IsHidden(path)) continue;
         if (entry->is_directory(ignored) && !entry->is_symlink(ignored)) folders.push_back(path);
-        if (entry->is_regular_file(ignored) && IsSource(path)) found.push_back({path.string(), ""});
+        if (entry->is_regular_file(ignored) && wanted(path)) found.push_back({path.string(), ""});
     }
     if (error) found.push_back({folder.string(), error.message()});
 }
 
-void AddFolder(const std::string& top, std::vector<Input>& inputs) {
+void AddFolder(const std::string& top, FileFilter wanted, std::vector<Input>& inputs) {
     std::vector<Input> found;
     std::vector<fs::path> folders = {top};
     while (!folders.empty()) {
         const fs::path folder = folders.back();
         folders.pop_back();
-        ListFolder(folder, folders, found);
+        ListFolder(folder, wanted, folders, found);
     }
     std::sort(found.begin(), found.end(), [](const Input& a, const Input& b) { return a.path < b.path; });
-    if (found.empty()) found.push_back({top, "holds no source files"});
+    if (found.empty())
+        found.push_back({top, wanted == IsSource ? "holds no source files" : "holds no files"});
     inputs.insert(inputs.end(), found.begin(), found.end());
 }
 
-void AddPath(const std::string& path, std::vector<Input>& inputs) {
+void AddPath(const std::string& path, FileFilter wanted, std::vector<Input>& inputs) {
     std::error_code ignored; // whoever reads the file tells what is wrong
-    if (fs::is_directory(path, ignored)) return AddFolder(path, inputs);
+    if (fs::is_directory(path, ignored)) return AddFolder(path, wanted, inputs);
     inputs.push_back({path, ""});
 }
 
 // One path a line; or each ended by a NUL, as `find -print0` writes them.
-void AddList(const std::string& text, std::vector<Input>& inputs) {
+void AddList(const std::string& text, FileFilter wanted, std::vector<Input>& inputs) {
     const char separator = text.find('\0') == text.npos ? '\n' : '\0';
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t past = std::min(text.find(separator, begin), text.size());
-        if (past > begin) AddPath(text.substr(begin, past - begin), inputs);
+        if (past > begin) AddPath(text.substr(begin, past - begin), wanted, inputs);
         begin = past + 1;
     }
 }
@@ -104,10 +106,15 @@ bool ReadList(const std::string& path, std::string& text, std::vector<Input>& in
 } // namespace
 
 std::vector<Input> CollectInputs(const Request& request) {
+    return CollectInputs(request, IsSource);
+}
+
+std::vector<Input> CollectInputs(const Request& request, FileFilter wanted) {
     std::vector<Input> inputs;
     std::string text;
-    for (const std::string& path : request.paths) AddPath(path, inputs);
-    if (!request.filesFrom.empty() && ReadList(request.filesFrom, text, inputs)) AddList(text, inputs);
+    for (const std::string& path : request.paths) AddPath(path, wanted, inputs);
+    if (!request.filesFrom.empty() && ReadList(request.filesFrom, text, inputs))
+        AddList(text, wanted, inputs);
     if (!request.compileCommands.empty() && ReadList(request.compileCommands, text, inputs))
         AddCompileCommands(request.compileCommands, text, inputs);
     return inputs;

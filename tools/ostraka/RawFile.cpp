@@ -7,6 +7,7 @@
 #include <optional>
 #include <system_error>
 
+#include <fcntl.h>
 #include <gneiss/qxErrorCodeManager.h>
 #include <gneiss/qxMMap.h>
 #include <ostraka/foundation/TAFileBuffer.h>
@@ -38,24 +39,37 @@ std::unique_ptr<TAFileBuffer> NamedBuffer(const std::string& path, std::string_v
     return buffer;
 }
 
+const char* NameToOpen(const std::string& path) {
+    return path == "-" ? "/dev/stdin" : path.c_str();
+}
+
+bool MayRead(const std::string& path, std::string& problem) {
+    struct stat status {};
+    if (stat(NameToOpen(path), &status) != 0) {
+        problem = std::generic_category().message(errno);
+        return false;
+    }
+    const char* reason = ReasonNotToRead(status, path == "-");
+    if (reason != nullptr) problem = reason;
+    return reason == nullptr;
+}
+
 } // namespace
+
+int OpenToRead(const std::string& path, std::string& problem) {
+    if (!MayRead(path, problem)) return -1;
+    const int descriptor = open(NameToOpen(path), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) problem = std::generic_category().message(errno);
+    return descriptor;
+}
 
 std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& problem) {
     const bool standardInput = path == "-";
     if (standardInput && standardInputText) return NamedBuffer(path, *standardInputText);
-    const char* opened = standardInput ? "/dev/stdin" : path.c_str();
-    struct stat status {};
-    if (stat(opened, &status) != 0) {
-        problem = std::generic_category().message(errno);
-        return nullptr;
-    }
-    if (const char* reason = ReasonNotToRead(status, standardInput)) {
-        problem = reason;
-        return nullptr;
-    }
+    if (!MayRead(path, problem)) return nullptr;
     auto buffer = std::make_unique<TAFileBuffer>(path.c_str(), 0);
     buffer->loaded = 1;
-    if (qxMMap(opened, padding, buffer->buffer, buffer->size, '\n') == 0) {
+    if (qxMMap(NameToOpen(path), padding, buffer->buffer, buffer->size, '\n') == 0) {
         if (standardInput) standardInputText.emplace(buffer->buffer, buffer->size);
         return buffer;
     }

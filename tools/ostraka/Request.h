@@ -5,10 +5,26 @@
 #include <string>
 #include <vector>
 
+#include "ReportRequest.h"
+
 namespace ostraka::tool {
 
-enum class Verb { Stream, Tree, At, Header, Includes, Outline, Classes, Show, Hierarchy, Tags };
-enum class Format { Text, Json, JsonLines, Dump, Dot, Tags };
+enum class Verb {
+    Stream,
+    Tree,
+    At,
+    Header,
+    Includes,
+    Outline,
+    Classes,
+    Show,
+    Hierarchy,
+    Tags,
+    Triage,
+    Mask,
+    Frameworks
+};
+enum class Format { Text, Json, JsonLines, Dump, Dot, Tags, Sarif };
 enum class ColorMode { Auto, Always, Never };
 
 // A path as the user gave it or as a folder held it. What is known to be unreadable before it is opened, as
@@ -52,6 +68,8 @@ struct Request {
     std::vector<std::string> kinds;
     std::string derivedFrom;
     int limit = 500;
+
+    ReportRequest report; // triage, mask, frameworks
 
     // Set once the files are known.
     bool severalFiles = false;

@@ -87,6 +87,10 @@ void AppendJson(std::string& out, std::string_view text) {
     out += '"';
 }
 
+std::string Counted(std::int64_t number, std::string_view thing) {
+    return fmt::format("{} {}{}", number, thing, number == 1 ? "" : "s");
+}
+
 void AppendMessage(std::string& out, std::string_view path, const std::optional<Place>& place,
                    std::string_view severity, std::string_view cause, bool color) {
     out += ShownPath(path);

@@ -3,6 +3,7 @@
 // How text, places and messages look in every output. The functions called Append add to the text they are
 // given.
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -42,6 +43,9 @@ void AppendEscaped(std::string& out, std::string_view text);
 
 // A JSON string. Bytes that aren't UTF-8 become the replacement character.
 void AppendJson(std::string& out, std::string_view text);
+
+// "1 block", "2 blocks"
+std::string Counted(std::int64_t number, std::string_view thing);
 
 // "file:line:col: error: cause" as one line.
 void AppendMessage(std::string& out, std::string_view path, const std::optional<Place>& place,

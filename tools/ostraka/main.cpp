@@ -9,6 +9,7 @@
 #include "Console.h"
 #include "Inputs.h"
 #include "Jobs.h"
+#include "ReportVerbs.h"
 #include "TableVerbs.h"
 
 using namespace ostraka::tool;
@@ -32,21 +33,29 @@ void TellFailed(const Request& request, const Result& total, std::size_t files, 
         console.Err(fmt::format("ostraka: {} of {} files failed\n", total.failed, files));
 }
 
-int Run(Request& request) {
+int RunOnFiles(Request& request, Console& console) {
     if (IsTableVerb(request)) {
-        Console console(request.quiet);
         const Result total = RunTableVerb(request, console);
         TellFailed(request, total, static_cast<std::size_t>(total.headers), console);
         return ExitCode(total);
     }
     const std::vector<Input> inputs = IsQuestion(request) ? Questions(request) : CollectInputs(request);
     request.severalFiles = inputs.size() > 1;
-    Console console(request.quiet);
     console.Out(Prologue(request));
     const Result total = RunAll(request, inputs, console);
     console.Out(Epilogue(request));
     TellFailed(request, total, inputs.size() + static_cast<std::size_t>(total.headers), console);
     return ExitCode(total);
+}
+
+int Run(Request& request) {
+    Console console(request.quiet);
+    switch (request.verb) {
+    case Verb::Triage: return RunTriage(request, console);
+    case Verb::Mask: return RunMask(request, console);
+    case Verb::Frameworks: return RunFrameworks(request, console);
+    default: return RunOnFiles(request, console);
+    }
 }
 
 } // namespace

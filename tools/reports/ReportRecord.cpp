@@ -124,7 +124,7 @@ void ReportRecord::Clear() {
     leak = false;
     bytes = 0;
     count = 1;
-    unique = 0;
+    unique = noNumber;
     line = 0;
     calls.Clear();
 }

@@ -46,14 +46,16 @@ private:
 std::string CallText(std::string_view written);
 std::string ShownCall(std::string_view callText);
 
+constexpr std::uint64_t noNumber = ~std::uint64_t{0};
+
 struct ReportRecord {
     std::string type; // a three-letter code, or the kind where no code says it
     std::string kind; // the report's own word
     bool leak = false;
-    std::int64_t bytes = 0;   // of a leak
-    std::int64_t count = 1;   // blocks of a leak, else how often it happened
-    std::uint64_t unique = 0; // the number under which the report may count it again
-    int line = 0;             // where in the report it begins, from 1
+    std::int64_t bytes = 0;          // of a leak
+    std::int64_t count = 1;          // blocks of a leak, else how often it happened
+    std::uint64_t unique = noNumber; // under which the report may count it again
+    int line = 0;                    // where in the report it begins, from 1
     CallTexts calls;
 
     void Clear();

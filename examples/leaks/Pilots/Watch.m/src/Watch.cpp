@@ -1,0 +1,5 @@
+#include "Watch.h"
+
+void Watch::Note(const std::string& line) {
+    last = new Entry{line, last};
+}

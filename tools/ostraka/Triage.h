@@ -1,0 +1,62 @@
+#pragma once
+
+// What `triage` found, ready to be shown: equal reports once, the worst first, totals, and what is new.
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include <reports/Baseline.h>
+#include <reports/ReportModel.h>
+
+#include "Console.h"
+#include "ReportInputs.h"
+#include "Request.h"
+
+namespace ostraka::tool {
+
+struct TriageItem {
+    const reports::StackGroup* group;
+    bool isNew; // of a run with a baseline
+};
+
+struct Tally {
+    std::int64_t stacks = 0;
+    std::int64_t newStacks = 0;
+    std::int64_t records = 0;
+    std::int64_t count = 0;
+    std::int64_t bytes = 0;
+
+    void Add(const TriageItem& item);
+};
+
+struct Total {
+    std::vector<std::string> keys; // in the order of the request; empty where nobody is known
+    Tally tally;
+};
+
+struct Triage {
+    const Request& request;
+    reports::ReportModel& model;
+    std::vector<ReportState> reports;
+    std::vector<TriageItem> items; // to be shown: errors first, then leaks by their bytes
+    std::vector<Total> totals;
+    Tally all;                             // without what a filter took
+    std::map<std::string, Tally> filtered; // by the type of the filter
+    std::vector<std::string> gone;         // lines of the baseline that stand for no stack any more
+
+    bool HasBaseline() const { return !request.report.baseline.empty(); }
+    // The tables that decided over the group.
+    reports::SideTables& TablesOf(const reports::StackGroup& group) const {
+        return model.Tables(group.leak ? reports::Side::Leaks : reports::Side::Errors);
+    }
+};
+
+// "owner", "framework" and so on, as the command line and JSON name it.
+const char* NameOf(TotalKey key);
+
+void PrintTriageText(const Triage& triage, Console& console);
+void PrintTriageJson(const Triage& triage, Console& console);
+void PrintTriageSarif(const Triage& triage, Console& console);
+
+} // namespace ostraka::tool

@@ -1,0 +1,195 @@
+// A stack is judged once: filters and cuts look at its calls and at nothing else. Serial numbers of stacks
+// are dense, so the judgements lie in an array.
+
+#include "ReportModel.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstdlib>
+#include <limits>
+
+namespace ostraka::reports {
+
+namespace {
+
+constexpr int stackWords = CallTexts::most;
+
+std::int64_t Sum(std::int64_t a, std::int64_t b) {
+    std::int64_t sum = 0;
+    return __builtin_add_overflow(a, b, &sum) ? std::numeric_limits<std::int64_t>::max() : sum;
+}
+
+int CountForLibrary(std::int64_t count) {
+    return static_cast<int>(std::clamp<std::int64_t>(count, 0, std::numeric_limits<int>::max()));
+}
+
+void Store(Error* error, bool leak) {
+    using Index = TAPIndexContainer;
+    Error**& list = leak ? Index::LeaksList : Index::ErrorList;
+    int& size = leak ? Index::LeaksListSize : Index::ErrorListSize;
+    int& room = leak ? Index::LeaksListMaxSize : Index::ErrorListMaxSize;
+    if (size >= room) Index::IncreaseListMaxSize(list, size, room);
+    list[size++] = error;
+}
+
+} // namespace
+
+ReportModel::ReportModel()
+    : tables{SideTables{TAPIndexContainer::ErrorLongStackIndex,
+                        TAPIndexContainer::ErrorMediumStackIndex,
+                        TAPIndexContainer::ErrorIgnoredResponsible,
+                        TAPIndexContainer::ErrorCallIgnoredResponsible,
+                        TAPIndexContainer::ErrorCallStringToJumpOver,
+                        TAPIndexContainer::ErrorCallStackFilter,
+                        {}},
+             SideTables{TAPIndexContainer::LeaksLongStackIndex,
+                        TAPIndexContainer::LeaksMediumStackIndex,
+                        TAPIndexContainer::LeaksIgnoredResponsible,
+                        TAPIndexContainer::LeaksCallIgnoredResponsible,
+                        TAPIndexContainer::LeaksCallStringToJumpOver,
+                        TAPIndexContainer::LeaksCallStackFilter,
+                        {}}} {
+    TAPIndexContainer::InitStatic();
+}
+
+std::size_t ReportModel::HashKey::operator()(const Key& key) const {
+    std::size_t hash = std::hash<const void*>()(key.stack);
+    for (const void* part : {key.filter, static_cast<const void*>(key.type.data())})
+        hash = hash * 31 + std::hash<const void*>()(part);
+    return hash;
+}
+
+void ReportModel::BeginReport(int number) {
+    report = number;
+    byUnique.clear();
+}
+
+Stack* ReportModel::InternStack(Call* const* taken, int size, TAIndexB& index, SideTables& side) {
+    std::intptr_t key[stackWords];
+    ConvertStackFromCharToBit(key, taken, size);
+    if (void* known = index[key]) return static_cast<Stack*>(known);
+    return &stacks.emplace_back(nullptr, taken, size, &index, &side.ignoredOwners, &side.ignoredCalls,
+                                &side.jumpOver, 0);
+}
+
+Stack* ReportModel::Intern(const CallTexts& texts, SideTables& side) {
+    TAIndex& index = TAPIndexContainer::LongCallIndex;
+    Call* taken[CallTexts::most];
+    for (int i = 0; i < texts.Kept(); ++i) {
+        taken[i] = static_cast<Call*>(index[texts[i]]);
+        if (taken[i] == nullptr) taken[i] = &calls.emplace_back(texts[i], &index);
+    }
+    return InternStack(taken, texts.Kept(), side.longStacks, side);
+}
+
+const ReportModel::Judged& ReportModel::Judge(Stack* stack, SideTables& side) {
+    const auto number = static_cast<std::size_t>(stack->GetId());
+    if (judged.size() <= number) judged.resize(std::max(number + 1, judged.size() * 2));
+    if (judged[number].done) return judged[number];
+    Judged verdict{true, nullptr, nullptr};
+    // The library puts the entry that was given last first.
+    for (int i = side.filter.Size(); i >= 1 && verdict.filter == nullptr; --i)
+        if (side.filter[i]->MatchMask(stack->calls, stack->GetSize()) >= 0) verdict.filter = side.filter[i];
+    int kept = stack->GetSize();
+    for (const auto& cut : side.cuts) {
+        const int past = cut->MatchMask(stack->calls, stack->GetSize());
+        if (past <= 0) continue;
+        kept = past;
+        if (past < stack->GetSize()) verdict.cut = cut.get();
+        break;
+    }
+    kept = std::min(kept, depth);
+    if (kept < stack->GetSize())
+        stack->SetMetaStack(InternStack(stack->calls, kept, side.mediumStacks, side));
+    // Interning may have made a number, but the array only grows with the stacks that are judged.
+    return judged[number] = verdict;
+}
+
+StackGroup& ReportModel::GroupOf(const ReportRecord& record, SideTables& side) {
+    Stack* stack = Intern(record.calls, side);
+    const Judged verdict = Judge(stack, side);
+    const Stack* kept = stack->GetMetaStack() ? stack->GetMetaStack() : stack;
+    const Key key{kept, verdict.filter, *words.insert(record.type).first};
+    const auto [place, isNew] = places.try_emplace(key, groups.size());
+    if (isNew) {
+        StackGroup& group = groups.emplace_back();
+        const char* framework = kept->fwResponsible;
+        group.error = &errors.emplace_back(NUBString(), NUBString(framework), record.type.c_str(), stack, 0);
+        Store(group.error, record.leak);
+        group.kind = *words.insert(record.kind).first;
+        group.filter = verdict.filter;
+        group.cut = verdict.cut;
+        group.leak = record.leak;
+        group.report = report;
+        group.line = record.line;
+    }
+    return groups[place->second];
+}
+
+void ReportModel::Take(const ReportRecord& record) {
+    StackGroup& group = GroupOf(record, Tables(record.leak ? Side::Leaks : Side::Errors));
+    const bool deep = record.calls.Told() > record.calls.Kept();
+    ++records;
+    tooDeep += deep ? 1 : 0;
+    group.tooDeep = group.tooDeep || deep;
+    group.records = Sum(group.records, 1);
+    group.count = Sum(group.count, record.count);
+    group.bytes = Sum(group.bytes, record.bytes);
+    group.error->count = CountForLibrary(group.count);
+    group.Calls()->histo = CountForLibrary(group.records);
+    if (!record.leak && record.unique != noNumber)
+        byUnique[record.unique] = static_cast<std::size_t>(&group - groups.data());
+}
+
+void ReportModel::Recount(std::uint64_t unique, std::int64_t count) {
+    const auto known = byUnique.find(unique);
+    if (known == byUnique.end() || count < 1) return;
+    StackGroup& group = groups[known->second];
+    group.count = Sum(group.count, count - 1);
+    group.error->count = CountForLibrary(group.count);
+    byUnique.erase(known);
+}
+
+CallParts PartsOf(Call& call) {
+    CallParts parts;
+    char* function = call.GetShortCall();
+    parts.function = ShownCall(function);
+    std::free(function);
+    const std::string_view text = call.GetCall();
+    const std::size_t bracket = text.find('[');
+    const std::size_t colon = text.find(':', bracket);
+    if (bracket == text.npos || colon == text.npos) return parts;
+    parts.path = text.substr(bracket + 1, colon - bracket - 1);
+    std::from_chars(text.data() + colon + 1, text.data() + text.size(), parts.line);
+    parts.line = std::max(parts.line, 0);
+    return parts;
+}
+
+std::vector<Charge> ExplainCharge(Stack& stack, const SideTables& side) {
+    std::vector<Charge> charges;
+    bool decided = false;
+    for (int i = 0; i < stack.GetSize(); ++i) {
+        Call& call = *stack.GetCall(i);
+        char* function = call.GetShortCall();
+        const char* owner = call.GetResponsible();
+        Charge charge = decided ? Charge::Behind : Charge::Charged;
+        if (side.ignoredCalls.IsIn(function) >= 0) {
+            charge = Charge::IgnoredCall;
+        } else if (owner == nullptr) {
+            charge = Charge::NoFramework;
+        } else if (side.ignoredOwners.IsIn(owner) >= 0) {
+            charge = Charge::IgnoredOwner;
+        }
+        decided = decided || charge == Charge::Charged;
+        charges.push_back(charge);
+        std::free(function);
+    }
+    return charges;
+}
+
+const char* OwnerOf(Stack& stack) {
+    const char* owner = stack.GetResponsible();
+    return owner == nullptr || std::string_view(owner) == "." ? nullptr : owner;
+}
+
+} // namespace ostraka::reports
