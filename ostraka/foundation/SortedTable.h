@@ -191,6 +191,7 @@ auto SortedTable<Order>::search(Run* run, const Sought& sought) -> Spot {
     const std::uint64_t* prefixes = run->prefixes();
     int low = firstNotBelow(prefixes, run->count, prefix);
     if (low == run->count || prefixes[low] != prefix) return {low, false};
+    __builtin_prefetch(run->values() + low); // likely to be read when the key has been compared
 
     int high = static_cast<int>(std::upper_bound(prefixes + low, prefixes + run->count, prefix) - prefixes);
     while (low < high) {

@@ -71,9 +71,16 @@ void TAIndexB::noteChange() {
 }
 
 const void* TAIndexB::Append(const void* key, void* value) {
+    return AppendOrGet(key, value);
+}
+
+const void* TAIndexB::AppendOrGet(const void* key, void*& value) {
     if (store == nullptr) store = keys.store = values.store = new WordTable;
     const Place place = tableOf(store).find(soughtOf(key, sizeofkey));
-    if (place.found) return store->keyAt(place);
+    if (place.found) {
+        value = store->valueAt(place);
+        return store->keyAt(place);
+    }
 
     increaseAllocSize();
     const std::size_t bytes = static_cast<std::size_t>(sizeofkey) * sizeof(std::intptr_t);

@@ -32,6 +32,8 @@ public:
 
     // Enters `key` and returns the held copy. The value of a key that is there already stays.
     const void* Append(const void* key, void* value);
+    // The same with one search for those who want the value too: `value` becomes the one that the key has.
+    const void* AppendOrGet(const void* key, void*& value);
 
     // The position of `key` from 0, or -1. The integer has no effect.
     int IsIn(const void* key) const;

@@ -62,9 +62,11 @@ Stack::Stack(const char*, Call* const* callsGiven, int n, TAIndexBStack* index, 
              TAIndex* ignoredCalls, NUBListValNUBString* jumpStrings, int start) {
     takeCalls(callsGiven, n);
     const Key key(calls, size);
-    const int before = index->size;
-    bitStack = static_cast<const int*>(index->Append(key.words, this));
-    takeId(index->size > before ? this : (*index)[key.words]);
+    // Read after the search for the key, which is long enough for them to arrive.
+    for (int i = 0; i < std::min(size, 2); ++i) __builtin_prefetch(calls[i]->GetCall());
+    void* named = this;
+    bitStack = static_cast<const int*>(index->AppendOrGet(key.words, named));
+    takeId(named);
     BuildResponsible(ignoredResponsibles, ignoredCalls, jumpStrings, start);
 }
 
