@@ -9,6 +9,7 @@
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "Declarations.h"
+#include "Dot.h"
 #include "Json.h"
 #include "Nearest.h"
 #include "Session.h"
@@ -338,15 +339,6 @@ void PrintBranch(const Request& request, const Session& session, Hierarchy& hier
     out += '\n';
 }
 
-std::string Quoted(std::string_view text) {
-    std::string quoted = "\"";
-    for (char c : text) {
-        if (c == '"' || c == '\\') quoted += '\\';
-        quoted += c;
-    }
-    return quoted + '"';
-}
-
 constexpr const char* ShapeOf(const TAPDefClass* record) {
     if (record == nullptr) return "shape=box, style=dotted";
     if ((record->kind & 2) != 0) return "shape=ellipse";
@@ -373,11 +365,7 @@ std::string DotOf(const Request& request, const std::vector<Branch>& branches) {
                 fmt::format_to(std::back_inserter(out), "  {} -> {} [style=dashed, arrowhead=empty];\n",
                                Quoted(record->name), Quoted(record->tied[k]->name));
     }
-    if (count < branches.size())
-        fmt::format_to(std::back_inserter(out),
-                       "  \"...\" [shape=note, label=\"{} more classes left out\"];\n",
-                       branches.size() - count);
-    return out + "}\n";
+    return out + LeftOut(branches.size() - count, "classes") + "}\n";
 }
 
 JsonValue JsonOf(const Session& session, Hierarchy& hierarchy, const Branch& branch) {

@@ -206,9 +206,16 @@ void AddHeaderOptions(CLI::App& app, Request& request) {
     app.add_option("--from", request.from, "The file that includes it")->type_name("FILE")->required();
 }
 
+void AddLimitOption(CLI::App& app, Request& request) {
+    app.add_option("--limit", request.limit, "Draw no more than N of them")
+        ->check(CLI::Range(1, 1000000).description(""))
+        ->type_name("N");
+}
+
 void AddIncludesOptions(CLI::App& app, Request& request) {
     AddQuestionOptions(app, request, "FILE", "The file to begin with", graphFormats);
     app.add_flag("--missing", request.missingOnly, "Print only those that aren't found");
+    AddLimitOption(app, request);
 }
 
 // For verbs over all files of a run, which stand in one table.
@@ -244,9 +251,7 @@ void AddHierarchyOptions(CLI::App& app, Request& request) {
     app.add_option("CLASS", request.className, "The class around which to look; all without one")
         ->type_name("");
     AddTableOptions(app, request, graphFormats);
-    app.add_option("--limit", request.limit, "Draw no more than N classes")
-        ->check(CLI::Range(1, 1000000).description(""))
-        ->type_name("N");
+    AddLimitOption(app, request);
 }
 
 void AddStreamOptions(CLI::App& app, Request& request) {

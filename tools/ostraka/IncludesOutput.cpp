@@ -1,8 +1,11 @@
+#include <algorithm>
 #include <iterator>
+#include <span>
 #include <vector>
 
 #include <fmt/format.h>
 
+#include "Dot.h"
 #include "IncludeGraph.h"
 #include "Json.h"
 #include "Session.h"
@@ -86,32 +89,25 @@ void PrintMissing(const Session& session, const IncludeGraph& graph, std::string
     });
 }
 
-std::string Quoted(std::string_view text) {
-    std::string quoted = "\"";
-    for (const char c : text) {
-        if (c == '"' || c == '\\') quoted += '\\';
-        quoted += c;
-    }
-    return quoted + '"';
-}
-
-void PrintDot(const Session& session, const IncludeGraph& graph, bool missingOnly, std::string& out) {
+// Files are drawn in the order in which they are met, which is that of their distance.
+void PrintDot(const Session& session, const IncludeGraph& graph, const Request& request, std::string& out) {
     out += "digraph includes {\n  rankdir=LR;\n  node [shape=box];\n";
-    for (const IncludedFile& file : graph) {
+    const std::size_t count = std::min(graph.size(), static_cast<std::size_t>(request.limit));
+    for (const IncludedFile& file : std::span(graph).first(count)) {
         const std::string from = Quoted(session.Shown(file.path));
         if (!file.hasTree) fmt::format_to(std::back_inserter(out), "  {} [color=red];\n", from);
         for (const Include& include : file.includes) {
             if (include.target < 0) {
                 fmt::format_to(std::back_inserter(out), "  {} -> {} [style=dashed];\n", from,
                                Quoted(include.name));
-            } else if (!missingOnly) {
+            } else if (!request.missingOnly && static_cast<std::size_t>(include.target) < count) {
                 const IncludedFile& target = graph[static_cast<std::size_t>(include.target)];
                 fmt::format_to(std::back_inserter(out), "  {} -> {};\n", from,
                                Quoted(session.Shown(target.path)));
             }
         }
     }
-    out += "}\n";
+    out += LeftOut(graph.size() - count, "files") + "}\n";
 }
 
 JsonValue ToJson(const Session& session, const IncludeGraph& graph, bool missingOnly) {
@@ -151,7 +147,7 @@ void AnswerIncludes(const Request& request, const std::string& path, Result& res
     if (request.format == Format::Json) {
         result.out += Document("includes", ToJson(session, graph, request.missingOnly));
     } else if (request.format == Format::Dot) {
-        PrintDot(session, graph, request.missingOnly, result.out);
+        PrintDot(session, graph, request, result.out);
     } else if (request.missingOnly) {
         PrintMissing(session, graph, result.out);
     } else {
