@@ -105,7 +105,7 @@ TEST(Readers, HandOnWhatReportsTell) {
          "    #4 0x7 in g(int)\n\n0x60 is located\nallocated by thread T0 here:\n    #0 0x7 in malloc "
          "x.c:1\n\n",
          "2 ABW heap-buffer-overflow 1x0|Foo::operator[](int (&) [3]) [/w/a b/c.cpp:9]|start "
-         "[../s/l.h:58]|f() (in /l/x.so)|??? (in /a)|g(int)\n"},
+         "[../s/l.h:58]|f() [/l/x.so:]|??? [/a:]|g(int)\n"},
         {"==7==ERROR: LeakSanitizer: detected memory leaks\n\nDirect leak of 32 byte(s) in 2 object(s) "
          "allocated from:\n    #0 0x7 in f a.c:1\n\n"
          "Indirect leak of 8 byte(s) in 1 object(s) allocated from:\n    #0 0x7 in g a.c:2",

@@ -82,18 +82,6 @@ void CallTexts::Add(std::string_view function, std::string_view path, std::strin
     ReplaceNuls(*text);
 }
 
-void CallTexts::AddInObject(std::string_view function, std::string_view object) {
-    std::string* text = Next();
-    if (text == nullptr) return;
-    AppendFunction(*text, function.empty() ? unknown : function);
-    if (!object.empty()) {
-        *text += " (in ";
-        AppendFunction(*text, object);
-        *text += ')';
-    }
-    ReplaceNuls(*text);
-}
-
 void CallTexts::AddLine(std::string_view line) {
     if (std::string* text = Next()) *text = CallText(line);
 }

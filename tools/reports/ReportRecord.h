@@ -20,9 +20,8 @@ public:
 
     void Clear();
 
-    // A call with its source, its object file, or neither. One past the most is only counted.
+    // A call with its source, or with its object file and no line, or with neither.
     void Add(std::string_view function, std::string_view path, std::string_view line);
-    void AddInObject(std::string_view function, std::string_view object);
 
     // A call as somebody wrote it, and one in the form of the library.
     void AddLine(std::string_view line);

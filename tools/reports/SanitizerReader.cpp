@@ -62,10 +62,10 @@ void AddCall(std::string_view text, CallTexts& calls) {
         const std::string_view module = text.substr(parenthesis + 1);
         const std::size_t past = text.find_last_not_of(' ', parenthesis == 0 ? 0 : parenthesis - 1);
         const std::string_view function = parenthesis == 0 ? "" : text.substr(0, past + 1);
-        return calls.AddInObject(function, module.substr(0, module.rfind("+0x")));
+        return calls.Add(function, module.substr(0, module.rfind("+0x")), "");
     }
     std::string_view line = TakeLineNumber(text);
-    if (line.empty()) return calls.AddInObject(text, "");
+    if (line.empty()) return calls.Add(text, "", "");
     // With two numbers the second is the column.
     if (const std::string_view first = TakeLineNumber(text); !first.empty()) line = first;
     const std::size_t slash = text.find(" /");

@@ -291,7 +291,7 @@ private:
 
     void AddCall() {
         for (const Field field : {Function, Folder, File, Object}) RestoreBytes(fields[field]);
-        if (fields[File].empty()) return record.calls.AddInObject(fields[Function], fields[Object]);
+        if (fields[File].empty()) return record.calls.Add(fields[Function], fields[Object], "");
         if (!fields[Folder].empty() && !fields[File].starts_with('/'))
             fields[File].insert(0, fields[Folder] + "/");
         record.calls.Add(fields[Function], fields[File], fields[Line]);
