@@ -76,8 +76,8 @@ TEST(Readers, HandOnWhatReportsTell) {
                           "frame><frame>"
                           "</frame><frame><fn>\xe4\xc3\xa4&lt;&amp;</fn><file>/f.c</file><dir>/d</dir>")) +
              end,
-         "3 PLK leak Leak_PossiblyLost 2x40|operator new[](unsigned long) [x.c:1]|??? (in "
-         "/lib/x.so)|???|\xe4\xc3\xa4<& [/f.c:]\n"},
+         "3 PLK leak Leak_PossiblyLost 2x40|operator new[](unsigned long) [x.c:1]|??? ["
+         "/lib/x.so:]|???|\xe4\xc3\xa4<& [/f.c:]\n"},
         // what is whole before a fault stays
         {xml + Error("<kind>Overlap</kind>") + "<error>\n<kind>Overlap",
          "3 PAR Overlap 1x0\nfault 6:14 no element found; the error that is open here is left out\n"},
