@@ -290,7 +290,7 @@ CLI::App* AddVerb(CLI::App& app, const VerbInfo& info, Request& request) {
     case Verb::At: AddAtOptions(*verb, request); break;
     case Verb::Header: AddHeaderOptions(*verb, request); break;
     case Verb::Includes: AddIncludesOptions(*verb, request); break;
-    case Verb::Outline: AddTableOptions(*verb, request, questionFormats); break;
+    case Verb::Outline: AddTableOptions(*verb, request, listFormats); break;
     case Verb::Classes: AddClassesOptions(*verb, request); break;
     case Verb::Show: AddShowOptions(*verb, request); break;
     case Verb::Hierarchy: AddHierarchyOptions(*verb, request); break;

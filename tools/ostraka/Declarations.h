@@ -1,11 +1,13 @@
 #pragma once
 
 // What a loaded file declares and implements, in the order of its text: the records that the symbol table
-// made of it, and beside them what it recognises without making a record.
+// made of it, and beside them what shows in the text alone.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "DeclarationText.h"
 #include "Text.h"
 
 class TAPDefClass;
@@ -16,38 +18,38 @@ class TAPSymbolTable;
 
 namespace ostraka::tool {
 
-enum class DeclarationKind {
-    Class, // with a body
-    Forward,
-    Enum,
-    Typedef,
-    Method, // in the body of its class
-    Member,
-    Implementation, // of a method, outside of its class
-    Function,       // declared
-    FunctionBody,
-    Variable,
-    Tie, // of the interface `name` to the class `scope`
-};
-
 // "class", "forward", "enum" and so on.
 const char* NameOf(DeclarationKind kind);
 
 // Records are the table's, and null where there is none.
 struct OutlineEntry {
-    DeclarationKind kind;
+    DeclarationKind kind = DeclarationKind::Variable;
     std::string name;
-    std::string scope; // the class of a method, a member or a tie; else empty
-    std::string text;  // the declaration as it reads: "virtual int Moor(Ship* ship)"
+    std::string scope; // "Berth::Side": the class, the enum or the namespace around the name; else empty
+    DeclarationKind scopeKind = DeclarationKind::Class;
+    std::string text;      // the declaration as it reads: "virtual int Moor(Ship* ship) = 0"
+    std::string arguments; // of a function: "(Ship* ship)"
+    std::string type;      // of a variable, where it can be read
+    bool hasBody = false;  // of a function
     Place place;
+    int depth = 0;       // how many of the entries before it are around it
+    int visibility = -1; // as in records
     const TAPDefClass* classRecord = nullptr;
-    const TAPDefMethod* method = nullptr;
-    const TAPDefVar* variable = nullptr;
+    TAPDefMethod* method = nullptr;
+    const TAPDefClass* owner = nullptr; // in whose body it stands
 };
 
-// Members of a class stand behind it. A class that was declared in an earlier file has no record and no
-// members.
+// Whether both are names of one statement, which they show as their text.
+bool SharesStatement(const OutlineEntry& a, const OutlineEntry& b);
+
+// Members of a class stand behind it. A class that was declared in an earlier file has no record.
 std::vector<OutlineEntry> DeclarationsOf(TAPSymbolTable& table, const std::string& path);
+
+// What stands in the body of the class.
+std::vector<OutlineEntry> MembersOf(TAPSymbolTable& table, const TAPDefClass& record);
+
+// The head of an implementation as it reads, without the list of initialisers.
+std::string ImplementationText(TAPSymbolTable& table, const TAPDefMethod& method);
 
 // The place of a record in its file.
 Place PlaceOf(const TAPSyntaxePath& path);
@@ -58,9 +60,5 @@ const char* BindingOf(const TAPDefMethod& method);
 const char* DirectionOf(int code);
 // "plain", "interface", "component"; several with a comma between them.
 std::string KindOf(const TAPDefClass& record);
-
-// "(Ship* ship, in long slot)", and "virtual int Moor(Ship* ship)".
-std::string ArgumentsOf(const TAPDefMethod& method);
-std::string SignatureOf(const TAPDefMethod& method);
 
 } // namespace ostraka::tool

@@ -32,17 +32,6 @@ bool IsFolder(const fs::path& path) {
     return fs::is_directory(path, ignored);
 }
 
-// The roots of the list, absolute and each once.
-std::vector<std::string> RootsOf(const std::string& list) {
-    std::vector<std::string> roots;
-    for (std::size_t begin = 0; begin < list.size();) {
-        const std::size_t past = std::min(list.find(':', begin), list.size());
-        if (past > begin) roots.push_back(Session::Absolute(list.substr(begin, past - begin)));
-        begin = past + 1;
-    }
-    return roots;
-}
-
 bool HoldsFrameworks(const fs::path& folder) {
     std::error_code error;
     for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
@@ -99,10 +88,22 @@ TAPSymbolTable* MakeTable(const std::string& osName, const std::vector<std::stri
 
 } // namespace
 
+std::vector<std::string> WorkspacesOf(const Request& request) {
+    const std::string& list = request.workspaces;
+    std::vector<std::string> roots;
+    for (std::size_t begin = 0; begin < list.size();) {
+        const std::size_t past = std::min(list.find(':', begin), list.size());
+        if (past > begin) roots.push_back(list.substr(begin, past - begin));
+        begin = past + 1;
+    }
+    return roots;
+}
+
 Session::Session(const Request& asked, const std::vector<std::string>& paths)
     : request(asked), workingFolder(Absolute(".") + "/") {
-    const std::vector<std::string> roots =
-        request.workspaces.empty() ? RootsAround(paths) : RootsOf(request.workspaces);
+    std::vector<std::string> roots = WorkspacesOf(request);
+    std::transform(roots.begin(), roots.end(), roots.begin(), Absolute);
+    if (roots.empty()) roots = RootsAround(paths);
     for (const std::string& root : roots)
         if (!IsFolder(root)) missingRoots.push_back(root);
     table.reset(MakeTable(request.osName, roots));
@@ -130,7 +131,7 @@ std::string Session::Read(const std::string& absolute) {
     auto buffer = ReadFile(absolute, problem);
     if (!buffer) return problem;
     PrintedErrors printed;
-    if (absolute.ends_with(".idl")) {
+    if (absolute.ends_with(".idl") || absolute.ends_with(".IDL")) {
         table->LoadIdlFile(buffer.release(), 1);
     } else {
         table->LoadFile(buffer.release(), 1);

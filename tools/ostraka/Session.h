@@ -18,6 +18,9 @@
 
 namespace ostraka::tool {
 
+// Those that the request names, as it spells them.
+std::vector<std::string> WorkspacesOf(const Request& request);
+
 class Session {
 public:
     // Where the request names no workspaces, those are taken in which the paths lie; where it names no

@@ -32,16 +32,6 @@ const Row* RowOf(Verb verb) {
     return found == std::end(rows) ? nullptr : found;
 }
 
-std::vector<std::string> SplitList(const std::string& list) {
-    std::vector<std::string> parts;
-    for (std::size_t begin = 0; begin < list.size();) {
-        const std::size_t past = std::min(list.find(':', begin), list.size());
-        if (past > begin) parts.push_back(list.substr(begin, past - begin));
-        begin = past + 1;
-    }
-    return parts;
-}
-
 bool NamesFiles(const Request& request) {
     return !request.paths.empty() || !request.filesFrom.empty() || !request.compileCommands.empty();
 }
@@ -50,7 +40,7 @@ bool NamesFiles(const Request& request) {
 Request WithFiles(const Request& request) {
     Request whole = request;
     if (NamesFiles(request)) return whole;
-    whole.paths = SplitList(request.workspaces);
+    whole.paths = WorkspacesOf(request);
     if (whole.paths.empty()) whole.paths = {"."};
     return whole;
 }
@@ -99,8 +89,8 @@ Result RunTableVerb(const Request& request, Console& console) {
     }
     Result result;
     RowOf(request.verb)->answer(request, session, FilesOf(inputs), result);
-    TellMissing(request, session, result);
     session.TellFailures(result);
+    TellMissing(request, session, result);
     result.headers = session.FileCount();
     console.Out(result.out);
     console.Err(result.err);
