@@ -20,28 +20,22 @@ std::string tableOf(const NUBListValNUBString& people, const NUBListValNUBString
 }
 
 TEST(ResponsibilityTest, ReadsLinesOfBothForms) {
-    const struct {
-        const char* line;
-        const char* table;
-    } rows[] = {
-        {"FW: Alpha RESP: xyz", "Alpha x.xyz.;"},
-        {"  fw:  Alpha   resp: XyZ and more of it", "Alpha x.xyz.;"},
-        {"FW: Alpha RESP: q.xyz", "Alpha .Q.XYZ.;"},
-        {"FW: Alpha RESP:", ""},
-        {"FW: Alpha RESP xyz", ""},
-        {"1 2 3 4 FW:Beta RESP:abc", "Beta .ABC.;"},
-        {"1 2 3 4 fw::Beta :resp:xyz:", "Beta x.xyz.;"},
-        {"1 2 3 4 FW:Beta:x RESP:abc", ""},
-        {"1 2 3 4 FW:Beta RESP:", ""},
-        {"1 2 3 4 RESP:abc FW:Beta", ""},
-        {"1 2 3 4 5 FW:Beta RESP:abc", ""},
-        {"1 2 3 FW:Beta RESP:abc", ""},
-        {"FW: Alpha RESP: xyz FW:Beta RESP:abc", "Alpha x.xyz.;Beta .ABC.;"},
-        {"\xff\x01 \t: ::: FW: RESP:", ""},
-        {"", ""},
-    };
-    for (const auto& row : rows)
-        EXPECT_EQ(tableOf(listOf({"x.xyz."}), listOf({row.line})), row.table) << row.line;
+    const char* rows[][2] = {{"FW: Alpha RESP: xyz", "Alpha x.xyz.;"},
+                             {"  fw:  Alpha   resp: XyZ and more of it", "Alpha x.xyz.;"},
+                             {"FW: Alpha RESP: q.xyz", "Alpha .Q.XYZ.;"},
+                             {"FW: Alpha RESP:", ""},
+                             {"FW: Alpha RESP xyz", ""},
+                             {"1 2 3 4 FW:Beta RESP:abc", "Beta .ABC.;"},
+                             {"1 2 3 4 fw::Beta :resp:xyz:", "Beta x.xyz.;"},
+                             {"1 2 3 4 FW:Beta:x RESP:abc", ""},
+                             {"1 2 3 4 FW:Beta RESP:", ""},
+                             {"1 2 3 4 RESP:abc FW:Beta", ""},
+                             {"1 2 3 4 5 FW:Beta RESP:abc", ""},
+                             {"1 2 3 FW:Beta RESP:abc", ""},
+                             {"FW: Alpha RESP: xyz FW:Beta RESP:abc", "Alpha x.xyz.;Beta .ABC.;"},
+                             {"\xff\x01 \t: ::: FW: RESP:", ""}};
+    for (const auto& [line, table] : rows)
+        EXPECT_EQ(tableOf(listOf({"x.xyz."}), listOf({line})), table) << line;
     EXPECT_EQ(
         tableOf(listOf({}), listOf({"FW: b RESP: 1", "FW: a RESP: 2", "FW: B RESP: 3", "FW: a RESP: 1"})),
         "B .3.;a .1.;a .2.;b .1.;");
@@ -51,15 +45,13 @@ TEST(ResponsibilityTest, FindsTheOwner) {
     const struct {
         std::initializer_list<const char*> people;
         const char* owner; // of the code "a.b"
-    } rows[] = {
-        {{"First.A.B.", "Last.a.b.", "Other.B."}, "Last.a.b."},
-        {{"Fits.A.B.", "No.A.B"}, "Fits.A.B."},
-        {{"Twice.A.B..A.B."}, "."},
-        {{"Overlap.A.B.A.B."}, "."},
-        {{".A.B."}, ".A.B."},
-        {{"A.B."}, "."},
-        {{}, "."},
-    };
+    } rows[] = {{{"First.A.B.", "Last.a.b.", "Other.B."}, "Last.a.b."},
+                {{"Fits.A.B.", "No.A.B"}, "Fits.A.B."},
+                {{"Twice.A.B..A.B."}, "."},
+                {{"Overlap.A.B.A.B."}, "."},
+                {{".A.B."}, ".A.B."},
+                {{"A.B."}, "."},
+                {{}, "."}};
     for (const auto& row : rows) {
         const NUBListValNUBString people = listOf(row.people),
                                   lines = listOf({"FW: F RESP: a.b", "", "FW: f RESP: no"});
@@ -78,13 +70,10 @@ TEST(ResponsibilityTest, FindsTheOwner) {
 
 TEST(ResponsibilityTest, SearchesTheTable) {
     const NUBListValNUBString table = listOf({"A 1", "AB 2", "B 3 x", "Bare", "C 4"});
-    const struct {
-        const char* framework;
-        const char* owner;
-    } rows[] = {{"A", "1"}, {"AB", "2"}, {"B", "3"}, {"Bare", "."},
-                {"C", "4"}, {"0", "."},  {"D", "."}, {"", "."}};
-    for (const auto& row : rows)
-        EXPECT_EQ(GetFWResponsible(row.framework, table), row.owner) << row.framework;
+    const char* rows[][2] = {{"A", "1"}, {"AB", "2"}, {"B", "3"}, {"Bare", "."},
+                             {"C", "4"}, {"0", "."},  {"D", "."}, {"", "."}};
+    for (const auto& [framework, owner] : rows)
+        EXPECT_EQ(GetFWResponsible(framework, table), owner) << framework;
     EXPECT_EQ(GetFWResponsible("A", listOf({"A 1"})), "1");
     EXPECT_EQ(GetFWResponsible("A", listOf({})), ".");
 }
