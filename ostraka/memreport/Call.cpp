@@ -46,12 +46,11 @@ const char* frameworkOfSource(std::string_view sourcePath) {
 namespace ostraka::detail {
 
 std::string_view ShortCallOf(const char* text) {
-    std::string_view line(text);
-    const std::size_t bracket = line.find('[');
-    if (bracket == std::string_view::npos) return line;
-    line = line.substr(0, bracket);
-    while (!line.empty() && static_cast<unsigned char>(line.back()) <= 0x20) line.remove_suffix(1);
-    return line;
+    const char* bracket = std::strchr(text, '[');
+    if (bracket == nullptr) return text;
+    std::string_view before(text, static_cast<std::size_t>(bracket - text));
+    while (!before.empty() && static_cast<unsigned char>(before.back()) <= 0x20) before.remove_suffix(1);
+    return before;
 }
 
 std::optional<std::string_view> SourcePathOf(const char* text) {

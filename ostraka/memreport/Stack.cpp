@@ -1,3 +1,5 @@
+// A stack that an index has already is charged like a new one, since the tables of this time decide.
+
 #include <ostraka/memreport/Stack.h>
 
 #include <algorithm>
