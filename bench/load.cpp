@@ -9,6 +9,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,22 +38,20 @@ long ResidentBytes() {
     return pages * sysconf(_SC_PAGESIZE);
 }
 
-struct Totals {
-    long files = 0;
-    long bytes = 0;
+long LoadAll(TAPSymbolTable& table, const std::vector<std::string>& names) {
     long failures = 0;
-};
-
-Totals LoadAll(TAPSymbolTable& table, const std::vector<std::string>& names) {
-    Totals totals;
     for (const std::string& name : names) {
         const bool idl = std::string_view(name).ends_with(".idl");
         const int result = idl ? table.LoadIdlFile(name.c_str(), 1) : table.LoadFile(name.c_str(), 1);
-        if (result != 0) ++totals.failures;
-        totals.bytes += TAFileBuffer(name.c_str(), 0).GetSize();
-        ++totals.files;
+        if (result != 0) ++failures;
     }
-    return totals;
+    return failures;
+}
+
+long BytesOf(const std::vector<std::string>& names) {
+    long bytes = 0;
+    for (const std::string& name : names) bytes += static_cast<long>(std::filesystem::file_size(name));
+    return bytes;
 }
 
 // The records stay.
@@ -80,11 +79,10 @@ double AskQuestions(TAPSymbolTable& table) {
     return answers == 0 ? 0 : (bench::CpuSeconds() - start) * 1e6 / questionRounds;
 }
 
-void TellMemory(const char* when, long baseline, const Totals& totals) {
+void TellMemory(const char* when, long baseline, long bytes) {
     const long used = HeapBytes() - baseline;
     std::printf("%-8s heap MB %7.1f bytes/byte %6.2f resident MB %7.1f\n", when,
-                static_cast<double>(used) / 1e6,
-                static_cast<double>(used) / static_cast<double>(totals.bytes),
+                static_cast<double>(used) / 1e6, static_cast<double>(used) / static_cast<double>(bytes),
                 static_cast<double>(ResidentBytes()) / 1e6);
 }
 
@@ -100,16 +98,16 @@ int main(int argc, char** argv) {
     const long baseline = HeapBytes();
     TAPSymbolTable table;
     table.SetConcatenation(TAFileName(argv[1]));
-    const Totals totals = LoadAll(table, names);
+    const long failures = LoadAll(table, names);
     const double seconds = bench::CpuSeconds();
-    std::printf("load     files %ld bytes %ld classes %d seconds %.3f MB/s %.2f failures %ld\n", totals.files,
-                totals.bytes, table.classIndex.size, seconds,
-                static_cast<double>(totals.bytes) / 1e6 / seconds, totals.failures);
-    TellMemory("trees", baseline, totals);
+    const long bytes = BytesOf(names);
+    std::printf("load     files %zu bytes %ld classes %d seconds %.3f MB/s %.2f failures %ld\n", names.size(),
+                bytes, table.classIndex.size, seconds, static_cast<double>(bytes) / 1e6 / seconds, failures);
+    TellMemory("trees", baseline, bytes);
     std::printf("ask      us %.2f\n", AskQuestions(table));
     DropTrees(table);
-    TellMemory("records", baseline, totals);
+    TellMemory("records", baseline, bytes);
     table.UnLoadAllFiles();
-    TellMemory("empty", baseline, totals);
-    return totals.failures != 0;
+    TellMemory("empty", baseline, bytes);
+    return failures != 0;
 }
