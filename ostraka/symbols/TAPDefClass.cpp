@@ -4,6 +4,7 @@
 #include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/TAPDefSource.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
+#include <ostraka/symbols/Ties.h>
 
 using namespace ostraka::detail;
 
@@ -26,7 +27,7 @@ TAPDefClass::~TAPDefClass() {
     ReleaseAll(methods);
     ReleaseAll(vars);
     ReleaseIfAny(bodyPath);
-    ReleaseAll(tied);
+    ReleaseTies(tied);
 }
 
 int TAPDefClass::GetDefKind() {

@@ -9,8 +9,9 @@ class TAPDefSource;
 
 using NUBListPtrTAPDefClass = ostraka::detail::PointerList<TAPDefClass>;
 
-// A class or an interface. It holds one reference on each method, member and tied class. Its names are held
-// by the table, so they outlive the tree, and are good as long as the table.
+// A class or an interface. It holds one reference on each method, member and tied class; when its file is
+// unloaded, it gives up the ties that lead back to itself. Its names are held by the table, so they outlive
+// the tree, and are good as long as the table.
 class OSTRAKA_EXPORT TAPDefClass : public TAPDefEntity {
 public:
     TAPSyntaxePath* bodyPath = nullptr; // one reference held; null if the class was made without a body

@@ -9,6 +9,7 @@
 
 #include <ostraka/symbols/DeclarationScan.h>
 #include <ostraka/symbols/OwnedParts.h>
+#include <ostraka/symbols/Ties.h>
 
 using namespace ostraka::detail;
 
@@ -118,6 +119,7 @@ int TAPSymbolTable::UnLoadFile(const char* name) {
     auto* source = valueOf<TAPDefSource>(sources, name);
     if (source == nullptr) return 1;
     const NUBString path(name); // the argument may be a key that goes
+    BreakCirclesOfTies({source});
     dropClassesOf(*source, classIndex);
     source->LeaveIncluders();
     sources.RemovePosition(sources.IsIn(path.CastToCharPtr()));
@@ -143,10 +145,13 @@ void TAPSymbolTable::UnLoadAllFiles() {
 }
 
 void TAPSymbolTable::releaseAll() {
+    std::vector<TAPDefSource*> records;
+    for (int i = 0; i < sources.size; ++i) records.push_back(valueAt<TAPDefSource>(sources, i));
+    BreakCirclesOfTies(records);
     releaseValues<TAPDefClass>(classIndex);
     releaseValues<TAPSyntaxe>(trees);
     // Before any record goes, and upward, since the lists run downward and give up their last entry for less.
-    for (int i = 0; i < sources.size; ++i) valueAt<TAPDefSource>(sources, i)->LeaveIncluders();
+    for (TAPDefSource* record : records) record->LeaveIncluders();
     releaseValues<TAPDefSource>(sources);
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "support/LoadedText.h"
+#include "support/SmallStack.h"
 
 namespace {
 
@@ -114,6 +115,29 @@ TEST(DeclarationScan, TiesInterfaces) {
     EXPECT_STREQ(tied[1]->name, "IB");
     EXPECT_STREQ(tied[2]->name, "IA");
     EXPECT_EQ(tied[2]->count, 3);
+}
+
+TEST(DeclarationScan, TiesInCirclesAndLinesEnd) {
+    const Workspace files{{"m/s/a.cpp", "class A {}; class B {}; class C {}; class D {};"
+                                        "TIE_B(A); TIE_D(A); TIE_A(A); TIE_D(C);"},
+                          {"m/s/b.cpp", "TIE_A(B); TIE_C(B); TIE_B(C);"}};
+    TAPSymbolTable table;
+    table.LoadFile(files("m/s/a.cpp").c_str(), 1);
+    table.LoadFile(files("m/s/b.cpp").c_str(), 1);
+    TAPDefClass* kept = table.GetClass("A");
+    kept->AddRef();
+    table.UnLoadFile(files("m/s/a.cpp").c_str());
+    ASSERT_EQ(kept->tied.Size(), 1);
+    EXPECT_STREQ(kept->tied[1]->name, "D");
+    EXPECT_EQ(kept->count, 1);
+    kept->Release();
+
+    constexpr int length = 20000; // from the first key to the last, as the classes go
+    std::string line;
+    for (int i = 0; i < length; ++i) line += "class K" + std::to_string(i + length) + " {};";
+    for (int i = 1; i < length; ++i)
+        line += "TIE_K" + std::to_string(i + length) + "(K" + std::to_string(i + length - 1) + ");";
+    RunOnSmallStack([&line] { const LoadedText text(line); });
 }
 
 TEST(DeclarationScan, OfTypesAloneKeepsNoClass) {
