@@ -12,8 +12,8 @@ namespace ostraka::tool {
 // for (TreeWalk walk(node, "1.4", -1); walk.Node() != nullptr; walk.Next()) ...
 class TreeWalk {
 public:
-    // From `top`, whose own path is `path`, down to `deepest` levels below it; -1 for all.
-    TreeWalk(TAPSyntaxe& top, std::string path, int deepest);
+    // From `top`, whose own path is `topPath`, down to `levels` levels below it; -1 for all.
+    TreeWalk(TAPSyntaxe& top, std::string topPath, int levels);
 
     // The node reached, null at the end, with its level below the top and its path from the root of the file:
     // the positions to take, joined by dots; 0 for the root itself.
