@@ -19,8 +19,9 @@ namespace {
 
 bool IsOfKinds(const TAPDefClass& record, const std::vector<std::string>& kinds) {
     const std::string own = KindOf(record);
-    return kinds.empty() || std::any_of(kinds.begin(), kinds.end(),
-                                        [&](const std::string& kind) { return own.find(kind) != own.npos; });
+    return kinds.empty() || std::any_of(kinds.begin(), kinds.end(), [&](const std::string& kind) {
+               return own.find(kind) != std::string::npos;
+           });
 }
 
 bool IsDerivedFrom(const TAPSymbolTable& table, const TAPDefClass& record, const std::string& base) {

@@ -114,7 +114,7 @@ std::size_t FindOutside(std::string_view text, std::size_t at, std::string_view 
         const char c = text[at];
         if (text.substr(at, 2) == "::") {
             at += 2;
-        } else if (wanted.find(c) != wanted.npos) {
+        } else if (wanted.find(c) != std::string_view::npos) {
             break;
         } else if (IsQuote(c)) {
             at = SkipQuoted(text, at);
@@ -319,7 +319,8 @@ struct Head {
 
 Head ReadHead(std::string_view text) {
     text = Trimmed(text.substr(0, FindOutside(text, 0, ":")));
-    if (text.ends_with(')') || text.ends_with(")const") || text.find('=') != text.npos) return {};
+    if (text.ends_with(')') || text.ends_with(")const") || text.find('=') != std::string_view::npos)
+        return {};
     text = text.substr(0, text.find('<'));
     Head head{true, {}};
     for (std::size_t at = 0; at < text.size(); at += std::max<std::size_t>(WordAt(text, at).size(), 1)) {

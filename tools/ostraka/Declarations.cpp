@@ -167,6 +167,7 @@ private:
         entry.scopeKind = Around().kind;
         entry.text = ReadableLine(text);
         entry.place = PlaceIn(*at.node, text);
+        entry.namePlace = name.empty() ? entry.place : PlaceIn(*at.node, name);
         entry.depth = static_cast<int>(open.size()) - 1;
         entry.visibility = Around().visibility;
         entry.owner = Around().record;

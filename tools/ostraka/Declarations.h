@@ -31,7 +31,8 @@ struct OutlineEntry {
     std::string arguments; // of a function: "(Ship* ship)"
     std::string type;      // of a variable, where it can be read
     bool hasBody = false;  // of a function
-    Place place;
+    Place place;           // of the statement
+    Place namePlace;       // of the name in it
     int depth = 0;       // how many of the entries before it are around it
     int visibility = -1; // as in records
     const TAPDefClass* classRecord = nullptr;

@@ -68,7 +68,7 @@ void AddPath(const std::string& path, FileFilter wanted, std::vector<Input>& inp
 
 // One path a line; or each ended by a NUL, as `find -print0` writes them.
 void AddList(const std::string& text, FileFilter wanted, std::vector<Input>& inputs) {
-    const char separator = text.find('\0') == text.npos ? '\n' : '\0';
+    const char separator = text.find('\0') == std::string::npos ? '\n' : '\0';
     for (std::size_t begin = 0; begin < text.size();) {
         const std::size_t past = std::min(text.find(separator, begin), text.size());
         if (past > begin) AddPath(text.substr(begin, past - begin), wanted, inputs);

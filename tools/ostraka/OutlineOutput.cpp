@@ -147,10 +147,10 @@ std::string TagLine(const std::string& file, const OutlineEntry& declaration, ch
                     std::string_view line) {
     // Whoever wrote the line breaks as single carriage returns has one line.
     const std::string address = line.empty() || line.find('\r') != line.npos
-                                    ? std::to_string(declaration.place.line)
+                                    ? std::to_string(declaration.namePlace.line)
                                     : PatternFor(line);
     std::string tag = fmt::format("{}\t{}\t{};\"\t{}\tline:{}", declaration.name, file, address, letter,
-                                  declaration.place.line);
+                                  declaration.namePlace.line);
     AppendField(tag, NameOf(declaration.scopeKind), declaration.scope);
     AppendField(tag, "access", VisibilityOf(declaration.visibility));
     AppendField(tag, "signature", declaration.arguments);
@@ -161,7 +161,7 @@ std::string TagLine(const std::string& file, const OutlineEntry& declaration, ch
 void CollectTags(const Request& request, const Session& session, const std::string& path,
                  std::vector<std::string>& tags, Result& result) {
     const std::string shown = session.Shown(path);
-    if (shown.find_first_of("\t\n") != shown.npos) {
+    if (shown.find_first_of("\t\n") != std::string::npos) {
         AppendMessage(result.err, shown, std::nullopt, "warning", "a tags file can't hold this name",
                       request.colorErrors);
         return;
@@ -173,7 +173,7 @@ void CollectTags(const Request& request, const Session& session, const std::stri
     for (const OutlineEntry& declaration : DeclarationsOf(session.Table(), path)) {
         const char letter = TagLetterOf(declaration);
         if (letter == '\0' || !IsTagName(declaration.name)) continue;
-        const auto line = static_cast<std::size_t>(declaration.place.line);
+        const auto line = static_cast<std::size_t>(declaration.namePlace.line);
         tags.push_back(TagLine(shown, declaration, letter,
                                line >= 1 && line <= lines.size() ? lines[line - 1] : std::string_view()));
     }

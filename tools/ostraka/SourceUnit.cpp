@@ -21,7 +21,8 @@ bool SourceUnit::Read() {
 }
 
 void SourceUnit::WarnOfNul() {
-    if (const std::size_t nul = text.find('\0'); nul != text.npos) warning = DescribeNul(text, nul);
+    if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos)
+        warning = DescribeNul(text, nul);
 }
 
 bool SourceUnit::Load() {

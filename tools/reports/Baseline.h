@@ -18,7 +18,7 @@ public:
     // Adds the lines of a file; a fault if it is none of this kind.
     std::optional<ReportFault> Read(std::string_view text);
     void Add(const std::string& line) { lines.insert(line); }
-    bool Has(const std::string& line) const { return lines.count(line) > 0; }
+    bool Has(const std::string& line) const { return lines.contains(line); }
     const std::set<std::string>& Lines() const { return lines; }
     std::string Text() const;
 
