@@ -33,8 +33,8 @@ struct OutlineEntry {
     bool hasBody = false;  // of a function
     Place place;           // of the statement
     Place namePlace;       // of the name in it
-    int depth = 0;       // how many of the entries before it are around it
-    int visibility = -1; // as in records
+    int depth = 0;         // how many of the entries before it are around it
+    int visibility = -1;   // as in records
     const TAPDefClass* classRecord = nullptr;
     TAPDefMethod* method = nullptr;
     const TAPDefClass* owner = nullptr; // in whose body it stands
