@@ -206,12 +206,6 @@ void AddHeaderOptions(CLI::App& app, Request& request) {
     app.add_option("--from", request.from, "The file that includes it")->type_name("FILE")->required();
 }
 
-void AddLimitOption(CLI::App& app, Request& request) {
-    app.add_option("--limit", request.limit, "Draw no more than N of them")
-        ->check(CLI::Range(1, 1000000).description(""))
-        ->type_name("N");
-}
-
 void AddIncludesOptions(CLI::App& app, Request& request) {
     AddQuestionOptions(app, request, "FILE", "The file to begin with", graphFormats);
     app.add_flag("--missing", request.missingOnly, "Print only those that aren't found");

@@ -7,8 +7,8 @@ namespace ostraka::tool {
 std::string Quoted(std::string_view text) {
     std::string quoted = "\"";
     for (char c : text) {
-        if (c == '"' || c == '\\') quoted += '\\';
-        quoted += c;
+        if (c == '"' || c == '\\' || c == '\n') quoted += '\\';
+        quoted += c == '\n' ? 'n' : c;
     }
     return quoted + '"';
 }

@@ -8,7 +8,7 @@
 
 namespace ostraka::tool {
 
-// The text as a name or a label.
+// The text as a name or a label, in which lines are centred.
 std::string Quoted(std::string_view text);
 
 // A line with a note about what a limit has left out; empty when that is nothing.

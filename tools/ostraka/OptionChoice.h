@@ -1,6 +1,7 @@
 #pragma once
 
-// Options that take one of a few words, with a hint for a word that is none of them.
+// Options that several verbs have, and those that take one of a few words, with a hint for a word that is
+// none of them.
 
 #include <algorithm>
 #include <span>
@@ -47,6 +48,12 @@ void AddChoice(CLI::App& app, const char* option, Enum& value, std::span<const C
     const auto take = [=, &value](const std::string& word) { value = ParseChoice(option, word, choices); };
     app.add_option_function<std::string>(option, take, description)
         ->type_name(fmt::format("{}", fmt::join(names, "|")));
+}
+
+inline void AddLimitOption(CLI::App& app, Request& request) {
+    app.add_option("--limit", request.limit, "Draw no more than N of them")
+        ->check(CLI::Range(1, 1000000).description(""))
+        ->type_name("N");
 }
 
 } // namespace ostraka::tool

@@ -6,8 +6,9 @@ namespace ostraka::tool {
 
 namespace {
 
-constexpr Choice<Format> triageFormats[] = {
-    {"text", Format::Text}, {"json", Format::Json}, {"jsonl", Format::JsonLines}, {"sarif", Format::Sarif}};
+constexpr Choice<Format> triageFormats[] = {{"text", Format::Text},       {"json", Format::Json},
+                                            {"jsonl", Format::JsonLines}, {"sarif", Format::Sarif},
+                                            {"html", Format::Html},       {"dot", Format::Dot}};
 constexpr Choice<FailOn> failures[] = {{"new", FailOn::New}, {"any", FailOn::Any}};
 constexpr Choice<TotalKey> totalKeys[] = {
     {"owner", TotalKey::Owner}, {"framework", TotalKey::Framework}, {"type", TotalKey::Type}};
@@ -41,7 +42,7 @@ void AddTotalKeys(CLI::App& app, std::vector<TotalKey>& keys) {
         for (const std::string& word : words) keys.push_back(ParseChoice<TotalKey>("--by", word, totalKeys));
     };
     app.add_option_function<std::vector<std::string>>(
-           "--by", take, "Print totals for each owner, framework or type, or each combination")
+           "--by", take, "Print totals for each owner, framework or type, or each combination; draw those")
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("KEY[,KEY...]");
@@ -95,6 +96,7 @@ void AddTriageOptions(CLI::App& app, Request& request) {
         ->type_name("N");
     AddChoice<FailOn>(app, "--fail-on", report.failOn, failures,
                       "Exit with 1 when there are such stacks, filtered ones aside");
+    AddLimitOption(app, request);
     AddShowOptions(app, request, triageFormats);
 }
 

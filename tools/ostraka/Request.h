@@ -24,7 +24,7 @@ enum class Verb {
     Mask,
     Frameworks
 };
-enum class Format { Text, Json, JsonLines, Dump, Dot, Tags, Sarif };
+enum class Format { Text, Json, JsonLines, Dump, Dot, Tags, Sarif, Html };
 enum class ColorMode { Auto, Always, Never };
 
 // A path as the user gave it or as a folder held it. What is known to be unreadable before it is opened, as

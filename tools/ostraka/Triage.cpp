@@ -98,15 +98,21 @@ void Arrange(Triage& triage, const Baseline& known, Baseline& present) {
     triage.totals = AddUp(triage.items, report.by);
     std::sort(triage.items.begin(), triage.items.end(), Worse);
     const auto top = static_cast<std::size_t>(report.top);
-    if (top > 0 && triage.items.size() > top) triage.items.resize(top);
+    if (top > 0 && triage.items.size() > top) {
+        triage.leftOut = triage.items.size() - top;
+        triage.items.resize(top);
+    }
     if (top > 0 && triage.totals.size() > top) triage.totals.resize(top);
 }
 
 void Print(const Triage& triage, Console& console) {
-    const Format format = triage.request.format;
-    if (format == Format::Sarif) return PrintTriageSarif(triage, console);
-    if (format == Format::Text) return PrintTriageText(triage, console);
-    PrintTriageJson(triage, console);
+    switch (triage.request.format) {
+    case Format::Text: return PrintTriageText(triage, console);
+    case Format::Sarif: return PrintTriageSarif(triage, console);
+    case Format::Html: return PrintTriageHtml(triage, console);
+    case Format::Dot: return PrintTriageDot(triage, console);
+    default: return PrintTriageJson(triage, console);
+    }
 }
 
 bool CheckFailed(const Triage& triage) {
@@ -130,6 +136,11 @@ const char* NameOf(TotalKey key) {
     return names[static_cast<int>(key)];
 }
 
+const char* NameOf(reports::Charge charge) {
+    constexpr const char* names[] = {"charged", "ignored call", "ignored owner", "no framework", "behind"};
+    return names[static_cast<int>(charge)];
+}
+
 int RunTriage(const Request& request, Console& console) {
     Complaints complaints(request, console);
     reports::ReportModel model;
@@ -140,7 +151,7 @@ int RunTriage(const Request& request, Console& console) {
     Baseline present;
     const std::string& baseline = request.report.baseline;
     const bool baselineRead = baseline.empty() || ReadBaseline(baseline, known, complaints);
-    Triage triage{request, model, ReadReports(request, model, console, complaints), {}, {}, {}, {}, {}};
+    Triage triage{request, model, ReadReports(request, model, console, complaints), {}, {}, {}, {}, {}, {}};
     Arrange(triage, known, present);
     Print(triage, console);
     // What couldn't be read whole is no new baseline.

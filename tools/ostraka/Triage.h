@@ -10,6 +10,7 @@
 #include <reports/ReportModel.h>
 
 #include "Console.h"
+#include "Json.h"
 #include "ReportInputs.h"
 #include "Request.h"
 
@@ -40,6 +41,7 @@ struct Triage {
     reports::ReportModel& model;
     std::vector<ReportState> reports;
     std::vector<TriageItem> items; // to be shown: errors first, then leaks by their bytes
+    std::size_t leftOut = 0;       // of those, by `--top`
     std::vector<Total> totals;
     Tally all;                             // without what a filter took
     std::map<std::string, Tally> filtered; // by the type of the filter
@@ -52,11 +54,30 @@ struct Triage {
     }
 };
 
+// What is printed where nobody is known, by key.
+constexpr const char* nobody[] = {"no owner", "no framework", ""};
+
 // "owner", "framework" and so on, as the command line and JSON name it.
 const char* NameOf(TotalKey key);
+
+// "5 records, 4 stacks, 5224 bytes leaked", and what a baseline and filters say to that.
+std::string SummaryOf(const Triage& triage);
+
+// "/w/FwA/M.m/src/a.cpp:12:1" of the call that is charged, or else of the first that has a source, or else of
+// the report.
+std::string PlaceOf(const Triage& triage, const reports::StackGroup& group,
+                    const std::vector<reports::Charge>& charges);
+
+// What is told of a stack besides its calls.
+JsonValue FactsOf(const Triage& triage, const TriageItem& item);
+
+// "charged", "ignored call" and so on.
+const char* NameOf(reports::Charge charge);
 
 void PrintTriageText(const Triage& triage, Console& console);
 void PrintTriageJson(const Triage& triage, Console& console);
 void PrintTriageSarif(const Triage& triage, Console& console);
+void PrintTriageHtml(const Triage& triage, Console& console);
+void PrintTriageDot(const Triage& triage, Console& console);
 
 } // namespace ostraka::tool

@@ -15,11 +15,6 @@ Json TextOrNull(const char* text) {
     return text == nullptr ? Json(nullptr) : Json(text);
 }
 
-const char* NameOf(Charge charge) {
-    constexpr const char* names[] = {"charged", "ignored call", "ignored owner", "no framework", "behind"};
-    return names[static_cast<int>(charge)];
-}
-
 Json TallyJson(const Triage& triage, const Tally& tally) {
     Json json{
         {"stacks", tally.stacks}, {"records", tally.records}, {"count", tally.count}, {"bytes", tally.bytes}};
@@ -28,33 +23,18 @@ Json TallyJson(const Triage& triage, const Tally& tally) {
 }
 
 Json StackJson(const Triage& triage, const TriageItem& item) {
-    const StackGroup& group = *item.group;
-    Stack& stack = *group.Calls();
-    Json json{{"type", group.error->GetType()},
-              {"kind", group.kind},
-              {"leak", group.leak},
-              {"framework", TextOrNull(stack.GetFwResponsible())},
-              {"owner", TextOrNull(reports::OwnerOf(stack))},
-              {"records", group.records},
-              {"count", group.count},
-              {"bytes", group.bytes}};
-    if (triage.HasBaseline()) json["new"] = item.isNew;
-    json["report"] = {{"file", ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path)},
-                      {"line", group.line}};
-    if (group.tooDeep) json["tooDeep"] = true;
+    Stack& stack = *item.group->Calls();
+    Json json = FactsOf(triage, item);
     json["calls"] = CallsJson(stack);
-    const std::vector<Charge> charges = reports::ExplainCharge(stack, triage.TablesOf(group));
+    const std::vector<Charge> charges = reports::ExplainCharge(stack, triage.TablesOf(*item.group));
     for (std::size_t i = 0; i < charges.size(); ++i) json["calls"][i]["charge"] = NameOf(charges[i]);
-    Stack& whole = *group.error->GetLongStack();
-    if (group.filter) json["filter"] = MaskJson(*group.filter, whole);
-    if (group.cut) json["cut"] = MaskJson(*group.cut, whole);
     return json;
 }
 
 Json TotalJson(const Triage& triage, const Total& total) {
     Json json = TallyJson(triage, total.tally);
     for (std::size_t i = 0; i < total.keys.size(); ++i)
-        json[tool::NameOf(triage.request.report.by[i])] =
+        json[NameOf(triage.request.report.by[i])] =
             total.keys[i].empty() ? Json(nullptr) : Json(total.keys[i]);
     return json;
 }
@@ -69,6 +49,27 @@ Json SummaryJson(const Triage& triage) {
 }
 
 } // namespace
+
+Json FactsOf(const Triage& triage, const TriageItem& item) {
+    const StackGroup& group = *item.group;
+    Stack& stack = *group.Calls();
+    Json json{{"type", group.error->GetType()},
+              {"kind", group.kind},
+              {"leak", group.leak},
+              {"framework", TextOrNull(stack.GetFwResponsible())},
+              {"owner", TextOrNull(reports::OwnerOf(stack))},
+              {"records", group.records},
+              {"count", group.count},
+              {"bytes", group.bytes}};
+    if (triage.HasBaseline()) json["new"] = item.isNew;
+    json["report"] = {{"file", ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path)},
+                      {"line", group.line}};
+    if (group.tooDeep) json["tooDeep"] = true;
+    Stack& whole = *group.error->GetLongStack();
+    if (group.filter) json["filter"] = MaskJson(*group.filter, whole);
+    if (group.cut) json["cut"] = MaskJson(*group.cut, whole);
+    return json;
+}
 
 void PrintTriageJson(const Triage& triage, Console& console) {
     JsonPrinter printer(triage.request, "triage", console);

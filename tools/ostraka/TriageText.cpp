@@ -17,29 +17,9 @@ namespace {
 using reports::Charge;
 using reports::StackGroup;
 
-constexpr std::string_view nobody[] = {"no owner", "no framework", ""};
-
 std::string Happened(const StackGroup& group) {
     if (!group.leak) return Counted(group.count, "time");
     return Counted(group.bytes, "byte") + " in " + Counted(group.count, "block");
-}
-
-// "/w/FwA/M.m/src/a.cpp:12:1" of the call that is charged, or else of the first that has a source, or else of
-// the report.
-std::string PlaceOf(const Triage& triage, const StackGroup& group, const std::vector<Charge>& charges) {
-    std::string place;
-    for (std::size_t i = 0; i < charges.size(); ++i) {
-        const reports::CallParts parts = reports::PartsOf(*group.Calls()->GetCall(static_cast<int>(i)));
-        const bool charged = charges[i] == Charge::Charged;
-        if (parts.line == 0 || (!place.empty() && !charged)) continue;
-        place.clear();
-        AppendOneLine(place, parts.path);
-        place += fmt::format(":{}:1", parts.line);
-        if (charged) break;
-    }
-    if (!place.empty()) return place;
-    AppendOneLine(place, ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path));
-    return place + fmt::format(":{}:1", group.line);
 }
 
 std::string Reason(Charge charge, const reports::CallParts& parts, Call& call) {
@@ -132,7 +112,25 @@ void AppendTotals(std::string& out, const Triage& triage) {
     out += '\n';
 }
 
-std::string Summary(const Triage& triage) {
+} // namespace
+
+std::string PlaceOf(const Triage& triage, const StackGroup& group, const std::vector<Charge>& charges) {
+    std::string place;
+    for (std::size_t i = 0; i < charges.size(); ++i) {
+        const reports::CallParts parts = reports::PartsOf(*group.Calls()->GetCall(static_cast<int>(i)));
+        const bool charged = charges[i] == Charge::Charged;
+        if (parts.line == 0 || (!place.empty() && !charged)) continue;
+        place.clear();
+        AppendOneLine(place, parts.path);
+        place += fmt::format(":{}:1", parts.line);
+        if (charged) break;
+    }
+    if (!place.empty()) return place;
+    AppendOneLine(place, ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path));
+    return place + fmt::format(":{}:1", group.line);
+}
+
+std::string SummaryOf(const Triage& triage) {
     std::string text = fmt::format("{}, {}, {} leaked", Counted(triage.model.Records(), "record"),
                                    Counted(static_cast<std::int64_t>(triage.model.Groups().size()), "stack"),
                                    Counted(triage.all.bytes, "byte"));
@@ -145,10 +143,8 @@ std::string Summary(const Triage& triage) {
     }
     if (triage.model.TooDeep() > 0)
         text += fmt::format("; {} cut at 20 calls", Counted(triage.model.TooDeep(), "record"));
-    return text + '\n';
+    return text;
 }
-
-} // namespace
 
 void PrintTriageText(const Triage& triage, Console& console) {
     std::string out;
@@ -162,7 +158,7 @@ void PrintTriageText(const Triage& triage, Console& console) {
             console.Out(out);
         }
     }
-    console.Out(Summary(triage));
+    console.Out(SummaryOf(triage) + '\n');
 }
 
 } // namespace ostraka::tool

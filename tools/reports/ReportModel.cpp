@@ -23,6 +23,11 @@ int CountForLibrary(std::int64_t count) {
     return static_cast<int>(std::clamp<std::int64_t>(count, 0, std::numeric_limits<int>::max()));
 }
 
+// The owner, where the library has one.
+const char* Known(const char* owner) {
+    return owner == nullptr || std::string_view(owner) == "." ? nullptr : owner;
+}
+
 void Store(Error* error, bool leak) {
     using Index = TAPIndexContainer;
     Error**& list = leak ? Index::LeaksList : Index::ErrorList;
@@ -187,9 +192,12 @@ std::vector<Charge> ExplainCharge(Stack& stack, const SideTables& side) {
     return charges;
 }
 
-const char* OwnerOf(Stack& stack) {
-    const char* owner = stack.GetResponsible();
-    return owner == nullptr || std::string_view(owner) == "." ? nullptr : owner;
+const char* OwnerOf(const Call& call) {
+    return Known(call.GetResponsible());
+}
+
+const char* OwnerOf(const Stack& stack) {
+    return Known(stack.GetResponsible());
 }
 
 } // namespace ostraka::reports

@@ -123,7 +123,9 @@ CallParts PartsOf(Call& call);
 enum class Charge { Charged, IgnoredCall, IgnoredOwner, NoFramework, Behind };
 std::vector<Charge> ExplainCharge(Stack& stack, const SideTables& side);
 
-// The owner of the framework charged; null when there is none or it isn't known.
-const char* OwnerOf(Stack& stack);
+// The owner of the framework of a call, or of that charged for a stack; null when there is none or it isn't
+// known.
+const char* OwnerOf(const Call& call);
+const char* OwnerOf(const Stack& stack);
 
 } // namespace ostraka::reports
