@@ -21,11 +21,6 @@ std::string FileOf(const Session& session, const TAPSyntaxe& node) {
     return session.Shown(node.GetSource().View());
 }
 
-std::string PlaceText(const Session& session, const TAPSyntaxe& node) {
-    const Place place = PlaceOf(node);
-    return fmt::format("{}:{}:{}", FileOf(session, node), place.line, place.column);
-}
-
 std::string PathOf(const TAPSyntaxe& node) {
     NUBRawCollint positions;
     node.GetTAPSyntaxePath(positions);
@@ -47,12 +42,13 @@ std::string OrUnknown(const std::optional<std::string>& text) {
 // Writes one answer, a question on each line.
 class AtText {
 public:
-    AtText(const Session& asked, std::string& text) : session(asked), out(text) {}
+    AtText(const Request& theRequest, const Session& asked, std::string& text)
+        : request(theRequest), session(asked), out(text) {}
 
     void Print(const NodeAt& at, const NodeAnswers& answers) {
         const TAPSyntaxe& node = *at.node;
-        fmt::format_to(std::back_inserter(out), "{}: {}  {}\n", PlaceText(session, node), DescriptionOf(node),
-                       ShownText(node));
+        fmt::format_to(std::back_inserter(out), "{}: {}  {}\n", PlaceOfNode(node),
+                       Colored(request, colorClass, DescriptionOf(node)), ShownText(node));
         if (at.isNearest) Line("nearest", fmt::format("at {}:{}", at.place.line, at.place.column));
         Line("path", PathOf(node));
         Line("type", OrUnknown(answers.type));
@@ -70,7 +66,7 @@ private:
         if (answers.declared.empty()) Line("declared", "unknown");
         for (const Declaration& each : answers.declared) Line("declared", Declared(each));
         if (answers.object) {
-            Line("object", fmt::format("{}: {}, {}", PlaceText(session, *answers.object->node),
+            Line("object", fmt::format("{}: {}, {}", PlaceOfNode(*answers.object->node),
                                        ShownText(*answers.object->node), OrUnknown(answers.object->type)));
         } else if (answers.isAccess) {
             Line("object", "unknown");
@@ -79,7 +75,7 @@ private:
     }
 
     std::string Declared(const Declaration& each) const {
-        std::string text = each.node != nullptr ? PlaceText(session, *each.node) + ": " : "";
+        std::string text = each.node != nullptr ? PlaceOfNode(*each.node) + ": " : "";
         text += each.as;
         return each.type.empty() ? text : text + ", " + each.type;
     }
@@ -90,6 +86,11 @@ private:
         return fmt::format("argument {} of {}", answer.argument, answer.arguments);
     }
 
+    std::string PlaceOfNode(const TAPSyntaxe& node) const {
+        return PlaceText(request, FileOf(session, node), PlaceOf(node));
+    }
+
+    const Request& request;
     const Session& session;
     std::string& out;
 };
@@ -149,7 +150,7 @@ void AnswerAt(const Request& request, const std::string& asked, Result& result) 
     if (request.format == Format::Json) {
         result.out += Document("at", ToJson(session, *at, answers));
     } else {
-        AtText(session, result.out).Print(*at, answers);
+        AtText(request, session, result.out).Print(*at, answers);
     }
 }
 

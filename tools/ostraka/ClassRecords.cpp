@@ -29,15 +29,6 @@ Shown ShownPlace(const Session& session, const TAPSyntaxePath* path) {
 
 } // namespace
 
-std::string Colored(const Request& request, std::string_view color, std::string_view text) {
-    return fmt::format("{}{}{}", Color(request.colorOutput, color), text,
-                       Color(request.colorOutput, colorOff));
-}
-
-std::string PlaceText(const Request& request, const std::string& file, const Place& place) {
-    return Colored(request, colorPlace, fmt::format("{}:{}:{}", file, place.line, place.column));
-}
-
 std::string PlaceText(const Request& request, const Session& session, const TAPSyntaxePath* path) {
     const Shown shown = ShownPlace(session, path);
     return PlaceText(request, shown.file, shown.place);

@@ -40,9 +40,7 @@ struct Kin {
 
 Kin KinOf(const TAPSymbolTable& table, const TAPDefClass& record);
 
-// As they stand in texts.
-std::string Colored(const Request& request, std::string_view color, std::string_view text);
-std::string PlaceText(const Request& request, const std::string& file, const Place& place);
+// As it stands in texts.
 std::string PlaceText(const Request& request, const Session& session, const TAPSyntaxePath* path);
 
 // As they stand in documents: a place as "file", "line" and "column", a class with its kind and base.

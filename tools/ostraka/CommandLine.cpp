@@ -112,10 +112,11 @@ constexpr VerbInfo verbs[] = {
 constexpr const char* classKinds[] = {"plain", "interface", "component"};
 
 constexpr std::string_view exitCodes =
-    "Exit codes: 0 done, 1 nothing found, 2 wrong usage, 3 some file failed and the rest is valid";
+    "Exit codes: 0 done, 1 nothing found{}, 2 wrong usage, 3 some file failed and the rest is valid";
 
 std::string Footer(const VerbInfo& info) {
-    return fmt::format("Examples:\n  {}\n\n{}", fmt::join(info.examples, "\n  "), exitCodes);
+    return fmt::format("Examples:\n  {}\n\n{}", fmt::join(info.examples, "\n  "),
+                       fmt::format(exitCodes, info.verb == Verb::Triage ? ", or --fail-on failed" : ""));
 }
 
 int FailUsage(std::string_view text) {
@@ -161,16 +162,16 @@ constexpr Choice<Format> questionFormats[] = {{"text", Format::Text}, {"json", F
 constexpr Choice<Format> tagsFormats[] = {{"ctags", Format::Tags}};
 constexpr Choice<Format> graphFormats[] = {
     {"text", Format::Text}, {"json", Format::Json}, {"dot", Format::Dot}};
-void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
+
+void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats,
+                      const char* jobs = "Share the files among N processes") {
     app.add_option("FILE", request.paths, "Files, folders to walk, or - for standard input")->type_name("");
     app.add_option("--files-from", request.filesFrom, "Take the files that LIST names, one a line")
         ->type_name("LIST");
     app.add_option("--compile-commands", request.compileCommands, "Take the files of a compile_commands.json")
         ->type_name("JSON");
     AddChoice<Format>(app, "--format", request.format, formats, "How to print");
-    app.add_option("--jobs", request.jobs, "Share the files among N processes")
-        ->check(CLI::Range(1, 256).description(""))
-        ->type_name("N");
+    app.add_option("--jobs", request.jobs, jobs)->check(CLI::Range(1, 256).description(""))->type_name("N");
     AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
     app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
 }
@@ -194,7 +195,7 @@ void AddQuestionOptions(CLI::App& app, Request& request, const char* what, const
     AddWorkspaceOptions(app, request);
     AddChoice<Format>(app, "--format", request.format, formats, "How to print");
     AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
-    app.add_flag("--quiet", request.quiet, "Print no counts on standard error");
+    app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
 }
 
 void AddAtOptions(CLI::App& app, Request& request) {
@@ -214,7 +215,7 @@ void AddIncludesOptions(CLI::App& app, Request& request) {
 
 // For verbs over all files of a run, which stand in one table.
 void AddTableOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
-    AddCommonOptions(app, request, formats);
+    AddCommonOptions(app, request, formats, "Taken as by other verbs; one process fills the one table");
     AddWorkspaceOptions(app, request);
     app.add_flag("--missing", request.missingOnly, "List the includes that find no header");
 }
@@ -367,7 +368,8 @@ int PrintManual(CLI::App& app, const std::vector<std::string>& words) {
 std::optional<int> ParseCommandLine(int argc, char** argv, Request& request) {
     CLI::App app("Reads C++ and IDL sources that no compiler here can build.", "ostraka");
     app.set_version_flag("--version", "ostraka " OSTRAKA_VERSION);
-    app.footer(std::string("Each verb has its own --help with examples.\n") + std::string(exitCodes));
+    app.footer("Each verb has its own --help with examples.\n" +
+               fmt::format(exitCodes, ", or a check failed"));
     std::vector<CLI::App*> chosen;
     for (const VerbInfo& info : verbs) chosen.push_back(AddVerb(app, info, request));
 

@@ -128,18 +128,21 @@ std::string KindOf(const Framework& framework) {
     return fmt::format("code, tested by {}", fmt::join(framework.tests, " "));
 }
 
-void PrintText(const Survey& survey, Console& console) {
+void PrintText(const Request& request, const Survey& survey, Console& console) {
+    const auto lacking = [&](std::string_view text) { return Colored(request, colorError, text); };
     for (const Framework& framework : survey.frameworks) {
         std::string line;
         AppendOneLine(line, framework.root + "/" + framework.name);
         line = fmt::format("{:<32}", line);
         if (survey.ownersKnown)
-            line += fmt::format("  {:<20}", framework.owner.empty() ? "no owner" : framework.owner);
-        console.Out(fmt::format("{}  {}\n", line, KindOf(framework)));
+            line += framework.owner.empty() ? lacking(fmt::format("  {:<20}", "no owner"))
+                                            : fmt::format("  {:<20}", framework.owner);
+        console.Out(fmt::format("{}  {}\n", line, Colored(request, colorClass, KindOf(framework))));
     }
-    for (const std::string& owner : survey.idle) console.Out(fmt::format("owner of nothing: {}\n", owner));
+    for (const std::string& owner : survey.idle)
+        console.Out(fmt::format("{}: {}\n", lacking("owner of nothing"), owner));
     for (const auto& [framework, owner] : survey.missing)
-        console.Out(fmt::format("no such framework: {}, of {}\n", framework, owner));
+        console.Out(fmt::format("{}: {}, of {}\n", lacking("no such framework"), framework, owner));
     if (!survey.ownersKnown) return;
     const auto unowned = std::count_if(survey.frameworks.begin(), survey.frameworks.end(),
                                        [](const Framework& f) { return f.owner.empty(); });
@@ -199,7 +202,7 @@ int RunFrameworks(const Request& request, Console& console) {
     }
     CompareOwners(owners, survey);
     if (request.format == Format::Text)
-        PrintText(survey, console);
+        PrintText(request, survey, console);
     else
         PrintJson(request, survey, console);
     complaints.Close();

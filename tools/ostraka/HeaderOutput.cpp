@@ -1,8 +1,9 @@
-#include <filesystem>
+#include <cerrno>
 #include <iterator>
 #include <system_error>
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 #include "HeaderPlaces.h"
 #include "Json.h"
@@ -22,17 +23,20 @@ std::string Described(const Session& session, const HeaderFile& file) {
     return text;
 }
 
-void PrintText(const Session& session, const HeaderAnswer& answer, std::string_view name, std::string& out) {
+void PrintText(const Request& request, const Session& session, const HeaderAnswer& answer,
+               std::string_view name, std::string& out) {
     const auto append = [&out](auto format, const auto&... values) {
         fmt::format_to(std::back_inserter(out), fmt::runtime(format), values...);
     };
     if (answer.found) {
-        append("{}:1:1: {}\n", session.Shown(answer.found->path), Described(session, *answer.found));
+        append("{}: {}\n", PlaceText(request, session.Shown(answer.found->path), {}),
+               Described(session, *answer.found));
         for (const HeaderFile& file : answer.hidden)
-            append("{}:1:1: hidden: {}\n", session.Shown(file.path), Described(session, file));
+            append("{}: hidden: {}\n", PlaceText(request, session.Shown(file.path), {}),
+                   Described(session, file));
         return;
     }
-    append("{} isn't in any of\n", name);
+    append("{} {} in any of\n", name, Colored(request, colorError, "isn't"));
     for (const HeaderPlace& place : answer.places) append("  {}\n", session.Shown(place.Pattern()));
     if (!answer.unseen.empty()) append("but there is\n");
     for (const std::string& path : answer.unseen) append("  {}\n", session.Shown(path));
@@ -69,10 +73,11 @@ JsonValue ToJson(const Session& session, const HeaderAnswer& answer, const std::
 } // namespace
 
 void AnswerHeader(const Request& request, const std::string& name, Result& result) {
-    std::error_code error;
-    if (!std::filesystem::is_regular_file(request.from, error)) {
+    if (const int cause = access(request.from.c_str(), R_OK) == 0 ? 0 : errno; cause != 0) {
         ++result.failed;
-        AppendMessage(result.err, request.from, std::nullopt, "error", "is no file", request.colorErrors);
+        AppendMessage(result.err, request.from, std::nullopt, "error", std::generic_category().message(cause),
+                      request.colorErrors);
+        return;
     }
     const Session session(request, {request.from});
     const std::string from = Session::Absolute(request.from);
@@ -81,7 +86,7 @@ void AnswerHeader(const Request& request, const std::string& name, Result& resul
     if (request.format == Format::Json) {
         result.out += Document("header", ToJson(session, answer, name, from));
     } else {
-        PrintText(session, answer, name, result.out);
+        PrintText(request, session, answer, name, result.out);
     }
 }
 

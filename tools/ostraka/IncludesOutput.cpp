@@ -18,8 +18,8 @@ namespace {
 // Writes the includes below one another. A file is unfolded where it is met first.
 class IncludeTree {
 public:
-    IncludeTree(const Session& asked, const IncludeGraph& files, std::string& text)
-        : session(asked), graph(files), out(text), states(files.size(), State::New) {}
+    IncludeTree(const Request& theRequest, const Session& asked, const IncludeGraph& files, std::string& text)
+        : request(theRequest), session(asked), graph(files), out(text), states(files.size(), State::New) {}
 
     void Print() {
         fmt::format_to(std::back_inserter(out), "{}\n", session.Shown(graph.front().path));
@@ -53,20 +53,22 @@ private:
         out.append(2 * open.size(), ' ');
         out += include.name;
         if (include.target < 0) {
-            out += ": not found\n";
+            fmt::format_to(std::back_inserter(out), ": {}\n", Colored(request, colorError, "not found"));
             return;
         }
         const auto target = static_cast<std::size_t>(include.target);
-        fmt::format_to(std::back_inserter(out), ": {}{}\n", session.Shown(graph[target].path), Mark(target));
+        fmt::format_to(std::back_inserter(out), ": {}{}\n",
+                       Colored(request, colorPlace, session.Shown(graph[target].path)), Mark(target));
         if (states[target] == State::New) Open(target);
     }
 
-    const char* Mark(std::size_t file) const {
-        if (!graph[file].hasTree) return " (failed)";
+    std::string Mark(std::size_t file) const {
+        if (!graph[file].hasTree) return Colored(request, colorError, " (failed)");
         if (states[file] == State::Open) return " (cycle)";
         return states[file] == State::Done && !graph[file].includes.empty() ? " (above)" : "";
     }
 
+    const Request& request;
     const Session& session;
     const IncludeGraph& graph;
     std::string& out;
@@ -81,11 +83,12 @@ void ForEachMissing(const IncludeGraph& graph, Visit visit) {
             if (include.target < 0) visit(file, include);
 }
 
-void PrintMissing(const Session& session, const IncludeGraph& graph, std::string& out) {
+void PrintMissing(const Request& request, const Session& session, const IncludeGraph& graph,
+                  std::string& out) {
     ForEachMissing(graph, [&](const IncludedFile& file, const Include& include) {
-        const Place place = include.place.value_or(Place());
-        fmt::format_to(std::back_inserter(out), "{}:{}:{}: {} not found\n", session.Shown(file.path),
-                       place.line, place.column, include.name);
+        fmt::format_to(std::back_inserter(out), "{}: {} {}\n",
+                       PlaceText(request, session.Shown(file.path), include.place.value_or(Place())),
+                       include.name, Colored(request, colorError, "not found"));
     });
 }
 
@@ -149,9 +152,9 @@ void AnswerIncludes(const Request& request, const std::string& path, Result& res
     } else if (request.format == Format::Dot) {
         PrintDot(session, graph, request, result.out);
     } else if (request.missingOnly) {
-        PrintMissing(session, graph, result.out);
+        PrintMissing(request, session, graph, result.out);
     } else {
-        IncludeTree(session, graph, result.out).Print();
+        IncludeTree(request, session, graph, result.out).Print();
     }
     if (!request.missingOnly && !request.quiet) CountMissing(graph, result.err);
 }

@@ -62,14 +62,15 @@ int ElementOf(const std::vector<Taken>& taken, int call) {
     return found == taken.end() ? -1 : static_cast<int>(found - taken.begin());
 }
 
-void AppendStack(std::string& out, const StackMask& mask, const StackGroup& group,
+void AppendStack(std::string& out, const Request& request, const StackMask& mask, const StackGroup& group,
                  const std::string& report) {
     Stack& stack = *group.Calls();
     const std::vector<Taken> taken = reports::TraceMask(mask, stack.calls, stack.GetSize());
-    AppendOneLine(out, ShownPath(report));
-    out += fmt::format(":{}:1: {} in {}, {} of {} calls taken\n", group.line, group.error->GetType(),
-                       Counted(group.records, "record"), mask.MatchMask(stack.calls, stack.GetSize()),
-                       stack.GetSize());
+    std::string path;
+    AppendOneLine(path, ShownPath(report));
+    out += fmt::format("{}: {} in {}, {} of {} calls taken\n", PlaceText(request, path, {group.line, 1}),
+                       Colored(request, colorError, group.error->GetType()), Counted(group.records, "record"),
+                       mask.MatchMask(stack.calls, stack.GetSize()), stack.GetSize());
     for (int i = 0; i < stack.GetSize(); ++i) {
         const int element = ElementOf(taken, i);
         std::string shown;
@@ -132,7 +133,8 @@ void PrintText(const Request& request, const std::vector<MaskUse>& uses,
     if (!request.report.masks.empty()) return PrintUses(uses, console);
     for (const StackGroup* group : uses.front().matched) {
         std::string out;
-        AppendStack(out, *uses.front().mask, *group, reports[static_cast<std::size_t>(group->report)].path);
+        AppendStack(out, request, *uses.front().mask, *group,
+                    reports[static_cast<std::size_t>(group->report)].path);
         console.Out(out);
     }
 }

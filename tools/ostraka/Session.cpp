@@ -130,6 +130,9 @@ std::string Session::Read(const std::string& absolute) {
     std::string problem;
     auto buffer = ReadFile(absolute, problem);
     if (!buffer) return problem;
+    const std::string_view text(buffer->buffer, static_cast<std::size_t>(buffer->size));
+    if (const std::size_t nul = text.find('\0'); nul != text.npos)
+        nuls.emplace_back(absolute, DescribeNul(text, nul));
     PrintedErrors printed;
     if (absolute.ends_with(".idl") || absolute.ends_with(".IDL")) {
         table->LoadIdlFile(buffer.release(), 1);
@@ -143,6 +146,7 @@ TAPSyntaxe* Session::Load(const std::string& path, Result& result) {
     const std::string absolute = Absolute(path);
     TellMissingRoots(result);
     if (Read(absolute).empty()) {
+        TellNuls(result);
         TellFailedSources(absolute, result);
         result.headers += std::max(table->sources.size - 1, 0);
     } else {
@@ -160,6 +164,7 @@ void Session::LoadOneOfMany(const Input& input) {
 
 void Session::TellFailures(Result& result) const {
     TellMissingRoots(result);
+    TellNuls(result);
     for (const Input& input : unread) TellFailure(input, "", result);
     TellFailedSources("", result);
 }
@@ -170,6 +175,12 @@ void Session::TellMissingRoots(Result& result) const {
         AppendMessage(result.err, Shown(root), std::nullopt, "error", "is no folder, and so no workspace",
                       request.colorErrors);
     }
+}
+
+void Session::TellNuls(Result& result) const {
+    if (request.quiet) return;
+    for (const auto& [path, nul] : nuls)
+        AppendMessage(result.err, Shown(path), nul.place, "warning", nul.cause, request.colorErrors);
 }
 
 // A file without a tree failed, and so may one with an empty tree, which is what an unreadable file gets.

@@ -9,11 +9,13 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "Request.h"
+#include "Text.h"
 #include "Verbs.h"
 
 namespace ostraka::tool {
@@ -53,12 +55,14 @@ private:
     void TellFailedSources(const std::string& loaded, Result& result) const;
     void TellFailure(const Input& input, std::string_view includer, Result& result) const;
     void TellMissingRoots(Result& result) const;
+    void TellNuls(Result& result) const;
     std::string Read(const std::string& absolute);
 
     const Request& request;
     std::string workingFolder; // with a slash at its end
     std::vector<std::string> missingRoots;
-    std::vector<Input> unread; // by absolute path, with the problem
+    std::vector<Input> unread;                         // by absolute path, with the problem
+    std::vector<std::pair<std::string, Failure>> nuls; // named files that a NUL ends early, by absolute path
     std::unique_ptr<TAPSymbolTable, Release> table;
 };
 

@@ -7,6 +7,8 @@
 #include <nlohmann/json.hpp>
 #include <ostraka/syntax/TAPSourceFile.h>
 
+#include "Request.h"
+
 namespace ostraka::tool {
 
 namespace {
@@ -97,6 +99,15 @@ void AppendMessage(std::string& out, std::string_view path, const std::optional<
     if (place) fmt::format_to(std::back_inserter(out), ":{}:{}", place->line, place->column);
     fmt::format_to(std::back_inserter(out), ": {}{}:{} {}\n", Color(color, colorError), severity,
                    Color(color, colorOff), cause);
+}
+
+std::string Colored(const Request& request, std::string_view color, std::string_view text) {
+    return fmt::format("{}{}{}", Color(request.colorOutput, color), text,
+                       Color(request.colorOutput, colorOff));
+}
+
+std::string PlaceText(const Request& request, std::string_view file, const Place& place) {
+    return Colored(request, colorPlace, fmt::format("{}:{}:{}", file, place.line, place.column));
 }
 
 } // namespace ostraka::tool

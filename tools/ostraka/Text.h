@@ -12,6 +12,8 @@ class TAPSourceFile;
 
 namespace ostraka::tool {
 
+struct Request;
+
 // A line and a column from 1, as editors count; a column counts bytes.
 struct Place {
     int line = 1;
@@ -60,5 +62,9 @@ constexpr std::string_view colorPlace = "\x1b[2m";
 constexpr std::string_view colorClass = "\x1b[36m";
 constexpr std::string_view colorError = "\x1b[1;31m";
 constexpr std::string_view colorOff = "\x1b[0m";
+
+// The text, and "file:line:column", as the request wants them on standard output.
+std::string Colored(const Request& request, std::string_view color, std::string_view text);
+std::string PlaceText(const Request& request, std::string_view file, const Place& place);
 
 } // namespace ostraka::tool
