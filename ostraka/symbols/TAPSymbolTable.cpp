@@ -146,6 +146,7 @@ void TAPSymbolTable::UnLoadAllFiles() {
 
 void TAPSymbolTable::releaseAll() {
     std::vector<TAPDefSource*> records;
+    records.reserve(static_cast<std::size_t>(sources.size));
     for (int i = 0; i < sources.size; ++i) records.push_back(valueAt<TAPDefSource>(sources, i));
     BreakCirclesOfTies(records);
     releaseValues<TAPDefClass>(classIndex);

@@ -20,7 +20,7 @@ public:
 private:
     int number;
     std::vector<int>& deaths;
-    char larger[64] = {}; // than the blocks of the pool
+    [[maybe_unused]] char larger[64] = {}; // than the blocks of the pool
 };
 
 TEST(NodeLife, ParentsHoldTheirChildren) {

@@ -140,8 +140,9 @@ std::vector<std::string> VerbNames() {
 
 // "1.4.2"; the root is "0".
 std::string CheckNode(const std::string& text) {
-    const bool shaped = !text.empty() && text.find_first_not_of("0123456789.") == text.npos &&
-                        text.find("..") == text.npos && text.front() != '.' && text.back() != '.';
+    const bool shaped = !text.empty() && text.find_first_not_of("0123456789.") == std::string_view::npos &&
+                        text.find("..") == std::string_view::npos && text.front() != '.' &&
+                        text.back() != '.';
     return shaped ? "" : "a node is a path of positions such as 1.4.2, not " + text;
 }
 
@@ -149,7 +150,7 @@ std::vector<int> ParseNode(const std::string& text) {
     std::vector<int> path;
     if (text == "0") return path;
     for (std::size_t at = 0; at < text.size();
-         at = text.find('.', at) == text.npos ? text.size() : text.find('.', at) + 1)
+         at = text.find('.', at) == std::string_view::npos ? text.size() : text.find('.', at) + 1)
         path.push_back(static_cast<int>(std::min(std::strtol(text.c_str() + at, nullptr, 10), 1L << 30)));
     return path;
 }
@@ -347,7 +348,7 @@ std::vector<std::string> Words(int argc, char** argv) {
     std::vector<std::string> words(argv + 1, argv + argc);
     if (!words.empty() && words.front() == "help") {
         words.erase(words.begin());
-        words.push_back("--help");
+        words.emplace_back("--help");
     }
     const auto isOther = [](const std::string& word) { return !word.starts_with("-:"); };
     const auto places = std::stable_partition(words.begin(), words.end(), isOther);

@@ -207,14 +207,12 @@ private:
     void TakeParenthesis() {
         const std::size_t past = SkipBrackets(text, at);
         if (TakePointer(past)) return;
-        if (word.empty()) {
-            at = past;
-        } else if (IsMacroBefore(past)) {
+        if (!word.empty() && IsMacroBefore(past)) {
             at = SkipBlanks(text, past);
             reading.begin = at;
             words = 0;
             word = {};
-        } else if (words >= 2 && !hasBody && HoldsValues(past)) {
+        } else if (word.empty() || (words >= 2 && !hasBody && HoldsValues(past))) {
             at = past;
         } else {
             reading.hasType = words >= 2;

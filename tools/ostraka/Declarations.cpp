@@ -263,8 +263,8 @@ private:
         const TAPSyntaxe& body = *around.container->Child(at.next);
         const TAPSourceFile& source = *body.GetTAPSourceFile();
         const std::string_view stream(source.GetStream(), static_cast<std::size_t>(source.GetSize()));
-        const std::size_t close =
-            stream.find('}', static_cast<std::size_t>(body.GetBegin() + body.GetSize()));
+        const std::size_t close = stream.find('}', static_cast<std::size_t>(body.GetBegin()) +
+                                                       static_cast<std::size_t>(body.GetSize()));
         const std::size_t past =
             std::min(stream.find_first_of(";{}(", std::min(close, stream.size() - 1) + 1), stream.size() - 1);
         if (close >= past || stream[past] != ';') return;

@@ -46,7 +46,7 @@ public:
 
     std::vector<Suspect> Run() {
         std::vector<Suspect> found;
-        for (std::size_t at = text.find_first_of("NS"); at != text.npos;
+        for (std::size_t at = text.find_first_of("NS"); at != std::string_view::npos;
              at = text.find_first_of("NS", at + 1))
             if (std::size_t past = PastUnclosed(at); past != 0) found.push_back({at, past});
         return found;
@@ -107,7 +107,7 @@ const char* CauseFor(const std::string& message) {
 std::optional<Place> PlaceInMessage(const std::string& message) {
     const std::size_t at = message.find(" line ");
     Place place;
-    if (at == message.npos ||
+    if (at == std::string_view::npos ||
         std::sscanf(message.c_str() + at, " line %d col %d", &place.line, &place.column) != 2)
         return std::nullopt;
     place.column = std::max(1, place.column - 1);
@@ -146,7 +146,7 @@ Failure DiagnoseStream(std::string_view text) {
     return {PlaceInText(text, real->begin), "missing ) for " + word + "("};
 }
 
-Failure DiagnoseTree(const TAPSourceFile& file, TAPSyntaxe& root, std::string message) {
+Failure DiagnoseTree(const TAPSourceFile& file, TAPSyntaxe& root, const std::string& message) {
     std::optional<Place> place = PlaceInMessage(message);
     // The builders go from left to right and stop at once: what failed is the last node that was made.
     if (!place) place = PlaceAt(file, root.GetLastLeaf()->GetBegin());

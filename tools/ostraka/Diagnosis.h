@@ -36,7 +36,7 @@ private:
 Failure DiagnoseStream(std::string_view text);
 
 // For a tree that couldn't be built: `message` is the library's own text.
-Failure DiagnoseTree(const TAPSourceFile& file, TAPSyntaxe& root, std::string message);
+Failure DiagnoseTree(const TAPSourceFile& file, TAPSyntaxe& root, const std::string& message);
 
 // For a text of which the library reads only what stands before a NUL at `nul`.
 Failure DescribeNul(std::string_view text, std::size_t nul);

@@ -54,10 +54,10 @@ public:
         int depth = 0;
         const TAPDefClass& last = kin.bases.empty() ? record : *kin.bases.back();
         if (HasBase(last) && !kin.inCircle) branches.push_back({last.parent, nullptr, depth++});
-        for (auto base = kin.bases.rbegin(); base != kin.bases.rend(); ++base) {
-            branches.push_back({(*base)->name, *base, depth++});
-            seen.insert((*base)->name);
-        }
+        std::for_each(kin.bases.rbegin(), kin.bases.rend(), [&](TAPDefClass* base) {
+            branches.push_back({base->name, base, depth++});
+            seen.insert(base->name);
+        });
         Unfold(record.name, depth);
         return std::move(branches);
     }
@@ -73,8 +73,9 @@ private:
             if (!seen.insert(branch.name).second) continue;
             const auto below = derived.find(branch.name);
             if (below != derived.end())
-                for (auto next = below->second.rbegin(); next != below->second.rend(); ++next)
-                    waiting.push_back({(*next)->name, *next, branch.depth + 1});
+                std::for_each(below->second.rbegin(), below->second.rend(), [&](TAPDefClass* next) {
+                    waiting.push_back({next->name, next, branch.depth + 1});
+                });
             branches.push_back(std::move(branch));
         }
     }

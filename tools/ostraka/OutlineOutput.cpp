@@ -146,7 +146,7 @@ void AppendField(std::string& tag, const char* field, std::string_view value) {
 std::string TagLine(const std::string& file, const OutlineEntry& declaration, char letter,
                     std::string_view line) {
     // Whoever wrote the line breaks as single carriage returns has one line.
-    const std::string address = line.empty() || line.find('\r') != line.npos
+    const std::string address = line.empty() || line.find('\r') != std::string_view::npos
                                     ? std::to_string(declaration.namePlace.line)
                                     : PatternFor(line);
     std::string tag = fmt::format("{}\t{}\t{};\"\t{}\tline:{}", declaration.name, file, address, letter,

@@ -131,7 +131,7 @@ std::string Session::Read(const std::string& absolute) {
     auto buffer = ReadFile(absolute, problem);
     if (!buffer) return problem;
     const std::string_view text(buffer->buffer, static_cast<std::size_t>(buffer->size));
-    if (const std::size_t nul = text.find('\0'); nul != text.npos)
+    if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos)
         nuls.emplace_back(absolute, DescribeNul(text, nul));
     PrintedErrors printed;
     if (absolute.ends_with(".idl") || absolute.ends_with(".IDL")) {

@@ -37,14 +37,14 @@ void AppendEscape(std::string& out, char c) {
 // Copies the characters that `keep` accepts in runs and escapes the others.
 template <class Keep>
 void AppendEscapedUnless(std::string& out, std::string_view text, Keep keep) {
-    auto run = text.begin();
-    for (auto at = run; at != text.end(); ++at) {
-        if (keep(*at)) continue;
-        out.append(run, at);
-        AppendEscape(out, *at);
+    std::size_t run = 0;
+    for (std::size_t at = 0; at < text.size(); ++at) {
+        if (keep(text[at])) continue;
+        out += text.substr(run, at - run);
+        AppendEscape(out, text[at]);
         run = at + 1;
     }
-    out.append(run, text.end());
+    out += text.substr(run);
 }
 
 bool ContinuesCharacter(char c) {

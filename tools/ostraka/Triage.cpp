@@ -50,11 +50,13 @@ std::string KeyOf(const StackGroup& group, TotalKey key) {
 std::vector<Total> AddUp(const std::vector<TriageItem>& items, const std::vector<TotalKey>& by) {
     std::map<std::vector<std::string>, Tally> tallies;
     for (const TriageItem& item : items) {
-        std::vector<std::string> keys;
-        for (const TotalKey key : by) keys.push_back(KeyOf(*item.group, key));
+        std::vector<std::string> keys(by.size());
+        std::transform(by.begin(), by.end(), keys.begin(),
+                       [&](TotalKey key) { return KeyOf(*item.group, key); });
         tallies[keys].Add(item);
     }
     std::vector<Total> totals;
+    totals.reserve(tallies.size());
     for (const auto& [keys, tally] : tallies) totals.push_back({keys, tally});
     std::stable_sort(totals.begin(), totals.end(), [](const Total& a, const Total& b) {
         return std::pair(a.tally.bytes, a.tally.count) > std::pair(b.tally.bytes, b.tally.count);

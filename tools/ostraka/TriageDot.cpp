@@ -7,6 +7,7 @@
 #include <map>
 #include <numeric>
 #include <set>
+#include <tuple>
 #include <utility>
 
 #include <fmt/format.h>
@@ -30,7 +31,6 @@ struct Weight {
         bytes += group.bytes;
         ++stacks;
     }
-    auto operator<=>(const Weight&) const = default;
 };
 
 struct Node {
@@ -104,9 +104,10 @@ void AddStack(Picture& picture, const StackGroup& group, const std::vector<Charg
 std::vector<std::size_t> Heaviest(const std::vector<Node>& nodes, std::size_t limit) {
     std::vector<std::size_t> order(nodes.size());
     std::iota(order.begin(), order.end(), std::size_t{0});
-    std::sort(order.begin(), order.end(), [&](std::size_t a, std::size_t b) {
-        if (nodes[a].all != nodes[b].all) return nodes[a].all > nodes[b].all;
-        return nodes[a].name < nodes[b].name;
+    std::sort(order.begin(), order.end(), [&](std::size_t left, std::size_t right) {
+        const Weight& a = nodes[left].all;
+        const Weight& b = nodes[right].all;
+        return std::tie(b.bytes, b.stacks, nodes[left].name) < std::tie(a.bytes, a.stacks, nodes[right].name);
     });
     order.resize(std::min(order.size(), limit));
     return order;

@@ -21,7 +21,8 @@ bool TakeNumber(std::string_view& text, std::int64_t& number) {
 // "==123== Memcheck, a memory error detector"
 bool IsValgrindText(std::string_view line) {
     const std::size_t past = line.find_first_not_of("0123456789", 2);
-    return line.starts_with("==") && past > 2 && past != line.npos && line.substr(past).starts_with("== ");
+    return line.starts_with("==") && past > 2 && past != std::string_view::npos &&
+           line.substr(past).starts_with("== ");
 }
 
 class FrameLineReader : public LineReader {
@@ -34,7 +35,7 @@ private:
             fault = {LineNumber(), 1, "is the text of Valgrind, which has to run with --xml=yes"};
             return;
         }
-        if (line.find_first_not_of(" \t") == line.npos) return TakeEnd();
+        if (line.find_first_not_of(" \t") == std::string_view::npos) return TakeEnd();
         if (!open) {
             record.Clear();
             record.line = LineNumber();

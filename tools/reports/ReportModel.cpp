@@ -163,7 +163,7 @@ CallParts PartsOf(Call& call) {
     const std::string_view text = call.GetCall();
     const std::size_t bracket = text.find('[');
     const std::size_t colon = text.find(':', bracket);
-    if (bracket == text.npos || colon == text.npos) return parts;
+    if (bracket == std::string_view::npos || colon == std::string_view::npos) return parts;
     parts.path = text.substr(bracket + 1, colon - bracket - 1);
     std::from_chars(text.data() + colon + 1, text.data() + text.size(), parts.line);
     parts.line = std::max(parts.line, 0);

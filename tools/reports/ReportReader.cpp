@@ -6,7 +6,7 @@ namespace ostraka::reports {
 
 bool LineReader::Feed(std::string_view piece) {
     std::size_t end = piece.find('\n');
-    for (; end != piece.npos; end = piece.find('\n')) {
+    for (; end != std::string_view::npos; end = piece.find('\n')) {
         if (unfinished.empty()) {
             Cut(piece.substr(0, end));
         } else {
@@ -35,10 +35,10 @@ void LineReader::Cut(std::string_view line) {
 
 ReportForm TellForm(std::string_view beginning) {
     const std::size_t first = beginning.find_first_not_of("\xef\xbb\xbf \t\r\n");
-    const std::string_view text = first == beginning.npos ? "" : beginning.substr(first);
+    const std::string_view text = first == std::string_view::npos ? "" : beginning.substr(first);
     if (text.starts_with("<?xml") || text.starts_with("<valgrindoutput")) return ReportForm::Valgrind;
     for (const std::string_view sign : {"Sanitizer: ", "Direct leak of ", "Indirect leak of "})
-        if (text.find(sign) != text.npos) return ReportForm::Sanitizer;
+        if (text.find(sign) != std::string_view::npos) return ReportForm::Sanitizer;
     return ReportForm::FrameLines;
 }
 

@@ -16,7 +16,7 @@ bool IsDigit(char c) {
 // The last byte that only a place has, as in "a/b.cpp" and "b.cpp:12", or `npos`.
 std::size_t LastOfPlace(std::string_view text) {
     const std::size_t colon = text.rfind(':');
-    if (colon != text.npos && colon + 1 < text.size() &&
+    if (colon != std::string_view::npos && colon + 1 < text.size() &&
         std::all_of(text.begin() + static_cast<std::ptrdiff_t>(colon) + 1, text.end(), IsDigit))
         return colon;
     return text.rfind('/');
@@ -30,11 +30,11 @@ std::size_t SourceBracket(std::string_view text) {
     for (std::size_t at = text.size(); at-- > 0;) {
         if (text[at] == ']') ++open;
         if (text[at] != '[' || --open > 0 || (open == 0 && !closed)) continue;
-        if (at == 0 || text[at - 1] == ' ' || (place != text.npos && place > at)) return at;
+        if (at == 0 || text[at - 1] == ' ' || (place != std::string_view::npos && place > at)) return at;
         if (closed) break;
         open = 0;
     }
-    return text.npos;
+    return std::string_view::npos;
 }
 
 std::string_view Trimmed(std::string_view text) {

@@ -17,7 +17,7 @@ constexpr std::string_view leaks = "detected memory leaks";
 constexpr std::string_view buildId = " (BuildId: ";
 
 bool Contains(std::string_view text, std::string_view part) {
-    return text.find(part) != text.npos;
+    return text.find(part) != std::string_view::npos;
 }
 
 bool IsDigit(char c) {
@@ -27,7 +27,7 @@ bool IsDigit(char c) {
 // What stands behind the first `label`, or nothing.
 std::string_view Behind(std::string_view text, std::string_view label) {
     const std::size_t at = text.find(label);
-    return at == text.npos ? std::string_view() : text.substr(at + label.size());
+    return at == std::string_view::npos ? std::string_view() : text.substr(at + label.size());
 }
 
 std::int64_t NumberBehind(std::string_view text, std::string_view label) {
@@ -48,7 +48,7 @@ std::string_view KindOf(std::string_view text) {
 // Takes ":12" off the end; the digits, or nothing.
 std::string_view TakeLineNumber(std::string_view& text) {
     const std::size_t colon = text.find_last_not_of("0123456789");
-    if (colon == text.npos || text[colon] != ':' || colon + 1 == text.size()) return {};
+    if (colon == std::string_view::npos || text[colon] != ':' || colon + 1 == text.size()) return {};
     const std::string_view digits = text.substr(colon + 1);
     text.remove_suffix(digits.size() + 1);
     return digits;
@@ -58,7 +58,8 @@ std::string_view TakeLineNumber(std::string_view& text) {
 void AddCall(std::string_view text, CallTexts& calls) {
     text = text.substr(0, text.rfind(buildId));
     const std::size_t parenthesis = text.rfind('(');
-    if (text.ends_with(')') && parenthesis != text.npos && Contains(text.substr(parenthesis), "+0x")) {
+    if (text.ends_with(')') && parenthesis != std::string_view::npos &&
+        Contains(text.substr(parenthesis), "+0x")) {
         const std::string_view module = text.substr(parenthesis + 1);
         const std::size_t past = text.find_last_not_of(' ', parenthesis == 0 ? 0 : parenthesis - 1);
         const std::string_view function = parenthesis == 0 ? "" : text.substr(0, past + 1);
@@ -69,8 +70,8 @@ void AddCall(std::string_view text, CallTexts& calls) {
     // With two numbers the second is the column.
     if (const std::string_view first = TakeLineNumber(text); !first.empty()) line = first;
     const std::size_t slash = text.find(" /");
-    const std::size_t blank = slash == text.npos ? text.rfind(' ') : slash;
-    if (blank == text.npos) return calls.Add("", text, line);
+    const std::size_t blank = slash == std::string_view::npos ? text.rfind(' ') : slash;
+    if (blank == std::string_view::npos) return calls.Add("", text, line);
     calls.Add(text.substr(0, blank), text.substr(blank + 1), line);
 }
 

@@ -78,10 +78,10 @@ constexpr RegionWord regionWords[] = {
 
 Region RegionOf(std::string_view what) {
     // "Address 0x8 is not stack'd, malloc'd or (recently) free'd"
-    if (what.starts_with(addressLabel) && what.find(" is not ") != what.npos)
+    if (what.starts_with(addressLabel) && what.find(" is not ") != std::string_view::npos)
         return RegionOfAddress(what.substr(addressLabel.size()));
     for (const RegionWord& row : regionWords)
-        if (what.find(row.word) != what.npos) return row.region;
+        if (what.find(row.word) != std::string_view::npos) return row.region;
     return Region::Unknown;
 }
 
@@ -122,7 +122,8 @@ struct HashOfText {
 std::string BlanksFor(std::string_view text) {
     const auto lines = static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     const std::size_t last = text.rfind('\n');
-    return std::string(lines, '\n') + std::string(text.size() - (last == text.npos ? 0 : last + 1), ' ');
+    return std::string(lines, '\n') +
+           std::string(text.size() - (last == std::string_view::npos ? 0 : last + 1), ' ');
 }
 
 class ValgrindReader : public ReportReader {
@@ -143,7 +144,7 @@ public:
     ValgrindReader& operator=(const ValgrindReader&) = delete;
 
     bool Feed(std::string_view piece) override {
-        for (std::size_t tag = piece.find(stackTag); tag != piece.npos && !fault;
+        for (std::size_t tag = piece.find(stackTag); tag != std::string_view::npos && !fault;
              tag = piece.find(stackTag)) {
             Parse(piece.substr(0, tag + stackTag.size()), false);
             piece.remove_prefix(tag + stackTag.size());
@@ -164,9 +165,9 @@ private:
     void TakeFrames(std::string_view& piece) {
         while (!fault) {
             const std::size_t begin = piece.find_first_not_of(" \t\r\n");
-            if (begin == piece.npos || !piece.substr(begin).starts_with(frameTag)) return;
+            if (begin == std::string_view::npos || !piece.substr(begin).starts_with(frameTag)) return;
             const std::size_t end = piece.find(frameEnd, begin);
-            if (end == piece.npos) return;
+            if (end == std::string_view::npos) return;
             const std::string_view frame = piece.substr(0, end + frameEnd.size());
             piece.remove_prefix(frame.size());
             if (const auto known = knownFrames.find(frame); known != knownFrames.end()) {
