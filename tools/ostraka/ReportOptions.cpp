@@ -58,21 +58,23 @@ void AddOwnerOptions(CLI::App& app, ReportRequest& report) {
         ->type_name("FILE");
 }
 
+void AddInputOptions(CLI::App& app, Request& request, const char* words, const char* description) {
+    app.add_option(words, request.paths, description)->type_name("");
+    app.add_option("--files-from", request.filesFrom, "Take the reports that LIST names, one a line")
+        ->type_name("LIST");
+}
+
 void AddShowOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
     AddChoice<Format>(app, "--format", request.format, formats, "How to print");
     AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
     app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
 }
 
-constexpr const char* reportWords = "Reports, folders of them, or - for standard input";
-
 } // namespace
 
 void AddTriageOptions(CLI::App& app, Request& request) {
     ReportRequest& report = request.report;
-    app.add_option("REPORT", request.paths, reportWords)->type_name("");
-    app.add_option("--files-from", request.filesFrom, "Take the reports that LIST names, one a line")
-        ->type_name("LIST");
+    AddInputOptions(app, request, "REPORT", "Reports, folders of them, or - for standard input");
     AddOwnerOptions(app, report);
     AddTable(app, "--ignore-calls", report.ignoredCalls, "Charge no call whose function is in FILE");
     AddTable(app, "--ignore-owners", report.ignoredOwners, "Charge no call of an owner in FILE");
@@ -101,10 +103,7 @@ void AddTriageOptions(CLI::App& app, Request& request) {
 }
 
 void AddMaskOptions(CLI::App& app, Request& request) {
-    app.add_option("MASK REPORT", request.paths, "A mask, such as @!Foo::Bar(@!@@!main@, and reports")
-        ->type_name("");
-    app.add_option("--files-from", request.filesFrom, "Take the reports that LIST names, one a line")
-        ->type_name("LIST");
+    AddInputOptions(app, request, "MASK REPORT", "A mask, such as @!Foo::Bar(@!@@!main@, and reports");
     app.add_option("--masks", request.report.masks,
                    "Count how often each mask of FILE is used, and take no MASK")
         ->type_name("FILE");

@@ -47,10 +47,4 @@ std::unique_ptr<ReportReader> MakeReader(ReportForm form, RecordTaker& taker) {
     return form == ReportForm::Sanitizer ? MakeSanitizerReader(taker) : MakeFrameLineReader(taker);
 }
 
-std::optional<ReportFault> ReadReport(std::string_view text, RecordTaker& taker) {
-    const auto reader = MakeReader(TellForm(text.substr(0, formLength)), taker);
-    if (reader->Feed(text)) reader->End();
-    return reader->Fault();
-}
-
 } // namespace ostraka::reports

@@ -47,7 +47,4 @@ ReportForm TellForm(std::string_view beginning);
 // type in three capitals and, if it is known, how often it happened and how many bytes it lost: "MLK 3 120".
 std::unique_ptr<ReportReader> MakeReader(ReportForm form, RecordTaker& taker);
 
-// Reads a whole text: for small ones.
-std::optional<ReportFault> ReadReport(std::string_view text, RecordTaker& taker);
-
 } // namespace ostraka::reports
