@@ -48,6 +48,7 @@ bool HasBase(const TAPDefClass& record) {
 
 std::vector<TAPDefClass*> ClassesOf(const TAPSymbolTable& table) {
     std::vector<TAPDefClass*> classes;
+    classes.reserve(static_cast<std::size_t>(table.classIndex.size));
     for (int i = 0; i < table.classIndex.size; ++i)
         classes.push_back(static_cast<TAPDefClass*>(table.classIndex.values[i]));
     return classes;
