@@ -171,10 +171,8 @@ void AddCommonOptions(CLI::App& app, Request& request, std::span<const Choice<Fo
         ->type_name("LIST");
     app.add_option("--compile-commands", request.compileCommands, "Take the files of a compile_commands.json")
         ->type_name("JSON");
-    AddChoice<Format>(app, "--format", request.format, formats, "How to print");
     app.add_option("--jobs", request.jobs, jobs)->check(CLI::Range(1, 256).description(""))->type_name("N");
-    AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
-    app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
+    AddOutputOptions(app, request, formats);
 }
 
 void AddWorkspaceOptions(CLI::App& app, Request& request) {
@@ -194,9 +192,7 @@ void AddQuestionOptions(CLI::App& app, Request& request, const char* what, const
                         std::span<const Choice<Format>> formats) {
     app.add_option(what, request.paths, description)->type_name("")->required()->expected(1);
     AddWorkspaceOptions(app, request);
-    AddChoice<Format>(app, "--format", request.format, formats, "How to print");
-    AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
-    app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
+    AddOutputOptions(app, request, formats);
 }
 
 void AddAtOptions(CLI::App& app, Request& request) {

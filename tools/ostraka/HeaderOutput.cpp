@@ -1,9 +1,8 @@
-#include <cerrno>
+#include <filesystem>
 #include <iterator>
 #include <system_error>
 
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include "HeaderPlaces.h"
 #include "Json.h"
@@ -73,11 +72,10 @@ JsonValue ToJson(const Session& session, const HeaderAnswer& answer, const std::
 } // namespace
 
 void AnswerHeader(const Request& request, const std::string& name, Result& result) {
-    if (const int cause = access(request.from.c_str(), R_OK) == 0 ? 0 : errno; cause != 0) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(request.from, error)) {
         ++result.failed;
-        AppendMessage(result.err, request.from, std::nullopt, "error", std::generic_category().message(cause),
-                      request.colorErrors);
-        return;
+        AppendMessage(result.err, request.from, std::nullopt, "error", "is no file", request.colorErrors);
     }
     const Session session(request, {request.from});
     const std::string from = Session::Absolute(request.from);

@@ -1,6 +1,6 @@
-#include <algorithm>
 #include <iterator>
-#include <span>
+#include <string>
+#include <unordered_set>
 #include <vector>
 
 #include <fmt/format.h>
@@ -92,25 +92,51 @@ void PrintMissing(const Request& request, const Session& session, const IncludeG
     });
 }
 
-// Files are drawn in the order in which they are met, which is that of their distance.
+// The nodes of a drawing, as long as there is room for them.
+class Nodes {
+public:
+    explicit Nodes(int limit) : room(static_cast<std::size_t>(limit)) {}
+
+    // Whether the node is drawn.
+    bool Take(const std::string& name) {
+        if (drawn.size() < room) drawn.insert(name);
+        if (drawn.contains(name)) return true;
+        leftOut.insert(name);
+        return false;
+    }
+
+    std::size_t LeftOut() const { return leftOut.size(); }
+
+private:
+    std::size_t room;
+    std::unordered_set<std::string> drawn;
+    std::unordered_set<std::string> leftOut;
+};
+
+// Files have room first, in the order in which they are met, which is that of their distance; then the names
+// that find none.
 void PrintDot(const Session& session, const IncludeGraph& graph, const Request& request, std::string& out) {
     out += "digraph includes {\n  rankdir=LR;\n  node [shape=box];\n";
-    const std::size_t count = std::min(graph.size(), static_cast<std::size_t>(request.limit));
-    for (const IncludedFile& file : std::span(graph).first(count)) {
-        const std::string from = Quoted(session.Shown(file.path));
-        if (!file.hasTree) fmt::format_to(std::back_inserter(out), "  {} [color=red];\n", from);
+    Nodes nodes(request.limit);
+    if (!request.missingOnly)
+        for (const IncludedFile& file : graph) nodes.Take(session.Shown(file.path));
+    for (const IncludedFile& file : graph) {
+        const std::string from = session.Shown(file.path);
+        if (!file.hasTree && nodes.Take(from))
+            fmt::format_to(std::back_inserter(out), "  {} [color=red];\n", Quoted(from));
         for (const Include& include : file.includes) {
-            if (include.target < 0) {
-                fmt::format_to(std::back_inserter(out), "  {} -> {} [style=dashed];\n", from,
-                               Quoted(include.name));
-            } else if (!request.missingOnly && static_cast<std::size_t>(include.target) < count) {
-                const IncludedFile& target = graph[static_cast<std::size_t>(include.target)];
-                fmt::format_to(std::back_inserter(out), "  {} -> {};\n", from,
-                               Quoted(session.Shown(target.path)));
-            }
+            const bool isMissing = include.target < 0;
+            if (request.missingOnly && !isMissing) continue;
+            const std::string to = isMissing
+                                       ? include.name
+                                       : session.Shown(graph[static_cast<std::size_t>(include.target)].path);
+            const bool hasFrom = nodes.Take(from);
+            if (!nodes.Take(to) || !hasFrom) continue;
+            fmt::format_to(std::back_inserter(out), "  {} -> {}{};\n", Quoted(from), Quoted(to),
+                           isMissing ? " [style=dashed]" : "");
         }
     }
-    out += LeftOut(graph.size() - count, "files") + "}\n";
+    out += LeftOut(nodes.LeftOut(), "files") + "}\n";
 }
 
 JsonValue ToJson(const Session& session, const IncludeGraph& graph, bool missingOnly) {

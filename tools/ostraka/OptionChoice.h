@@ -50,6 +50,12 @@ void AddChoice(CLI::App& app, const char* option, Enum& value, std::span<const C
         ->type_name(fmt::format("{}", fmt::join(names, "|")));
 }
 
+inline void AddOutputOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
+    AddChoice<Format>(app, "--format", request.format, formats, "How to print");
+    AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
+    app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
+}
+
 inline void AddLimitOption(CLI::App& app, Request& request) {
     app.add_option("--limit", request.limit, "Draw no more than N of them")
         ->check(CLI::Range(1, 1000000).description(""))

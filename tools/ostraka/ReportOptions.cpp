@@ -64,12 +64,6 @@ void AddInputOptions(CLI::App& app, Request& request, const char* words, const c
         ->type_name("LIST");
 }
 
-void AddShowOptions(CLI::App& app, Request& request, std::span<const Choice<Format>> formats) {
-    AddChoice<Format>(app, "--format", request.format, formats, "How to print");
-    AddChoice<ColorMode>(app, "--color", request.color, colorModes, "When to use colour");
-    app.add_flag("--quiet", request.quiet, "Print no warnings, no progress and no count of failures");
-}
-
 } // namespace
 
 void AddTriageOptions(CLI::App& app, Request& request) {
@@ -99,7 +93,7 @@ void AddTriageOptions(CLI::App& app, Request& request) {
     AddChoice<FailOn>(app, "--fail-on", report.failOn, failures,
                       "Exit with 1 when there are such stacks, filtered ones aside");
     AddLimitOption(app, request);
-    AddShowOptions(app, request, triageFormats);
+    AddOutputOptions(app, request, triageFormats);
 }
 
 void AddMaskOptions(CLI::App& app, Request& request) {
@@ -107,7 +101,7 @@ void AddMaskOptions(CLI::App& app, Request& request) {
     app.add_option("--masks", request.report.masks,
                    "Count how often each mask of FILE is used, and take no MASK")
         ->type_name("FILE");
-    AddShowOptions(app, request, listFormats);
+    AddOutputOptions(app, request, listFormats);
 }
 
 void AddFrameworksOptions(CLI::App& app, Request& request) {
@@ -117,7 +111,7 @@ void AddFrameworksOptions(CLI::App& app, Request& request) {
         ->type_name("ROOT[:ROOT...]");
     AddOwnerOptions(app, request.report);
     app.add_flag("--ask", request.report.ask, "Ask the command ls_test_fw for the tests of each framework");
-    AddShowOptions(app, request, listFormats);
+    AddOutputOptions(app, request, listFormats);
 }
 
 bool TakeMask(Request& request) {

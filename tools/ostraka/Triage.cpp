@@ -40,19 +40,14 @@ bool Worse(const TriageItem& left, const TriageItem& right) {
     return place(a) < place(b);
 }
 
-std::string KeyOf(const StackGroup& group, TotalKey key) {
-    const char* text = group.error->GetType();
-    if (key == TotalKey::Owner) text = reports::OwnerOf(*group.Calls());
-    if (key == TotalKey::Framework) text = group.Calls()->GetFwResponsible();
-    return text == nullptr ? "" : text;
-}
-
 std::vector<Total> AddUp(const std::vector<TriageItem>& items, const std::vector<TotalKey>& by) {
     std::map<std::vector<std::string>, Tally> tallies;
     for (const TriageItem& item : items) {
         std::vector<std::string> keys(by.size());
-        std::transform(by.begin(), by.end(), keys.begin(),
-                       [&](TotalKey key) { return KeyOf(*item.group, key); });
+        std::transform(by.begin(), by.end(), keys.begin(), [&](TotalKey key) {
+            const char* text = KeyOf(*item.group, *item.group->Calls(), key);
+            return text == nullptr ? "" : text;
+        });
         tallies[keys].Add(item);
     }
     std::vector<Total> totals;
@@ -128,9 +123,9 @@ bool CheckFailed(const Triage& triage) {
 void Tally::Add(const TriageItem& item) {
     ++stacks;
     newStacks += item.isNew ? 1 : 0;
-    records += item.group->records;
-    count += item.group->count;
-    bytes += item.group->bytes;
+    records = reports::Sum(records, item.group->records);
+    count = reports::Sum(count, item.group->count);
+    bytes = reports::Sum(bytes, item.group->bytes);
 }
 
 const char* NameOf(TotalKey key) {

@@ -54,6 +54,17 @@ struct Triage {
     }
 };
 
+// What a stack of the group, or one of its calls, is counted under; null where nobody is known.
+template <class Charged>
+const char* KeyOf(const reports::StackGroup& group, const Charged& charged, TotalKey key) {
+    switch (key) {
+    case TotalKey::Owner: return reports::OwnerOf(charged);
+    case TotalKey::Framework: return charged.GetFwResponsible();
+    case TotalKey::Type: break;
+    }
+    return group.error->GetType();
+}
+
 // What is printed where nobody is known, by key.
 constexpr const char* nobody[] = {"no owner", "no framework", ""};
 

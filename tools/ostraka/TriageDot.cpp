@@ -28,7 +28,7 @@ struct Weight {
     std::int64_t stacks = 0;
 
     void Add(const StackGroup& group) {
-        bytes += group.bytes;
+        bytes = reports::Sum(bytes, group.bytes);
         ++stacks;
     }
 };
@@ -65,9 +65,7 @@ std::string NameOf(const StackGroup& group, Call& call, const std::vector<TotalK
     std::string name;
     for (const TotalKey key : by) {
         if (framework == nullptr) break;
-        const char* text = group.error->GetType();
-        if (key == TotalKey::Framework) text = framework;
-        if (key == TotalKey::Owner) text = reports::OwnerOf(call);
+        const char* text = KeyOf(group, call, key);
         if (!name.empty()) name += '\n';
         name += text ? text : nobody[static_cast<int>(key)];
     }

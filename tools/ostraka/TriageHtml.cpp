@@ -1,10 +1,8 @@
 // The page is a file of its own, which is compiled in; its data goes where it has a mark. Stacks name their
 // calls by places in one list, since most calls stand in many stacks.
 
-#include <algorithm>
 #include <unordered_map>
-
-#include <fmt/format.h>
+#include <vector>
 
 #include "ReportJson.h"
 #include "Text.h"
@@ -30,20 +28,33 @@ class CallList {
 public:
     std::size_t PlaceOf(Call& call) {
         const auto [known, isNew] = places.try_emplace(call.GetCall(), calls.size());
-        if (isNew) {
-            const reports::CallParts parts = reports::PartsOf(call);
-            calls.push_back(parts.path.empty() ? Json::array({parts.function})
-                                               : Json::array({parts.function, parts.path, parts.line}));
-        }
+        if (isNew) calls.push_back(&call);
         return known->second;
     }
 
-    const Json& Calls() const { return calls; }
+    const std::vector<Call*>& Calls() const { return calls; }
 
 private:
     std::unordered_map<const char*, std::size_t> places; // equal calls have one text
-    Json calls = Json::array();
+    std::vector<Call*> calls;
 };
+
+Json CallJson(Call& call) {
+    const reports::CallParts parts = reports::PartsOf(call);
+    return parts.path.empty() ? Json::array({parts.function})
+                              : Json::array({parts.function, parts.path, parts.line});
+}
+
+template <class Elements, class MakeJson>
+void PrintList(Console& console, const Elements& elements, MakeJson makeJson) {
+    std::string_view separator = "[\n";
+    for (const auto& element : elements) {
+        console.Out(separator);
+        console.Out(Inlined(makeJson(element)));
+        separator = ",\n";
+    }
+    console.Out(elements.empty() ? "[]" : "]");
+}
 
 Json StackJson(const Triage& triage, const TriageItem& item, CallList& calls) {
     Stack& stack = *item.group->Calls();
@@ -79,15 +90,12 @@ void PrintTriageHtml(const Triage& triage, Console& console) {
     frame.back() = ',';
     console.Out(triagePage.substr(0, data));
     console.Out(frame);
-    console.Out("\"stacks\":[");
     CallList calls;
-    std::string_view separator = "\n";
-    for (const TriageItem& item : triage.items) {
-        console.Out(separator);
-        console.Out(Inlined(StackJson(triage, item, calls)));
-        separator = ",\n";
-    }
-    console.Out(fmt::format("\n],\"calls\":{}}}", Inlined(calls.Calls())));
+    console.Out("\"stacks\":");
+    PrintList(console, triage.items, [&](const TriageItem& item) { return StackJson(triage, item, calls); });
+    console.Out(",\"calls\":");
+    PrintList(console, calls.Calls(), [](Call* call) { return CallJson(*call); });
+    console.Out("}");
     console.Out(triagePage.substr(data + mark.size()));
 }
 

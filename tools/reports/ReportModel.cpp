@@ -14,11 +14,6 @@ namespace {
 
 constexpr int stackWords = CallTexts::most;
 
-std::int64_t Sum(std::int64_t a, std::int64_t b) {
-    std::int64_t sum = 0;
-    return __builtin_add_overflow(a, b, &sum) ? std::numeric_limits<std::int64_t>::max() : sum;
-}
-
 int CountForLibrary(std::int64_t count) {
     return static_cast<int>(std::clamp<std::int64_t>(count, 0, std::numeric_limits<int>::max()));
 }
@@ -38,6 +33,11 @@ void Store(Error* error, bool leak) {
 }
 
 } // namespace
+
+std::int64_t Sum(std::int64_t a, std::int64_t b) {
+    std::int64_t sum = 0;
+    return __builtin_add_overflow(a, b, &sum) ? std::numeric_limits<std::int64_t>::max() : sum;
+}
 
 ReportModel::ReportModel()
     : tables{SideTables{TAPIndexContainer::ErrorLongStackIndex,

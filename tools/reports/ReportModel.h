@@ -39,6 +39,9 @@ struct SideTables {
     std::vector<std::unique_ptr<StackMask>> cuts;
 };
 
+// Of numbers that reports tell, none of which is negative; at most the greatest there is.
+std::int64_t Sum(std::int64_t a, std::int64_t b);
+
 // Reports that tell the same: of one type, with the same calls, and treated by the same filter.
 struct StackGroup {
     Error* error = nullptr; // its long stack is that of the first report
