@@ -146,7 +146,9 @@ void PrintText(const Request& request, const Survey& survey, Console& console) {
     if (!survey.ownersKnown) return;
     const auto unowned = std::count_if(survey.frameworks.begin(), survey.frameworks.end(),
                                        [](const Framework& f) { return f.owner.empty(); });
-    console.Out(fmt::format("{} frameworks, {} without an owner\n", survey.frameworks.size(), unowned));
+    console.Out(fmt::format("{}, {} without an owner\n",
+                            Counted(static_cast<std::int64_t>(survey.frameworks.size()), "framework"),
+                            unowned));
 }
 
 Json FrameworkJson(const Survey& survey, const Framework& framework) {

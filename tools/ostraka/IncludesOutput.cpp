@@ -164,7 +164,8 @@ void CountMissing(const IncludeGraph& graph, std::string& err) {
     int count = 0;
     ForEachMissing(graph, [&](const IncludedFile&, const Include&) { ++count; });
     if (count > 0)
-        fmt::format_to(std::back_inserter(err), "ostraka: {} includes not found, see --missing\n", count);
+        fmt::format_to(std::back_inserter(err), "ostraka: {} not found, see --missing\n",
+                       Counted(count, "include"));
 }
 
 } // namespace

@@ -70,7 +70,7 @@ void TellMissing(const Request& request, const Session& session, Result& result)
                           fmt::format("header {} not found", header.name), request.colorErrors);
     if (request.quiet) return;
     if (const int count = CountMissingHeaders(session.Table()); count > 0)
-        result.err += fmt::format("ostraka: {} includes not found{}\n", count,
+        result.err += fmt::format("ostraka: {} not found{}\n", Counted(count, "include"),
                                   request.missingOnly ? "" : ", see --missing");
 }
 
