@@ -7,8 +7,8 @@
 #include <fstream>
 #include <vector>
 
-#include <reports/ReportModel.h>
-#include <reports/ReportReader.h>
+#include <answers/reports/ReportModel.h>
+#include <answers/reports/ReportReader.h>
 
 #include "Measure.h"
 

@@ -5,7 +5,7 @@
 #include <cstring>
 #include <string>
 
-#include <reports/ReportReader.h>
+#include <answers/reports/ReportReader.h>
 
 #include "Check.h"
 

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include <reports/ReportReader.h>
+#include <answers/reports/ReportReader.h>
 
 using namespace ostraka::reports;
 

@@ -1,0 +1,425 @@
+// A pass over the text, which steps over whatever stands in brackets. The last word before the end of a
+// declarator is its name: before `(` that of a function, before `=`, `:`, `,` or the end that of a variable.
+
+#include <answers/facts/DeclarationText.h>
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+#include <utility>
+
+#include <answers/facts/Escapes.h>
+
+namespace ostraka::answers {
+
+namespace {
+
+struct Keyword {
+    std::string_view word;
+    DeclarationKind kind;
+};
+
+constexpr Keyword scopeWords[] = {
+    {"class", DeclarationKind::Class},         {"interface", DeclarationKind::Class},
+    {"struct", DeclarationKind::Struct},       {"exception", DeclarationKind::Struct},
+    {"union", DeclarationKind::Union},         {"enum", DeclarationKind::Enum},
+    {"namespace", DeclarationKind::Namespace}, {"module", DeclarationKind::Namespace},
+};
+
+// They are neither a type nor a name.
+constexpr std::string_view modifiers[] = {
+    "static",  "virtual",  "inline", "extern",    "explicit", "mutable", "register", "const", "volatile",
+    "typedef", "readonly", "oneway", "attribute", "class",    "struct",  "union",    "enum",  "interface"};
+constexpr std::string_view notDeclaring[] = {"using", "friend", "return", "goto",      "delete", "throw",
+                                             "case",  "import", "public", "protected", "private"};
+// They stand behind the arguments of a function.
+constexpr std::string_view behindArguments[] = {"const", "volatile", "throw", "raises", "context"};
+
+constexpr std::string_view exportMark = "ExportedBy";
+
+template <std::size_t count>
+bool IsOneOf(std::string_view word, const std::string_view (&words)[count]) {
+    return std::find(std::begin(words), std::end(words), word) != std::end(words);
+}
+
+bool IsWordCharacter(char c) {
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_' || (c & 0x80) != 0;
+}
+
+bool StartsName(char c) {
+    return (IsWordCharacter(c) && std::isdigit(static_cast<unsigned char>(c)) == 0) || c == '~';
+}
+
+std::size_t SkipBlanks(std::string_view text, std::size_t at) {
+    return std::min(text.find_first_not_of(' ', at), text.size());
+}
+
+std::string_view WordAt(std::string_view text, std::size_t at) {
+    std::size_t past = at;
+    if (past < text.size() && text[past] == '~') ++past;
+    while (past < text.size() && IsWordCharacter(text[past])) ++past;
+    return text.substr(std::min(at, text.size()), past - at);
+}
+
+// Past the quoted text that begins here.
+std::size_t SkipQuoted(std::string_view text, std::size_t at) {
+    const char quote = text[at];
+    for (++at; at < text.size() && text[at] != quote; ++at)
+        if (text[at] == '\\') ++at;
+    return std::min(at + 1, text.size());
+}
+
+bool IsQuote(char c) {
+    return c == '"' || c == '\'';
+}
+
+// Past the bracket that closes the one that stands here, whatever its kind, or the end.
+std::size_t SkipBrackets(std::string_view text, std::size_t at) {
+    int open = 0;
+    while (at < text.size()) {
+        const char c = text[at];
+        if (IsQuote(c)) {
+            at = SkipQuoted(text, at);
+            continue;
+        }
+        ++at;
+        if (c == '(' || c == '[' || c == '{') ++open;
+        if (c == ')' || c == ']' || c == '}') --open;
+        if (open == 0) break;
+    }
+    return at;
+}
+
+// Past the `>` that closes the `<` that stands here; 0 if there is none.
+std::size_t SkipAngles(std::string_view text, std::size_t at) {
+    int open = 0;
+    while (at < text.size()) {
+        const char c = text[at];
+        if (IsQuote(c)) {
+            at = SkipQuoted(text, at);
+        } else if (c == '(' || c == '[' || c == '{') {
+            at = SkipBrackets(text, at);
+        } else {
+            ++at;
+            if (c == '<') ++open;
+            if (c == '>' && --open == 0) return at;
+        }
+    }
+    return 0;
+}
+
+// The first of these characters outside of brackets and quotes, or the end. A "::" is no ':'.
+std::size_t FindOutside(std::string_view text, std::size_t at, std::string_view wanted) {
+    while (at < text.size()) {
+        const char c = text[at];
+        if (text.substr(at, 2) == "::") {
+            at += 2;
+        } else if (wanted.find(c) != std::string_view::npos) {
+            break;
+        } else if (IsQuote(c)) {
+            at = SkipQuoted(text, at);
+        } else {
+            at = c == '(' || c == '[' || c == '{' ? SkipBrackets(text, at) : at + 1;
+        }
+    }
+    return std::min(at, text.size());
+}
+
+std::string_view Trimmed(std::string_view text) {
+    const std::size_t begin = SkipBlanks(text, 0);
+    return text.substr(begin, text.find_last_not_of(' ') + 1 - begin);
+}
+
+DeclaredName NameIn(std::string_view text, std::string_view scope, std::string_view name) {
+    return {scope, name, static_cast<std::size_t>(name.data() - text.data())};
+}
+
+class DeclaratorReading {
+public:
+    // `types` is 1 where the type has been read already; `start` is what is known before.
+    DeclaratorReading(std::string_view whole, std::size_t begin, int types, bool body,
+                      DeclarationReading start)
+        : text(whole), at(begin), words(types), hasBody(body), reading(std::move(start)) {}
+
+    DeclarationReading Run() {
+        while (at < text.size() && !reading.kind) Step();
+        if (reading.kind) return std::move(reading);
+        CloseName();
+        if (!reading.names.empty()) reading.kind = DeclarationKind::Variable;
+        return std::move(reading);
+    }
+
+private:
+    void Step() {
+        const char c = text[at];
+        if (StartsName(c)) return TakeWord();
+        if (text.substr(at, 2) == "::") {
+            isQualified = !word.empty();
+            at += 2;
+        } else if (c == '(') {
+            TakeParenthesis();
+        } else if (c == '=' || c == ':') {
+            at = FindOutside(text, at + 1, ",");
+        } else if (c == ',') {
+            CloseName();
+            ++at;
+        } else if (c == '<' && !word.empty() && hasAngles) {
+            const std::size_t past = SkipAngles(text, at);
+            hasAngles = past != 0;
+            at = std::max(past, at + 1);
+        } else if (IsQuote(c)) {
+            at = SkipQuoted(text, at);
+        } else if (c == '[' || c == '{') {
+            at = SkipBrackets(text, at);
+        } else {
+            at += std::max<std::size_t>(WordAt(text, at).size(), 1); // a number is no name
+        }
+    }
+
+    void TakeWord() {
+        const std::string_view next = WordAt(text, at);
+        if (next == "operator") return TakeOperator();
+        if (!IsOneOf(next, modifiers)) {
+            if (!isQualified) {
+                chainBegin = at;
+                ++words;
+            }
+            scope = isQualified ? text.substr(chainBegin, wordPast - chainBegin) : std::string_view();
+            word = next;
+            wordPast = at + next.size();
+            isQualified = false;
+        }
+        at += std::max<std::size_t>(next.size(), 1);
+    }
+
+    // The name goes up to the arguments: `operator()`, `operator const char*`.
+    void TakeOperator() {
+        const std::size_t begin = at;
+        std::size_t sign = SkipBlanks(text, at + std::string_view("operator").size());
+        if (text.substr(sign, 1) == "(") sign = SkipBrackets(text, sign);
+        at = std::min(text.find('(', sign), text.size());
+        scope = isQualified ? text.substr(chainBegin, wordPast - chainBegin) : std::string_view();
+        word = Trimmed(text.substr(begin, at - begin));
+        reading.hasType = true;
+        TakeFunction();
+    }
+
+    void TakeParenthesis() {
+        const std::size_t past = SkipBrackets(text, at);
+        if (TakePointer(past)) return;
+        if (!word.empty() && IsMacroBefore(past)) {
+            at = SkipBlanks(text, past);
+            reading.begin = at;
+            words = 0;
+            word = {};
+        } else if (word.empty() || (words >= 2 && !hasBody && HoldsValues(past))) {
+            at = past;
+        } else {
+            reading.hasType = words >= 2;
+            TakeFunction();
+        }
+    }
+
+    // `(*name)(...)`, `(Ship::*name)(...)`, `(&name)[3]`.
+    bool TakePointer(std::size_t past) {
+        const bool hasMore = past < text.size() && (text[past] == '(' || text[past] == '[');
+        if (words == 0 || (words > 1 && !hasMore)) return false;
+        const std::size_t first = SkipBlanks(text, at + 1);
+        std::size_t inner = first;
+        while (inner < past && (IsWordCharacter(text[inner]) || text[inner] == ':')) ++inner;
+        if (inner >= past || (inner > first && text[inner - 1] != ':')) return false;
+        if (text[inner] != '*' && text[inner] != '&') return false;
+        while (inner < past && !StartsName(text[inner])) ++inner;
+        word = WordAt(text.substr(0, past), inner);
+        scope = {};
+        words = std::max(words, 2);
+        at = past;
+        if (text.substr(at, 1) == "(") at = SkipBrackets(text, at);
+        return true;
+    }
+
+    // A call of a macro in front of a declaration, which needs no `;`.
+    bool IsMacroBefore(std::size_t past) const {
+        const std::string_view next = WordAt(text, SkipBlanks(text, past));
+        return words < 2 && scope.empty() && !next.empty() && StartsName(next.front()) &&
+               !IsOneOf(next, behindArguments);
+    }
+
+    // `Ship tug("Tug", 3)` declares a variable.
+    bool HoldsValues(std::size_t past) const {
+        const std::size_t first = SkipBlanks(text, at + 1);
+        const char c = first < past ? text[first] : ')';
+        return IsQuote(c) || std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '&';
+    }
+
+    void TakeFunction() {
+        reading.kind = DeclarationKind::Function;
+        reading.names = {NameIn(text, scope, word)};
+        const std::size_t past = SkipBrackets(text, at);
+        reading.arguments = text.substr(at, past - at);
+        if (hasBody) reading.past = FindOutside(text, past, ":");
+    }
+
+    // A declaration needs a type before the first name.
+    void CloseName() {
+        if (!word.empty() && words >= 2) reading.names.push_back(NameIn(text, scope, word));
+        word = scope = {};
+        isQualified = false;
+    }
+
+    const std::string_view text;
+    std::size_t at;
+    int words; // read so far that are a type or a name, a qualified one being one
+    const bool hasBody;
+    bool hasAngles = true;    // until a `<` turns out to be no bracket
+    bool isQualified = false; // a "::" stands between the last word and the next one
+    std::size_t chainBegin = 0;
+    std::size_t wordPast = 0;
+    std::string_view word, scope; // what would be the name
+    DeclarationReading reading;
+};
+
+// What may stand before a declaration: a language, attributes, the parameters of a template, which belong to
+// what is shown.
+struct Prefixes {
+    std::size_t shown = 0;
+    std::size_t past = 0;
+};
+
+Prefixes ReadPrefixes(std::string_view text) {
+    constexpr std::string_view templateWord = "template";
+    Prefixes prefixes;
+    bool isTemplate = false;
+    for (std::size_t at = SkipBlanks(text, 0);; at = SkipBlanks(text, at)) {
+        if (!isTemplate) prefixes.shown = at;
+        prefixes.past = at;
+        if (at < text.size() && text[at] == '"') {
+            at = SkipQuoted(text, at);
+        } else if (at < text.size() && text[at] == '[') {
+            at = SkipBrackets(text, at);
+        } else if (WordAt(text, at) == templateWord) {
+            const std::size_t angle = SkipBlanks(text, at + templateWord.size());
+            at = angle < text.size() && text[angle] == '<' ? SkipAngles(text, angle) : 0;
+            if (at == 0) at = text.size(); // an instantiation
+            isTemplate = true;
+        } else {
+            return prefixes;
+        }
+    }
+}
+
+// The name in the head of a class, if it is one: `class ExportedByShips Ship: public CoastObject`, but not
+// `struct tm* now()`.
+struct Head {
+    bool isHead = false;
+    std::string_view name;
+};
+
+Head ReadHead(std::string_view text) {
+    text = Trimmed(text.substr(0, FindOutside(text, 0, ":")));
+    if (text.ends_with(')') || text.ends_with(")const") || text.find('=') != std::string_view::npos)
+        return {};
+    text = text.substr(0, text.find('<'));
+    Head head{true, {}};
+    for (std::size_t at = 0; at < text.size(); at += std::max<std::size_t>(WordAt(text, at).size(), 1)) {
+        if (text[at] == '(') at = SkipBrackets(text, at);
+        const std::string_view word = WordAt(text, at);
+        if (!word.empty() && !word.starts_with(exportMark)) head.name = word;
+    }
+    return head;
+}
+
+// `class ExportedByShips Ship` and nothing else.
+bool IsForward(std::string_view text) {
+    int names = 0;
+    for (std::size_t at = SkipBlanks(text, 0); at < text.size(); at = SkipBlanks(text, at)) {
+        const std::string_view word = WordAt(text, at);
+        if (word.empty() || !StartsName(word.front())) return false;
+        if (!word.starts_with(exportMark)) ++names;
+        at += word.size();
+    }
+    return names == 1;
+}
+
+const Keyword* KeywordOf(std::string_view word) {
+    const auto* found = std::find_if(std::begin(scopeWords), std::end(scopeWords),
+                                     [=](const Keyword& row) { return row.word == word; });
+    return found == std::end(scopeWords) ? nullptr : found;
+}
+
+// What stands behind the keyword: the head of a body, a name declared in advance, or no more than the type of
+// a variable or a function.
+void ReadNamedType(std::string_view text, std::size_t past, const Keyword& keyword, bool hasBody,
+                   DeclarationReading& reading) {
+    const std::string_view behind = text.substr(past);
+    const Head head = ReadHead(behind);
+    if (hasBody && head.isHead) {
+        reading.kind = keyword.kind;
+    } else if (!hasBody && !reading.isTypedef && keyword.kind != DeclarationKind::Namespace &&
+               IsForward(behind)) {
+        reading.kind = DeclarationKind::Forward;
+    }
+    if (reading.kind && !head.name.empty()) reading.names = {NameIn(text, {}, head.name)};
+}
+
+} // namespace
+
+DeclarationReading ReadDeclaration(std::string_view text, bool hasBody) {
+    const Prefixes prefixes = ReadPrefixes(text);
+    DeclarationReading reading;
+    reading.begin = prefixes.shown;
+    reading.past = text.size();
+    if (prefixes.past == text.size()) {
+        if (hasBody && text.starts_with('"')) reading.kind = DeclarationKind::Namespace;
+        return reading;
+    }
+    std::size_t past = prefixes.past;
+    std::string_view word = WordAt(text, past);
+    while (IsOneOf(word, modifiers) && KeywordOf(word) == nullptr) {
+        reading.isTypedef = reading.isTypedef || word == "typedef";
+        past = SkipBlanks(text, past + word.size());
+        word = WordAt(text, past);
+    }
+    if (IsOneOf(word, notDeclaring)) return reading;
+    if (const Keyword* keyword = KeywordOf(word)) {
+        ReadNamedType(text, past + word.size(), *keyword, hasBody, reading);
+        if (reading.kind || keyword->kind == DeclarationKind::Namespace) return reading;
+    }
+    return DeclaratorReading(text, prefixes.past, 0, hasBody, std::move(reading)).Run();
+}
+
+std::vector<DeclaredName> ReadNamesBehindBody(std::string_view text) {
+    return DeclaratorReading(text, 0, 1, false, {}).Run().names;
+}
+
+std::vector<EnumeratorText> ReadEnumerators(std::string_view body) {
+    std::vector<EnumeratorText> found;
+    for (std::size_t at = 0; at < body.size();) {
+        at = SkipBlanks(body, at);
+        const std::size_t past = FindOutside(body, at, ",");
+        const std::string_view name = WordAt(body, at);
+        if (!name.empty() && StartsName(name.front()))
+            found.push_back({name, Trimmed(body.substr(at, past - at)), at});
+        at = past + 1;
+    }
+    return found;
+}
+
+std::string ReadableLine(std::string_view text) {
+    std::string spaced;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t past = IsQuote(text[at]) ? SkipQuoted(text, at) : at + 1;
+        spaced += text.substr(at, past - at);
+        const char next = past < text.size() ? text[past] : ' ';
+        if ((text[at] == ',' && next != ' ') || (text[at] == ')' && StartsName(next)) ||
+            (text[at] == '=' && IsQuote(next)) ||
+            (text[at] == '>' && at > 0 && text[at - 1] != '-' && StartsName(next)))
+            spaced += ' ';
+        at = past;
+    }
+    std::string line;
+    AppendOneLine(line, spaced);
+    return line;
+}
+
+} // namespace ostraka::answers

@@ -1,0 +1,67 @@
+#pragma once
+
+// How one declaration reads by its text alone. The symbol table keeps classes with their methods and members;
+// what it has no record of, as structs, operators, or several names in one statement, an outline still wants.
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace ostraka::answers {
+
+enum class DeclarationKind {
+    Class, // with a body, also an interface
+    Struct,
+    Union,
+    Namespace,
+    Forward,
+    Enum,
+    Enumerator,
+    Typedef,
+    Method, // in the body of its class
+    Member,
+    Implementation, // of a method, outside of its class
+    Function,       // declared
+    FunctionBody,
+    Variable,
+    Tie, // of the interface `name` to the class `scope`
+};
+
+// Texts point into the text that was read.
+struct DeclaredName {
+    std::string_view scope; // what stands before the last "::" of a qualified name
+    std::string_view name;
+    std::size_t at = 0; // where the name stands
+};
+
+struct DeclarationReading {
+    // What it is as far as the text tells, Method and Member aside; none for a call of a macro.
+    std::optional<DeclarationKind> kind;
+    bool isTypedef = false;          // also of a struct or an enum with a body
+    bool hasType = false;            // of a function: something stands before its name, or it is an operator
+    std::vector<DeclaredName> names; // empty for what has none, as `enum {`
+    std::size_t begin = 0;           // behind macros and attributes that stand before the declaration
+    std::size_t past = 0;            // behind a function's arguments and what belongs to them
+    std::string_view arguments;      // of a function, with the parentheses
+};
+
+// Reads a statement, or what stands before a body. It takes normalised text without its `;`.
+DeclarationReading ReadDeclaration(std::string_view text, bool hasBody);
+
+// The names of `side` and `* all` in `enum Side { ... } side, *all`, which stand behind the body.
+std::vector<DeclaredName> ReadNamesBehindBody(std::string_view text);
+
+// The names of `Red, Green = 2`, each with what is written for it.
+struct EnumeratorText {
+    std::string_view name;
+    std::string_view text;
+    std::size_t at = 0;
+};
+std::vector<EnumeratorText> ReadEnumerators(std::string_view body);
+
+// Normalised text as one line, with the blanks that a reader expects: "f(int a, int b) const".
+std::string ReadableLine(std::string_view text);
+
+} // namespace ostraka::answers

@@ -1,0 +1,28 @@
+#pragma once
+
+// Where something stands in a file, and why a file couldn't be read whole.
+
+#include <optional>
+#include <string>
+
+class TAPSourceFile;
+
+namespace ostraka::answers {
+
+// A line and a column from 1, as editors count; a column counts bytes.
+struct Place {
+    int line = 1;
+    int column = 1;
+};
+
+// Why a file has no stream or no complete tree, and where that shows if it can be told.
+struct Failure {
+    std::optional<Place> place;
+    std::string cause;
+};
+
+// The place of a stream position. One outside the stream counts as the nearest inside, and a blank that
+// stands for a line's end counts as the first column of the line behind it.
+Place PlaceAt(const TAPSourceFile& source, int pos);
+
+} // namespace ostraka::answers

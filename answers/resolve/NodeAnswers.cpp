@@ -1,0 +1,358 @@
+// Three steps. What is around the node: blocks, from the inside out, with the heads before them. Then, for a
+// name, what it belongs to: a name on the right of an operator belongs to the class on the left of it, any
+// other to the nearest of blocks, classes, the file. Then the type, which the declaration may know better.
+
+#include <answers/resolve/NodeAnswers.h>
+
+#include <algorithm>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include <fmt/format.h>
+#include <ostraka/symbols/TAPSymbolTable.h>
+
+#include <answers/resolve/NodeText.h>
+
+namespace ostraka::answers {
+
+namespace {
+
+using Text = std::optional<std::string>;
+
+Text NotEmpty(const NUBString& text) {
+    if (text.Length() == 0) return std::nullopt;
+    return std::string(text.View());
+}
+
+// The class that a type names. Example: `const Foo_var&` gives `Foo`.
+std::string ClassOfType(std::string_view type) {
+    constexpr std::string_view qualifier = "const ";
+    constexpr std::string_view handle = "_var";
+    if (type.starts_with(qualifier)) type.remove_prefix(qualifier.size());
+    type = type.substr(0, type.find_last_not_of(" *&") + 1);
+    if (type.ends_with(handle)) type.remove_suffix(handle.size());
+    return std::string(type);
+}
+
+// What stands before the block on its level: the head of a class or of a function.
+TAPSyntaxe* HeadOf(const TAPSyntaxe& block) {
+    return block.GetType() == STYPE_Bloc ? block.GetParent()->GetPrevious(&block) : nullptr;
+}
+
+bool IsClassHead(const TAPSyntaxe* head) {
+    return head != nullptr && head->GetType() == STYPE_Declaration && head->ChildCount() > 0 &&
+           (head->StartWith("class ") != 0 || head->StartWith("interface ") != 0);
+}
+
+const char* ClassOfHead(const TAPSyntaxe& head) {
+    return head.Child(1)->GetContent();
+}
+
+// The operator on whose right side the name stands, called or not; else null. It has no left side where that
+// is an instruction of its own, as `f()` is in `f()->g()`.
+const TAPSyntaxe* OperatorBefore(TAPSyntaxe& name, std::initializer_list<const char*> operators) {
+    const TAPSyntaxe* side = name.GetParent();
+    const auto* call = TAPSyntaxe::NavigateFrom(name.GetParent(), SNAV_Parent, SNAV_ExprTest, "mt", 0);
+    if (call != nullptr && call->Child(1) == side) side = call;
+    const TAPSyntaxe* whole = side != nullptr ? side->GetParent() : nullptr;
+    if (whole == nullptr || whole->Child(whole->ChildCount()) != side) return nullptr;
+    const bool isOne = std::any_of(operators.begin(), operators.end(), [=](const char* spelling) {
+        return whole->GetType() == STYPE_Expression && KindOf(*whole) == spelling;
+    });
+    return isOne ? whole : nullptr;
+}
+
+TAPSyntaxe* LeftSide(const TAPSyntaxe& operation) {
+    return operation.ChildCount() > 1 ? operation.Child(1) : nullptr;
+}
+
+// Names that are kept without a node.
+struct NameIndex {
+    TAIndex TAPSymbolTable::*index;
+    const char* as;
+};
+
+constexpr NameIndex nameIndexes[] = {
+    {&TAPSymbolTable::keywords, "keyword"},
+    {&TAPSymbolTable::basicTypes, "basic type"},
+    {&TAPSymbolTable::enumNames, "enum"},
+    {&TAPSymbolTable::typedefNames, "typedef"},
+    {&TAPSymbolTable::interfaceNames, "interface"},
+    {&TAPSymbolTable::types, "type"},
+    {&TAPSymbolTable::macros, "macro"},
+};
+
+class Asking {
+public:
+    Asking(TAPSymbolTable& symbols, TAPSyntaxe& asked)
+        : table(symbols), node(asked), name(asked.ChildCount() < 2 ? asked.GetContent() : "") {}
+
+    NodeAnswers All() {
+        AskAround();
+        if (node.GetType() == STYPE_Identifiant) {
+            AskObject();
+            AskName();
+        }
+        AskType();
+        return std::move(answers);
+    }
+
+private:
+    void AskAround() {
+        answers.className = NotEmpty(table.GetClassName(&node));
+        NUBString method;
+        if (table.GetMethodName(&node, method) == 0) answers.method = NotEmpty(method);
+        const TAPSyntaxe* inner = nullptr; // the block passed last
+        for (TAPSyntaxe* around = &node; around->GetParent() != nullptr; around = around->GetParent()) {
+            topLevel = around;
+            if (around->GetType() != STYPE_Bloc) continue;
+            TAPSyntaxe* head = HeadOf(*around);
+            if (IsClassHead(head)) AskClass(ClassOfHead(*head), inner);
+            inner = around;
+        }
+        if (topLevel != nullptr) AskTopLevel();
+    }
+
+    // The body of a method in the class is the block directly below that of the class.
+    void AskClass(const char* className, const TAPSyntaxe* body) {
+        if (!answers.className) answers.className = className;
+        const Signature method = body != nullptr ? SignatureOf(HeadOf(*body)) : Signature();
+        if (!answers.method && !method.name.empty())
+            answers.method = fmt::format("{}::{}", className, method.name);
+    }
+
+    // The node may stand in the body of a function, or in the head before that.
+    void AskTopLevel() {
+        TAPSyntaxe* head = HeadOf(*topLevel);
+        if (head == nullptr) {
+            TAPSyntaxe* next = topLevel->GetParent()->GetNext(topLevel);
+            if (next == nullptr || next->GetType() != STYPE_Bloc) return;
+            head = topLevel;
+            bodyBehind = next;
+        }
+        const Signature function = SignatureOf(head);
+        if (!function.className.empty()) answers.className = function.className;
+        if (!answers.method && !function.name.empty()) answers.method = function.Name();
+    }
+
+    // What a head declares or implements; empty for other nodes.
+    struct Signature {
+        std::string className;
+        std::string name;
+        TAPSyntaxe* args = nullptr;
+
+        std::string Name() const { return className.empty() ? name : className + "::" + name; }
+    };
+
+    Signature SignatureOf(TAPSyntaxe* head) {
+        NUBString first;
+        NUBString second;
+        TAPSyntaxe* args = nullptr;
+        if (table.IsMethodImplementation(head, first, second, args) != 0)
+            return {std::string(first.View()), std::string(second.View()), args};
+        if (table.IsFunctionImplementation(head, second, args = nullptr) != 0 ||
+            table.IsFunctionDeclaration(head, first, second, args = nullptr) == 2)
+            return {"", std::string(second.View()), args};
+        return {};
+    }
+
+    void AskObject() {
+        TAPSyntaxe* cast = nullptr;
+        TAPSyntaxe* object = table.FindObject(&node, &cast);
+        if (object == nullptr) return;
+        answers.object = Object{object, cast != nullptr ? Text(cast->GetContent()) : TypeOf(*object)};
+    }
+
+    void AskName() {
+        const TAPSyntaxe* scope = OperatorBefore(node, {"::"});
+        const TAPSyntaxe* access = OperatorBefore(node, {"->", "."});
+        answers.isAccess = access != nullptr;
+        belongs = scope != nullptr || access != nullptr;
+        if (belongs) return AskOwner(LeftSide(scope != nullptr ? *scope : *access));
+        AskBlocks();
+        if (!IsKnown()) AskClassIndex();
+        if (!IsKnown() && answers.className) AskRecords(*answers.className);
+        if (!IsKnown()) AskFile();
+        if (!IsKnown()) AskIndexes();
+    }
+
+    // The class of what stands on the left, which may be nothing.
+    void AskOwner(TAPSyntaxe* left) {
+        if (left == nullptr) return;
+        if (!answers.isAccess) return AskRecords(left->GetLastLeaf()->GetContent());
+        const Text type = answers.object ? answers.object->type : TypeOf(*left);
+        if (type) AskRecords(ClassOfType(*type));
+    }
+
+    bool IsKnown() const { return !answers.declared.empty(); }
+
+    void Add(TAPSyntaxe* declared, std::string as, std::string_view type = {}) {
+        answers.declared.push_back({declared, std::move(as), std::string(type)});
+    }
+
+    void AskBlocks() {
+        NUBString type;
+        TAPSyntaxe* found = table.FindDeclare(&node, type, nullptr, 0);
+        if (found == nullptr && bodyBehind != nullptr) found = table.FindDeclare(&node, type, bodyBehind, 0);
+        for (TAPSyntaxe* around = &node; found == nullptr && around->GetParent() != nullptr;
+             around = around->GetParent()) {
+            found = FindInLoops(*around, type);
+            if (found == nullptr) found = FindInArguments(*around, type);
+        }
+        if (found == nullptr) return;
+        const TAPSyntaxe& parent = *found->GetParent();
+        const TAPSyntaxe* head = HeadOf(parent);
+        if (IsClassHead(head)) return AskRecords(ClassOfHead(*head));
+        Add(found, parent.GetType() == STYPE_ListOfArgs ? "argument" : "variable", type.View());
+        if (answers.method) AskGoesBack(bodyBehind != nullptr ? *bodyBehind : node);
+    }
+
+    // Of a function whose head or body the node is.
+    TAPSyntaxe* FindInArguments(TAPSyntaxe& headOrBody, NUBString& type) {
+        TAPSyntaxe* head = HeadOf(headOrBody);
+        const TAPSyntaxe* args = SignatureOf(head != nullptr ? head : &headOrBody).args;
+        NUBString declared;
+        for (int i = 1; args != nullptr && i <= args->ChildCount(); ++i)
+            if (table.GetArgType(args->Child(i), type, declared) != 0 && declared == name.c_str())
+                return args->Child(i);
+        return nullptr;
+    }
+
+    // What a loop declares between its parentheses is in the tree beside its body. A body without braces can
+    // be a loop or a condition itself.
+    TAPSyntaxe* FindInLoops(const TAPSyntaxe& body, NUBString& type) {
+        TAPSyntaxe* found = nullptr;
+        const TAPSyntaxe* before = body.GetParent()->GetPrevious(&body);
+        while (found == nullptr && before != nullptr && before->GetType() == STYPE_Instruction &&
+               before->ChildCount() > 0 && before->Child(1)->GetType() == STYPE_Bloc) {
+            found = table.FindDeclare(&node, type, before->Child(1), 0);
+            before = before->GetParent()->GetPrevious(before);
+        }
+        return found;
+    }
+
+    void AskGoesBack(TAPSyntaxe& from) {
+        int arguments = 0;
+        const int result = table.IsReturned(&from, name.c_str(), arguments, 0);
+        answers.goesBack = GoesBack{result == -1, std::max(result, 0), result > 0 ? arguments : 0};
+    }
+
+    void AskClassIndex() {
+        const std::string className = ClassOfType(name);
+        TAPSyntaxe* declared = table.GetClassDeclarationLocation(className.c_str());
+        if (declared != nullptr) Add(declared, fmt::format("class {}", className));
+    }
+
+    // Members and methods of the name, of the first in the line of classes that has any.
+    void AskRecords(const std::string& className) {
+        std::set<const TAPDefClass*> visited;
+        TAPDefClass* record = table.GetClass(className.c_str());
+        while (record != nullptr && !IsKnown() && visited.insert(record).second) {
+            AskRecord(*record);
+            record = record->parent != nullptr ? table.GetClass(record->parent) : nullptr;
+        }
+    }
+
+    // A record keeps the members whose type is known and of each statement the last one; the body has all.
+    void AskRecord(const TAPDefClass& record) {
+        std::vector<TAPDefMethod*> overloads;
+        for (int i = 1; i <= record.methods.Size(); ++i)
+            if (name == record.methods[i]->GetName()) overloads.push_back(record.methods[i]);
+        for (TAPDefMethod* method : OnlyImplemented(std::move(overloads))) AddMethod(record, *method);
+        const TAPSyntaxe* body = table.GetSyntaxe(record.bodyPath);
+        if (body != nullptr) AskStatements(*body, fmt::format("member of {}", record.name));
+    }
+
+    // The first one that declares the name as a variable.
+    void AskStatements(const TAPSyntaxe& parent, const std::string& as) {
+        NUBString type;
+        for (int i = 1; i <= parent.ChildCount() && !IsKnown(); ++i) {
+            TAPSyntaxe* statement = parent.Child(i);
+            if (statement->GetType() == STYPE_Instruction &&
+                table.FindDeclare(&node, type, statement, 0) != nullptr)
+                Add(statement, as, type.View());
+        }
+    }
+
+    // In the head of an implementation the one that it implements, anywhere else all of them.
+    std::vector<TAPDefMethod*> OnlyImplemented(std::vector<TAPDefMethod*> overloads) {
+        if (bodyBehind == nullptr || overloads.size() < 2) return overloads;
+        const auto found = std::find_if(overloads.begin(), overloads.end(), [this](TAPDefMethod* method) {
+            return table.GetSyntaxe(method->GetImplementationPath()) == topLevel;
+        });
+        return found == overloads.end() ? overloads : std::vector<TAPDefMethod*>{*found};
+    }
+
+    // A method that no class declares is known by its implementation.
+    void AddMethod(const TAPDefClass& record, TAPDefMethod& method) {
+        TAPSyntaxe* declared = method.GetSyntaxe();
+        if (declared == nullptr) declared = table.GetSyntaxe(method.GetImplementationPath());
+        const char* type = method.GetReturnedType();
+        Add(declared, fmt::format("method of {}", record.name), type != nullptr ? type : "");
+    }
+
+    // What stands on the file's own level, and the functions that the table knows.
+    void AskFile() {
+        AskStatements(topLevel != nullptr ? *topLevel->GetParent() : node, "variable of the file");
+        TAPSyntaxe* function = table.GetFunctionDeclarationLocation(name.c_str());
+        if (!IsKnown() && function != nullptr) Add(function, "function");
+    }
+
+    // A handle counts as what it is a handle on.
+    void AskIndexes() {
+        for (const std::string& key : {name, ClassOfType(name)}) {
+            for (const NameIndex& row : nameIndexes) {
+                const TAIndex& index = table.*row.index;
+                const int position = index.IsIn(key.c_str());
+                if (position < 0 || IsKnown()) continue;
+                const bool hasText = row.index == &TAPSymbolTable::macros;
+                Add(nullptr, row.as, hasText ? static_cast<const char*>(index.values[position]) : "");
+            }
+        }
+    }
+
+    // The library reads the type of a name from the blocks around it. That isn't asked for a name on the
+    // right of an operator, which the blocks don't declare.
+    void AskType() {
+        NUBString type;
+        answers.type = !belongs && table.GetType(&node, type) == 0 ? NotEmpty(type) : DeclaredType();
+    }
+
+    // The type in which all declarations agree.
+    Text DeclaredType() const {
+        const auto& declared = answers.declared;
+        if (declared.empty() || declared.front().node == nullptr || declared.front().type.empty())
+            return std::nullopt;
+        const bool agree = std::all_of(declared.begin(), declared.end(), [&](const Declaration& each) {
+            return each.type == declared.front().type;
+        });
+        return agree ? Text(declared.front().type) : std::nullopt;
+    }
+
+    // Of an object: as the library reads it, or as the class around has it as a member.
+    Text TypeOf(TAPSyntaxe& object) {
+        NUBString type;
+        if (table.GetType(&object, type) == 0) return NotEmpty(type);
+        if (!answers.className) return std::nullopt;
+        Asking member(table, object);
+        member.AskRecords(*answers.className);
+        return member.DeclaredType();
+    }
+
+    TAPSymbolTable& table;
+    TAPSyntaxe& node;
+    const std::string name; // what the node reads, where it can be a name
+    NodeAnswers answers;
+    TAPSyntaxe* topLevel = nullptr;   // the node itself or the one around it on the file's own level
+    TAPSyntaxe* bodyBehind = nullptr; // for a node that stands in the head of a block
+    bool belongs = false;             // the name stands on the right of an operator
+};
+
+} // namespace
+
+NodeAnswers AskAbout(TAPSymbolTable& table, TAPSyntaxe& node) {
+    return Asking(table, node).All();
+}
+
+} // namespace ostraka::answers

@@ -1,0 +1,64 @@
+#include "formats/Text.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include <fmt/format.h>
+#include <nlohmann/json.hpp>
+
+#include "cli/Request.h"
+
+namespace ostraka::tool {
+
+namespace {
+
+bool ContinuesCharacter(char c) {
+    return (c & 0xc0) == 0x80;
+}
+
+} // namespace
+
+std::string_view ShownPath(std::string_view path) {
+    return path == "-" ? "<stdin>" : path;
+}
+
+std::string Shortened(std::string_view text, std::size_t limit) {
+    if (text.size() <= limit) return std::string(text);
+    std::size_t cut = limit - 3;
+    while (cut > limit - 6 && ContinuesCharacter(text[cut])) --cut;
+    return std::string(text.substr(0, cut)) + "...";
+}
+
+void AppendJson(std::string& out, std::string_view text) {
+    const auto plain = [](char c) { return c >= 0x20 && c <= 0x7e && c != '"' && c != '\\'; };
+    if (!std::all_of(text.begin(), text.end(), plain)) {
+        out += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+        return;
+    }
+    out += '"';
+    out += text;
+    out += '"';
+}
+
+std::string Counted(std::int64_t number, std::string_view thing) {
+    return fmt::format("{} {}{}", number, thing, number == 1 ? "" : "s");
+}
+
+void AppendMessage(std::string& out, std::string_view path, const std::optional<Place>& place,
+                   std::string_view severity, std::string_view cause, bool color) {
+    out += ShownPath(path);
+    if (place) fmt::format_to(std::back_inserter(out), ":{}:{}", place->line, place->column);
+    fmt::format_to(std::back_inserter(out), ": {}{}:{} {}\n", Color(color, colorError), severity,
+                   Color(color, colorOff), cause);
+}
+
+std::string Colored(const Request& request, std::string_view color, std::string_view text) {
+    return fmt::format("{}{}{}", Color(request.colorOutput, color), text,
+                       Color(request.colorOutput, colorOff));
+}
+
+std::string PlaceText(const Request& request, std::string_view file, const Place& place) {
+    return Colored(request, colorPlace, fmt::format("{}:{}:{}", file, place.line, place.column));
+}
+
+} // namespace ostraka::tool

@@ -1,0 +1,164 @@
+// A stack is a line with the place to jump to, what happened and who is charged, and below it the calls, the
+// one that decided marked. The last lines count.
+
+#include <algorithm>
+#include <iterator>
+
+#include <answers/reports/MaskTrace.h>
+#include <fmt/format.h>
+
+#include "formats/Text.h"
+#include "verbs/Triage.h"
+
+namespace ostraka::tool {
+
+namespace {
+
+using reports::Charge;
+using reports::StackGroup;
+
+std::string Happened(const StackGroup& group) {
+    if (!group.leak) return Counted(group.count, "time");
+    return Counted(group.bytes, "byte") + " in " + Counted(group.count, "block");
+}
+
+std::string Reason(Charge charge, const reports::CallParts& parts, Call& call) {
+    switch (charge) {
+    case Charge::Charged: return fmt::format("charged: {}", call.GetFwResponsible());
+    case Charge::IgnoredCall: return "ignored call";
+    case Charge::IgnoredOwner: return fmt::format("ignored owner: {}", call.GetResponsible());
+    case Charge::NoFramework: return parts.path.empty() ? "no source" : "no framework";
+    case Charge::Behind: break;
+    }
+    return "";
+}
+
+// "  filter KNOWN: @!f@ took 1-3, 4", positions of calls from 1, "-" for a star that took none.
+void AppendMask(std::string& out, std::string_view what, const StackMask& mask, Stack& stack) {
+    out += fmt::format("  {}: ", what);
+    AppendOneLine(out, reports::ShownCall(mask.GetStackMask()));
+    std::string_view separator = " took ";
+    for (const reports::Taken& taken : reports::TraceMask(mask, stack.calls, stack.GetSize())) {
+        out += separator;
+        separator = ", ";
+        if (taken.past == taken.begin) out += '-';
+        if (taken.past > taken.begin) out += fmt::format("{}", taken.begin + 1);
+        if (taken.past > taken.begin + 1) out += fmt::format("-{}", taken.past);
+    }
+    out += '\n';
+}
+
+void AppendExplanation(std::string& out, const StackGroup& group) {
+    Stack& stack = *group.error->GetLongStack();
+    if (group.filter)
+        AppendMask(out, fmt::format("filter {}", group.filter->GetType()), *group.filter, stack);
+    if (group.cut)
+        AppendMask(out,
+                   fmt::format("cut to {} of {}", Counted(group.Calls()->GetSize(), "call"), stack.GetSize()),
+                   *group.cut, stack);
+}
+
+void AppendCalls(std::string& out, const Triage& triage, const StackGroup& group,
+                 const std::vector<Charge>& charges) {
+    for (std::size_t i = 0; i < charges.size(); ++i) {
+        Call& call = *group.Calls()->GetCall(static_cast<int>(i));
+        out += charges[i] == Charge::Charged ? "  > " : "    ";
+        AppendOneLine(out, reports::ShownCall(call.GetCall()));
+        const std::string reason =
+            triage.request.report.explain ? Reason(charges[i], reports::PartsOf(call), call) : "";
+        if (!reason.empty()) AppendOneLine(out, "  <- " + reason);
+        out += '\n';
+    }
+    if (group.tooDeep) out += "    ... and further calls, which a stack hasn't room for\n";
+}
+
+void AppendItem(std::string& out, const Triage& triage, const TriageItem& item) {
+    const StackGroup& group = *item.group;
+    const std::vector<Charge> charges = reports::ExplainCharge(*group.Calls(), triage.TablesOf(group));
+    const bool color = triage.request.colorOutput;
+    const char* framework = group.Calls()->GetFwResponsible();
+    const char* owner = reports::OwnerOf(*group.Calls());
+    std::string head =
+        fmt::format("{}{}:{} {}{}{} {}, {}; ", Color(color, colorPlace), PlaceOf(triage, group, charges),
+                    Color(color, colorOff), Color(color, colorError), group.error->GetType(),
+                    Color(color, colorOff), Happened(group), Counted(group.records, "record"));
+    out += head;
+    AppendOneLine(out, framework ? framework : nobody[static_cast<int>(TotalKey::Framework)]);
+    if (framework)
+        AppendOneLine(out, fmt::format(", {}", owner ? owner : nobody[static_cast<int>(TotalKey::Owner)]));
+    if (item.isNew) out += "; new";
+    if (group.filter) AppendOneLine(out, fmt::format("; filtered as {}", group.filter->GetType()));
+    out += '\n';
+    if (triage.request.report.explain) AppendExplanation(out, group);
+    AppendCalls(out, triage, group, charges);
+}
+
+void AppendTotals(std::string& out, const Triage& triage) {
+    out += fmt::format("{:>14} {:>10} {:>9} {:>8} {:>6}", "bytes", "count", "records", "stacks", "new");
+    for (const TotalKey key : triage.request.report.by) out += fmt::format("  {:<20}", NameOf(key));
+    for (const Total& total : triage.totals) {
+        out.erase(out.find_last_not_of(' ') + 1);
+        const Tally& tally = total.tally;
+        out += fmt::format("\n{:>14} {:>10} {:>9} {:>8} {:>6}", tally.bytes, tally.count, tally.records,
+                           tally.stacks, triage.HasBaseline() ? fmt::to_string(tally.newStacks) : "-");
+        for (std::size_t i = 0; i < total.keys.size(); ++i) {
+            std::string key;
+            AppendOneLine(key, total.keys[i].empty() ? nobody[static_cast<int>(triage.request.report.by[i])]
+                                                     : total.keys[i]);
+            out += fmt::format("  {:<20}", key);
+        }
+    }
+    out.erase(out.find_last_not_of(' ') + 1);
+    out += '\n';
+}
+
+} // namespace
+
+std::string PlaceOf(const Triage& triage, const StackGroup& group, const std::vector<Charge>& charges) {
+    std::string place;
+    for (std::size_t i = 0; i < charges.size(); ++i) {
+        const reports::CallParts parts = reports::PartsOf(*group.Calls()->GetCall(static_cast<int>(i)));
+        const bool charged = charges[i] == Charge::Charged;
+        if (parts.line == 0 || (!place.empty() && !charged)) continue;
+        place.clear();
+        AppendOneLine(place, parts.path);
+        place += fmt::format(":{}:1", parts.line);
+        if (charged) break;
+    }
+    if (!place.empty()) return place;
+    AppendOneLine(place, ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path));
+    return place + fmt::format(":{}:1", group.line);
+}
+
+std::string SummaryOf(const Triage& triage) {
+    std::string text = fmt::format("{}, {}, {} leaked", Counted(triage.model.Records(), "record"),
+                                   Counted(static_cast<std::int64_t>(triage.model.Groups().size()), "stack"),
+                                   Counted(triage.all.bytes, "byte"));
+    if (triage.HasBaseline())
+        text += fmt::format("; {} new, {} gone", triage.all.newStacks, triage.gone.size());
+    for (const auto& [type, tally] : triage.filtered) {
+        text += fmt::format("; {} with {} filtered as ", Counted(tally.stacks, "stack"),
+                            Counted(tally.bytes, "byte"));
+        AppendOneLine(text, type);
+    }
+    if (triage.model.TooDeep() > 0)
+        text += fmt::format("; {} cut at 20 calls", Counted(triage.model.TooDeep(), "record"));
+    return text;
+}
+
+void PrintTriageText(const Triage& triage, Console& console) {
+    std::string out;
+    if (!triage.request.report.by.empty()) {
+        AppendTotals(out, triage);
+        console.Out(out);
+    } else {
+        for (const TriageItem& item : triage.items) {
+            out.clear();
+            AppendItem(out, triage, item);
+            console.Out(out);
+        }
+    }
+    console.Out(SummaryOf(triage) + '\n');
+}
+
+} // namespace ostraka::tool

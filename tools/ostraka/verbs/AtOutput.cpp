@@ -1,0 +1,157 @@
+#include <algorithm>
+#include <charconv>
+#include <iterator>
+
+#include <fmt/format.h>
+
+#include "cli/Verbs.h"
+#include "formats/Json.h"
+#include "verbs/Session.h"
+#include <answers/resolve/NodeAnswers.h>
+#include <answers/resolve/NodeSearch.h>
+#include <answers/resolve/NodeText.h>
+
+namespace ostraka::tool {
+
+namespace {
+
+constexpr std::size_t shownText = 60;
+
+std::string FileOf(const Session& session, const TAPSyntaxe& node) {
+    return session.Shown(node.GetSource().View());
+}
+
+std::string PathOf(const TAPSyntaxe& node) {
+    NUBRawCollint positions;
+    node.GetTAPSyntaxePath(positions);
+    std::string path;
+    for (int i = 1; i <= positions.Size(); ++i) path += fmt::format("{}{}", i > 1 ? "." : "", positions[i]);
+    return path.empty() ? "0" : path;
+}
+
+std::string ShownText(const TAPSyntaxe& node) {
+    std::string text;
+    AppendOneLine(text, Shortened(TrimmedTextOf(node), shownText));
+    return text;
+}
+
+std::string OrUnknown(const std::optional<std::string>& text) {
+    return text.value_or("unknown");
+}
+
+// Writes one answer, a question on each line.
+class AtText {
+public:
+    AtText(const Request& theRequest, const Session& asked, std::string& text)
+        : request(theRequest), session(asked), out(text) {}
+
+    void Print(const NodeAt& at, const NodeAnswers& answers) {
+        const TAPSyntaxe& node = *at.node;
+        fmt::format_to(std::back_inserter(out), "{}: {}  {}\n", PlaceOfNode(node),
+                       Colored(request, colorClass, DescriptionOf(node)), ShownText(node));
+        if (at.isNearest) Line("nearest", fmt::format("at {}:{}", at.place.line, at.place.column));
+        Line("path", PathOf(node));
+        Line("type", OrUnknown(answers.type));
+        if (node.GetType() == STYPE_Identifiant) PrintName(answers);
+        Line("class", OrUnknown(answers.className));
+        Line("method", OrUnknown(answers.method));
+    }
+
+private:
+    void Line(const char* question, std::string_view answer) {
+        fmt::format_to(std::back_inserter(out), "  {:<9}{}\n", question, answer);
+    }
+
+    void PrintName(const NodeAnswers& answers) {
+        if (answers.declared.empty()) Line("declared", "unknown");
+        for (const Declaration& each : answers.declared) Line("declared", Declared(each));
+        if (answers.object) {
+            Line("object", fmt::format("{}: {}, {}", PlaceOfNode(*answers.object->node),
+                                       ShownText(*answers.object->node), OrUnknown(answers.object->type)));
+        } else if (answers.isAccess) {
+            Line("object", "unknown");
+        }
+        if (answers.goesBack) Line("returned", Returned(*answers.goesBack));
+    }
+
+    std::string Declared(const Declaration& each) const {
+        std::string text = each.node != nullptr ? PlaceOfNode(*each.node) + ": " : "";
+        text += each.as;
+        return each.type.empty() ? text : text + ", " + each.type;
+    }
+
+    static std::string Returned(const GoesBack& answer) {
+        if (answer.isReturned) return "yes";
+        if (answer.argument == 0) return "no";
+        return fmt::format("argument {} of {}", answer.argument, answer.arguments);
+    }
+
+    std::string PlaceOfNode(const TAPSyntaxe& node) const {
+        return PlaceText(request, FileOf(session, node), PlaceOf(node));
+    }
+
+    const Request& request;
+    const Session& session;
+    std::string& out;
+};
+
+JsonValue NodeJson(const TAPSyntaxe& node) {
+    const Place place = PlaceOf(node);
+    return {{"node", PathOf(node)},   {"class", ClassNameOf(node)},
+            {"kind", KindOf(node)},   {"line", place.line},
+            {"column", place.column}, {"text", Shortened(TrimmedTextOf(node), shownText)}};
+}
+
+JsonValue DeclaredJson(const Session& session, const Declaration& declared) {
+    JsonValue object = {{"as", declared.as}, {"type", nullptr}};
+    if (!declared.type.empty()) object["type"] = declared.type;
+    if (declared.node != nullptr) PutPlace(object, FileOf(session, *declared.node), PlaceOf(*declared.node));
+    return object;
+}
+
+JsonValue ToJson(const Session& session, const NodeAt& at, const NodeAnswers& answers) {
+    JsonValue document = {{"file", FileOf(session, *at.node)},
+                          {"nearest", at.isNearest},
+                          {"node", NodeJson(*at.node)},
+                          {"type", OrNull(answers.type)}};
+    JsonValue& declared = document["declared"] = JsonValue::array();
+    for (const Declaration& each : answers.declared) declared.push_back(DeclaredJson(session, each));
+    document["class"] = OrNull(answers.className);
+    document["method"] = OrNull(answers.method);
+    document["object"] = nullptr;
+    if (answers.object) {
+        JsonValue& object = document["object"] = {{"text", ShownText(*answers.object->node)},
+                                                  {"type", OrNull(answers.object->type)}};
+        PutPlace(object, FileOf(session, *answers.object->node), PlaceOf(*answers.object->node));
+    }
+    document["returned"] = nullptr;
+    if (answers.goesBack)
+        document["returned"] = {{"byReturn", answers.goesBack->isReturned},
+                                {"argument", answers.goesBack->argument},
+                                {"arguments", answers.goesBack->arguments}};
+    return document;
+}
+
+} // namespace
+
+void AnswerAt(const Request& request, const std::string& asked, Result& result) {
+    const FilePlace place = *ParseFilePlace(asked);
+    Session session(request, {place.file});
+    TAPSyntaxe* root = session.Load(place.file, result);
+    const std::optional<NodeAt> at = root != nullptr ? FindNodeAt(*root, place.place) : std::nullopt;
+    if (!at) {
+        ++result.notFound;
+        if (root != nullptr)
+            AppendMessage(result.err, place.file, std::nullopt, "error", "holds no code",
+                          request.colorErrors);
+        return;
+    }
+    const NodeAnswers answers = AskAbout(session.Table(), *at->node);
+    if (request.format == Format::Json) {
+        result.out += Document("at", ToJson(session, *at, answers));
+    } else {
+        AtText(request, session, result.out).Print(*at, answers);
+    }
+}
+
+} // namespace ostraka::tool

@@ -1,0 +1,53 @@
+#pragma once
+
+// What the verbs over classes ask of the records of a table. Records are the table's.
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "formats/Json.h"
+#include "formats/Text.h"
+
+class TAPDefClass;
+class TAPSymbolTable;
+class TAPSyntaxePath;
+
+namespace ostraka::tool {
+
+struct Request;
+struct Result;
+class Session;
+
+// Sorted by name.
+std::vector<TAPDefClass*> ClassesOf(const TAPSymbolTable& table);
+
+// The class of that name; else null, which is told with the nearest name.
+TAPDefClass* FindClass(const Session& session, const std::string& name, Result& result);
+
+// "" where none is known, as where the head of a class breaks off behind the colon.
+const char* BaseOf(const TAPDefClass& record);
+bool HasBase(const TAPDefClass& record);
+const char* FrameworkOf(const TAPDefClass& record);
+
+// Where the class stands between its bases and those derived from it.
+struct Kin {
+    std::vector<TAPDefClass*> bases; // those that are loaded, the nearest first
+    std::vector<TAPDefClass*> derived;
+    std::vector<TAPDefClass*> tiedTo; // of an interface: classes that it is tied to
+    bool inCircle = false;
+};
+
+Kin KinOf(const TAPSymbolTable& table, const TAPDefClass& record);
+
+// As it stands in texts.
+std::string PlaceText(const Request& request, const Session& session, const TAPSyntaxePath* path);
+
+// As they stand in documents: a place as "file", "line" and "column", a class with its kind and base.
+JsonValue JsonPlace(const std::string& file, const Place& place);
+JsonValue JsonPlace(const Session& session, const TAPSyntaxePath* path);
+JsonValue JsonOf(const Session& session, const TAPDefClass& record);
+JsonValue NamesOf(const std::vector<TAPDefClass*>& classes);
+JsonValue TiesOf(const TAPDefClass& record);
+
+} // namespace ostraka::tool

@@ -1,0 +1,182 @@
+// Who derives from whom.
+
+#include <algorithm>
+#include <iterator>
+#include <map>
+#include <set>
+
+#include <fmt/format.h>
+#include <ostraka/symbols/TAPSymbolTable.h>
+
+#include "formats/Dot.h"
+#include "formats/Json.h"
+#include "verbs/ClassRecords.h"
+#include "verbs/Session.h"
+#include "verbs/TableVerbs.h"
+#include <answers/resolve/Declarations.h>
+
+namespace ostraka::tool {
+
+namespace {
+
+// A line of the hierarchy: a class, or a base that isn't loaded.
+struct Branch {
+    std::string name;
+    TAPDefClass* record; // null for a base that isn't loaded
+    int depth;
+};
+
+class Hierarchy {
+public:
+    explicit Hierarchy(const TAPSymbolTable& table) : classes(ClassesOf(table)) {
+        for (TAPDefClass* record : classes) {
+            byName.emplace(record->name, record);
+            if (HasBase(*record)) derived[record->parent].push_back(record);
+            for (int i = 1; i <= record->tied.size; ++i) tiedTo[record->tied[i]].push_back(record);
+        }
+    }
+
+    // Every class once. Circles have no top: they begin with the first name.
+    std::vector<Branch> All() {
+        std::set<std::string, std::less<>> tops;
+        for (const TAPDefClass* record : classes)
+            if (!HasBase(*record))
+                tops.insert(record->name);
+            else if (!byName.contains(record->parent))
+                tops.insert(record->parent);
+        for (const std::string& top : tops) Unfold(top, 0);
+        for (const TAPDefClass* record : classes) Unfold(record->name, 0);
+        return std::move(branches);
+    }
+
+    // The bases of a class from the top down, the class, and what is derived from it.
+    std::vector<Branch> Around(const TAPDefClass& record, const Kin& kin) {
+        int depth = 0;
+        const TAPDefClass& last = kin.bases.empty() ? record : *kin.bases.back();
+        if (HasBase(last) && !kin.inCircle) branches.push_back({last.parent, nullptr, depth++});
+        std::for_each(kin.bases.rbegin(), kin.bases.rend(), [&](TAPDefClass* base) {
+            branches.push_back({base->name, base, depth++});
+            seen.insert(base->name);
+        });
+        Unfold(record.name, depth);
+        return std::move(branches);
+    }
+
+    const std::vector<TAPDefClass*>& TiedTo(const TAPDefClass* record) { return tiedTo[record]; }
+
+private:
+    void Unfold(const std::string& top, int depth) {
+        std::vector<Branch> waiting = {{top, RecordOf(top), depth}};
+        while (!waiting.empty()) {
+            Branch branch = std::move(waiting.back());
+            waiting.pop_back();
+            if (!seen.insert(branch.name).second) continue;
+            const auto below = derived.find(branch.name);
+            if (below != derived.end())
+                std::for_each(below->second.rbegin(), below->second.rend(), [&](TAPDefClass* next) {
+                    waiting.push_back({next->name, next, branch.depth + 1});
+                });
+            branches.push_back(std::move(branch));
+        }
+    }
+
+    TAPDefClass* RecordOf(const std::string& name) const {
+        const auto found = byName.find(name);
+        return found == byName.end() ? nullptr : found->second;
+    }
+
+    std::vector<TAPDefClass*> classes;
+    std::map<std::string, TAPDefClass*, std::less<>> byName;
+    std::map<std::string, std::vector<TAPDefClass*>, std::less<>> derived; // by the name of the base
+    std::map<const TAPDefClass*, std::vector<TAPDefClass*>> tiedTo;
+    std::set<std::string, std::less<>> seen;
+    std::vector<Branch> branches;
+};
+
+void PrintBranch(const Request& request, const Session& session, Hierarchy& hierarchy, const Branch& branch,
+                 std::string& out) {
+    out.append(2 * static_cast<std::size_t>(branch.depth), ' ');
+    if (branch.record == nullptr) {
+        fmt::format_to(std::back_inserter(out), "{}  not loaded\n", branch.name);
+        return;
+    }
+    fmt::format_to(std::back_inserter(out), "{}  {}  {}", branch.name,
+                   Colored(request, colorClass, KindOf(*branch.record)),
+                   PlaceText(request, session, branch.record->path));
+    for (int i = 1; i <= branch.record->tied.size; ++i)
+        fmt::format_to(std::back_inserter(out), "{}{}", i == 1 ? "  ties " : ", ",
+                       branch.record->tied[i]->name);
+    const auto& classes = hierarchy.TiedTo(branch.record);
+    for (std::size_t i = 0; i < classes.size(); ++i)
+        fmt::format_to(std::back_inserter(out), "{}{}", i == 0 ? "  tied to " : ", ", classes[i]->name);
+    out += '\n';
+}
+
+constexpr const char* ShapeOf(const TAPDefClass* record) {
+    if (record == nullptr) return "shape=box, style=dotted";
+    if ((record->kind & 2) != 0) return "shape=ellipse";
+    return (record->kind & 4) != 0 ? "shape=component" : "shape=box";
+}
+
+std::string DotOf(const Request& request, const std::vector<Branch>& branches) {
+    const std::size_t count = std::min(branches.size(), static_cast<std::size_t>(request.limit));
+    std::set<std::string_view> drawn;
+    std::string out = "digraph hierarchy {\n  rankdir=BT;\n  node [fontname=\"sans-serif\"];\n";
+    for (std::size_t i = 0; i < count; ++i) {
+        drawn.insert(branches[i].name);
+        fmt::format_to(std::back_inserter(out), "  {} [{}];\n", Quoted(branches[i].name),
+                       ShapeOf(branches[i].record));
+    }
+    for (std::size_t i = 0; i < count; ++i) {
+        const TAPDefClass* record = branches[i].record;
+        if (record == nullptr) continue;
+        if (HasBase(*record) && drawn.contains(record->parent))
+            fmt::format_to(std::back_inserter(out), "  {} -> {} [arrowhead=empty];\n", Quoted(record->name),
+                           Quoted(record->parent));
+        for (int k = 1; k <= record->tied.size; ++k)
+            if (drawn.contains(record->tied[k]->name))
+                fmt::format_to(std::back_inserter(out), "  {} -> {} [style=dashed, arrowhead=empty];\n",
+                               Quoted(record->name), Quoted(record->tied[k]->name));
+    }
+    return out + LeftOut(branches.size() - count, "classes") + "}\n";
+}
+
+JsonValue JsonOf(const Session& session, Hierarchy& hierarchy, const Branch& branch) {
+    if (branch.record == nullptr) return {{"name", branch.name}, {"depth", branch.depth}, {"loaded", false}};
+    JsonValue item = JsonOf(session, *branch.record);
+    item["depth"] = branch.depth;
+    item["loaded"] = true;
+    item["ties"] = TiesOf(*branch.record);
+    item["tiedTo"] = NamesOf(hierarchy.TiedTo(branch.record));
+    return item;
+}
+
+} // namespace
+
+void AnswerHierarchy(const Request& request, const Session& session, const std::vector<std::string>&,
+                     Result& result) {
+    Hierarchy hierarchy(session.Table());
+    std::vector<Branch> branches;
+    if (request.className.empty()) {
+        branches = hierarchy.All();
+    } else if (const TAPDefClass* record = FindClass(session, request.className, result)) {
+        branches = hierarchy.Around(*record, KinOf(session.Table(), *record));
+    } else {
+        return;
+    }
+    if (branches.empty()) ++result.notFound;
+    if (request.format == Format::Dot) {
+        result.out = DotOf(request, branches);
+        return;
+    }
+    JsonValue list = JsonValue::array();
+    for (const Branch& branch : branches) {
+        if (request.format == Format::Text)
+            PrintBranch(request, session, hierarchy, branch, result.out);
+        else
+            list.push_back(JsonOf(session, hierarchy, branch));
+    }
+    if (request.format == Format::Json) result.out = Document("hierarchy", {{"classes", std::move(list)}});
+}
+
+} // namespace ostraka::tool

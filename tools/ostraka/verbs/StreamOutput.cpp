@@ -1,0 +1,124 @@
+#include <iterator>
+
+#include <fmt/format.h>
+
+#include "cli/Verbs.h"
+#include "formats/PlaceRuns.h"
+#include "formats/Text.h"
+#include <answers/facts/SourceUnit.h>
+
+namespace ostraka::tool {
+
+namespace {
+
+std::string_view StreamOf(const TAPSourceFile& file) {
+    return {file.GetSize() > 0 ? file.GetStream() : "", static_cast<std::size_t>(file.GetSize())};
+}
+
+void PrintHead(const Request& request, const Input& input, std::string& out) {
+    if (request.severalFiles) fmt::format_to(std::back_inserter(out), "==> {} <==\n", ShownPath(input.path));
+}
+
+void PrintWhole(const TAPSourceFile& file, std::string& out) {
+    const std::string_view stream = StreamOf(file);
+    out += stream;
+    if (!stream.empty() && stream.back() != '\n') out += '\n';
+}
+
+// A piece of the stream that comes from one line, without the blanks around it.
+void PrintPiece(const Request& request, const Input& input, const TAPSourceFile& file, int begin, int past,
+                std::string& out) {
+    const std::string_view stream = StreamOf(file);
+    while (begin < past && stream[static_cast<std::size_t>(begin)] == ' ') ++begin;
+    while (begin < past && stream[static_cast<std::size_t>(past) - 1] == ' ') --past;
+    if (begin == past) return;
+    const Place place = PlaceAt(file, begin);
+    fmt::format_to(std::back_inserter(out), "{}{}:{}:{}:{} ", Color(request.colorOutput, colorPlace),
+                   ShownPath(input.path), place.line, place.column, Color(request.colorOutput, colorOff));
+    AppendOneLine(out,
+                  stream.substr(static_cast<std::size_t>(begin), static_cast<std::size_t>(past - begin)));
+    out += '\n';
+}
+
+void PrintMap(const Request& request, const Input& input, const TAPSourceFile& file, std::string& out) {
+    int begin = 0;
+    for (int pos = 1; pos <= file.GetSize(); ++pos) {
+        if (pos < file.GetSize() && file.GetPoint(pos).GetLine() == file.GetPoint(begin).GetLine()) continue;
+        PrintPiece(request, input, file, begin, pos, out);
+        begin = pos;
+    }
+}
+
+void PrintIncludes(const TAPSourceFile& file, std::string& out) {
+    for (int i = 0; i < file.includes.size; ++i) {
+        out += "include ";
+        AppendOneLine(out, file.includes.keys[i]);
+        out += '\n';
+    }
+}
+
+void PrintMacros(const TAIndex& macros, std::string& out) {
+    for (int i = 0; i < macros.size; ++i) {
+        out += "macro ";
+        AppendOneLine(out, macros.keys[i]);
+        out += ' ';
+        AppendOneLine(out, static_cast<const char*>(macros.values[i]));
+        out += '\n';
+    }
+}
+
+void PrintPlacesJson(const TAPSourceFile& file, std::string& out) {
+    const char* separator = "";
+    ForEachRun(
+        file, [](const TAPSyntaxePoint& point) { return std::max(1, point.GetCol() - 1); },
+        [&](int pos, int line, int column) {
+            fmt::format_to(std::back_inserter(out), "{}[{},{},{}]", separator, pos, line, column);
+            separator = ",";
+        });
+}
+
+void PrintIncludesJson(const TAPSourceFile& file, std::string& out) {
+    for (int i = 0; i < file.includes.size; ++i) {
+        if (i > 0) out += ',';
+        AppendJson(out, file.includes.keys[i]);
+    }
+}
+
+void PrintMacrosJson(const TAIndex& macros, std::string& out) {
+    for (int i = 0; i < macros.size; ++i) {
+        out += i > 0 ? ",{\"name\":" : "{\"name\":";
+        AppendJson(out, macros.keys[i]);
+        out += ",\"value\":";
+        AppendJson(out, static_cast<const char*>(macros.values[i]));
+        out += '}';
+    }
+}
+
+} // namespace
+
+void PrintStreamText(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
+    const bool lists = request.includes || request.macros;
+    if (lists || !request.map) PrintHead(request, input, result.out);
+    if (request.map) PrintMap(request, input, unit.File(), result.out);
+    if (request.includes) PrintIncludes(unit.File(), result.out);
+    if (request.macros) PrintMacros(unit.Macros(), result.out);
+    if (!lists && !request.map) PrintWhole(unit.File(), result.out);
+}
+
+void PrintStreamJson(SourceUnit& unit, Result& result) {
+    const TAPSourceFile& file = unit.File();
+    std::string& out = result.out;
+    fmt::format_to(std::back_inserter(out),
+                   ",\"size\":{},\"lines\":{},\"codeLines\":{},\"text\":", file.GetSize(), file.GetNbLine(),
+                   file.GetNbCodeLine());
+    AppendJson(out, StreamOf(file));
+    out += ",\"places\":[";
+    PrintPlacesJson(file, out);
+    out += "],\"includes\":[";
+    PrintIncludesJson(file, out);
+    out += "],\"macros\":[";
+    PrintMacrosJson(unit.Macros(), out);
+    out += ']';
+}
+
+} // namespace ostraka::tool

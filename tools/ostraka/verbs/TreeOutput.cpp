@@ -1,0 +1,128 @@
+#include <algorithm>
+#include <iterator>
+#include <optional>
+
+#include <fmt/format.h>
+
+#include "cli/Verbs.h"
+#include "formats/Text.h"
+#include "formats/TreeWalk.h"
+#include <answers/facts/SourceUnit.h>
+#include <answers/resolve/NodeText.h>
+
+namespace ostraka::tool {
+
+namespace {
+
+constexpr std::size_t shownText = 60;
+constexpr int columnDigits = 3;
+
+std::size_t TextLimit(const Request& request) {
+    return request.fullText ? std::string::npos : shownText;
+}
+
+std::string PathText(const std::vector<int>& path) {
+    return path.empty() ? "0" : fmt::format("{}", fmt::join(path, "."));
+}
+
+// The node to show; null, and a message, when the tree hasn't got it.
+TAPSyntaxe* FindTop(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
+    TAPSyntaxe* node = &unit.Root();
+    for (std::size_t i = 0; i < request.node.size(); ++i) {
+        if (request.node[i] >= 1 && request.node[i] <= node->ChildCount()) {
+            node = node->Child(request.node[i]);
+            continue;
+        }
+        const std::vector<int> reached(request.node.begin(),
+                                       request.node.begin() + static_cast<std::ptrdiff_t>(i));
+        AppendMessage(result.err, input.path, PlaceOf(*node), "error",
+                      fmt::format("no node {} (children of node {}: {})", PathText(request.node),
+                                  PathText(reached), node->ChildCount()),
+                      request.colorErrors);
+        ++result.notFound;
+        return nullptr;
+    }
+    return node;
+}
+
+int DigitsOf(int number) {
+    return static_cast<int>(fmt::formatted_size("{}", number));
+}
+
+// Writes the lines of one tree. Places are filled up with blanks so that the steps of the tree show.
+class TreeLines {
+public:
+    TreeLines(const Request& asked, const Input& input, const TAPSourceFile& source, std::string& text)
+        : request(asked), path(ShownPath(input.path)), out(text),
+          placeWidth(path.size() +
+                     static_cast<std::size_t>(DigitsOf(source.GetNbLine()) + columnDigits + 3)) {}
+
+    void Print(const TreeWalk& walk) {
+        const TAPSyntaxe& node = *walk.Node();
+        PrintPlace(PlaceOf(node));
+        out.append(2 * static_cast<std::size_t>(walk.Level()), ' ');
+        fmt::format_to(std::back_inserter(out), "{} {}{}", walk.Path(),
+                       Color(request.colorOutput, colorClass), DescriptionOf(node));
+        out += Color(request.colorOutput, colorOff);
+        const std::string_view shown = TrimmedTextOf(node);
+        if (!shown.empty()) out += "  ";
+        AppendOneLine(out, Shortened(shown, TextLimit(request)));
+        out += '\n';
+    }
+
+private:
+    void PrintPlace(const Place& place) {
+        out += Color(request.colorOutput, colorPlace);
+        const std::size_t begin = out.size();
+        fmt::format_to(std::back_inserter(out), "{}:{}:{}:", path, place.line, place.column);
+        const std::size_t width = out.size() - begin;
+        out += Color(request.colorOutput, colorOff);
+        out.append(width < placeWidth ? placeWidth - width + 1 : 1, ' ');
+    }
+
+    const Request& request;
+    std::string_view path;
+    std::string& out;
+    std::size_t placeWidth;
+};
+
+void PrintNodeJson(const Request& request, const TreeWalk& walk, std::string& out) {
+    const TAPSyntaxe& node = *walk.Node();
+    const Place place = PlaceOf(node);
+    fmt::format_to(std::back_inserter(out), "{{\"node\":\"{}\",\"class\":\"{}\",\"kind\":", walk.Path(),
+                   ClassNameOf(node));
+    AppendJson(out, KindOf(node));
+    fmt::format_to(std::back_inserter(out),
+                   ",\"line\":{},\"column\":{},\"begin\":{},\"size\":{},\"children\":{},\"text\":",
+                   place.line, place.column, node.GetBegin(), node.GetSize(), node.ChildCount());
+    AppendJson(out, Shortened(TextOf(node), TextLimit(request)));
+    out += '}';
+}
+
+} // namespace
+
+void PrintTreeText(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
+    TAPSyntaxe* top = FindTop(request, input, unit, result);
+    if (top == nullptr) return;
+    TreeLines lines(request, input, unit.File(), result.out);
+    for (TreeWalk walk(*top, PathText(request.node), request.depth); walk.Node() != nullptr; walk.Next())
+        lines.Print(walk);
+}
+
+void PrintTreeJson(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
+    fmt::format_to(std::back_inserter(result.out), ",\"complete\":{},\"nodes\":[", !unit.GetFailure());
+    TAPSyntaxe* top = FindTop(request, input, unit, result);
+    const bool lines = request.format == Format::Json;
+    const char* separator = lines ? "\n" : "";
+    if (top != nullptr) {
+        for (TreeWalk walk(*top, PathText(request.node), request.depth); walk.Node() != nullptr;
+             walk.Next()) {
+            result.out += separator;
+            PrintNodeJson(request, walk, result.out);
+            separator = lines ? ",\n" : ",";
+        }
+    }
+    result.out += ']';
+}
+
+} // namespace ostraka::tool
