@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "HostileTexts.h"
 #include "Measure.h"
+#include "support/HostileTexts.h"
 
 namespace bench {
 
@@ -36,8 +36,8 @@ inline const Sources& AllSources() {
             sources.bytes += static_cast<long>(sources.texts.back().size());
         }
         if (sources.texts.empty()) {
-            for (const Shape& shape : shapes) {
-                sources.texts.push_back(TextOf(shape, wanted / 100));
+            for (const texts::Shape& shape : texts::shapes) {
+                sources.texts.push_back(texts::TextOf(shape, wanted / 100));
                 sources.bytes += static_cast<long>(sources.texts.back().size());
             }
         }

@@ -15,7 +15,7 @@ void Streams(benchmark::State& state) {
     for (auto _ : state) {
         for (const std::string& text : sources.texts) {
             TAIndex macros;
-            TAPSourceFile file(bench::FileOf(text).release());
+            TAPSourceFile file(texts::FileOf(text).release());
             benchmark::DoNotOptimize(file.Process(macros));
         }
     }
@@ -51,7 +51,7 @@ void Scanners(benchmark::State& state) {
     std::int64_t bytes = 0;
     for (const std::string& text : bench::AllSources().texts) {
         TAIndex macros;
-        files.push_back(std::make_unique<TAPSourceFile>(bench::FileOf(text).release()));
+        files.push_back(std::make_unique<TAPSourceFile>(texts::FileOf(text).release()));
         files.back()->Process(macros);
         bytes += files.back()->GetSize();
     }

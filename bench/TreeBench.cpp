@@ -39,7 +39,7 @@ void Trees(benchmark::State& state) {
     std::int64_t nodes = 0;
     for (const std::string& text : sources.texts) {
         TAIndex macros;
-        files.emplace_back(new TAPSourceFile(bench::FileOf(text).release()));
+        files.emplace_back(new TAPSourceFile(texts::FileOf(text).release()));
         files.back()->Process(macros);
         nodes += CountNodes(TreeOf(files.back()).get());
     }

@@ -14,8 +14,8 @@
 #include <ostraka/syntax/TAPSourceFile.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
 
-#include "HostileTexts.h"
 #include "Measure.h"
+#include "support/HostileTexts.h"
 
 namespace {
 
@@ -34,7 +34,7 @@ struct Cost {
 // Reads the text, builds its tree and releases both.
 Cost ReadOnce(const std::string& text) {
     Cost cost;
-    auto buffer = bench::FileOf(text);
+    auto buffer = texts::FileOf(text);
     const long memory = bench::PeakBytes();
     const double start = bench::CpuSeconds();
     TAIndex macros;
@@ -73,10 +73,10 @@ const char* Verdict(bool good) {
     return good ? "" : "  MISSED";
 }
 
-bool MeasureShape(const bench::Shape& shape) {
+bool MeasureShape(const texts::Shape& shape) {
     std::string texts[sizes];
     Cost costs[sizes]; // the least time of the trials, which take turns
-    for (int i = 0; i < sizes; ++i) texts[i] = bench::TextOf(shape, shape.smallest << i);
+    for (int i = 0; i < sizes; ++i) texts[i] = texts::TextOf(shape, shape.smallest << i);
     for (int trial = 0; trial < trials; ++trial) {
         for (int i = 0; i < sizes; ++i) {
             const Cost cost = ReadInChild(texts[i]);
@@ -113,10 +113,10 @@ int main() {
     bool good = true;
     std::printf("%-20s %5s %31s  %5s  %27s  %5s\n", "shape", "MB", "seconds at 1, 2, 4, 8 times that",
                 "worst", "peak MB", "worst");
-    for (const bench::Shape& shape : bench::shapes) good &= MeasureShape(shape);
+    for (const texts::Shape& shape : texts::shapes) good &= MeasureShape(shape);
     std::printf("\nhostile text\n");
-    for (const bench::Hostile& hostile : bench::hostiles)
-        good &= MeasureHostile(hostile.name, bench::TextOf(hostile));
-    good &= MeasureHostile("random bytes", bench::RandomBytes(1'000'000));
+    for (const texts::Hostile& hostile : texts::hostiles)
+        good &= MeasureHostile(hostile.name, texts::TextOf(hostile));
+    good &= MeasureHostile("random bytes", texts::RandomBytes(1'000'000));
     return good ? 0 : 1;
 }

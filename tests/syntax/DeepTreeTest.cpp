@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <bench/HostileTexts.h>
 #include <ostraka/syntax/TAPSyntaxePath.h>
 
+#include "support/HostileTexts.h"
 #include "support/SmallStack.h"
 #include "support/Source.h"
 
@@ -30,7 +30,7 @@ constexpr Nesting nestings[] = {
 // `levels` fills up what the forms leave of the depth.
 std::string Text(const Nesting& nesting, int units, int levels) {
     const auto repeat = [](std::string_view text, int count) {
-        return bench::Repeat(text, static_cast<std::size_t>(count));
+        return texts::Repeat(text, static_cast<std::size_t>(count));
     };
     return repeat("{", nesting.blocks) + repeat("else if(a) inline ", nesting.instructions) +
            repeat(nesting.open, units) + repeat("!", levels) + "xx" + repeat(nesting.close, units) + ";" +

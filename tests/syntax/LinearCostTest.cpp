@@ -3,8 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include <bench/HostileTexts.h>
-
+#include "support/HostileTexts.h"
 #include "support/Source.h"
 
 namespace {
@@ -21,8 +20,8 @@ using Seconds = std::chrono::duration<double>;
 constexpr Seconds enough{5};
 
 TEST(LinearCost, HostileTextsAreAnswered) {
-    for (const bench::Hostile& hostile : bench::hostiles) {
-        const std::string text = bench::TextOf(hostile, part);
+    for (const texts::Hostile& hostile : texts::hostiles) {
+        const std::string text = texts::TextOf(hostile, part);
         const auto start = std::chrono::steady_clock::now();
         Source source(text);
         source.Build();
@@ -34,9 +33,9 @@ TEST(LinearCost, HostileTextsAreAnswered) {
 }
 
 TEST(LinearCost, ShapesGiveTheirTrees) {
-    for (const bench::Shape& shape : bench::shapes) {
+    for (const texts::Shape& shape : texts::shapes) {
         const auto start = std::chrono::steady_clock::now();
-        Source source(bench::TextOf(shape, 1'000'000 / part));
+        Source source(texts::TextOf(shape, 1'000'000 / part));
         source.Build();
         // The rows of the table are one expression, a comma deep in the other.
         EXPECT_EQ(source.buildResult, std::string_view(shape.name) == "table of numbers" ? 1 : 0)
@@ -46,7 +45,7 @@ TEST(LinearCost, ShapesGiveTheirTrees) {
 }
 
 TEST(LinearCost, RandomBytesAreAnswered) {
-    Source source(bench::RandomBytes(1'000'000 / part));
+    Source source(texts::RandomBytes(1'000'000 / part));
     source.Build();
     EXPECT_TRUE(source.buildResult == 0 || TAPSyntaxe::ErrMsg.Length() > 0);
 }

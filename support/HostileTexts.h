@@ -14,7 +14,7 @@
 
 #include <ostraka/foundation/TAFileBuffer.h>
 
-namespace bench {
+namespace texts {
 
 // A text that is repeated between a beginning and an end. Each '$' in it becomes the number of the
 // repetition.
@@ -134,4 +134,4 @@ inline std::unique_ptr<TAFileBuffer> FileOf(std::string_view text, const char* n
     return file;
 }
 
-} // namespace bench
+} // namespace texts
