@@ -10,7 +10,9 @@
 #include <utility>
 
 #include <fmt/format.h>
+#include <ostraka/symbols/Siblings.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
+#include <ostraka/symbols/TypeNames.h>
 
 #include <answers/resolve/NodeText.h>
 
@@ -18,26 +20,16 @@ namespace ostraka::answers {
 
 namespace {
 
+using detail::ClassOfType;
+using detail::HeadOf;
+using detail::NextSibling;
+using detail::PreviousSibling;
+
 using Text = std::optional<std::string>;
 
 Text NotEmpty(const NUBString& text) {
     if (text.Length() == 0) return std::nullopt;
     return std::string(text.View());
-}
-
-// The class that a type names. Example: `const Foo_var&` gives `Foo`.
-std::string ClassOfType(std::string_view type) {
-    constexpr std::string_view qualifier = "const ";
-    constexpr std::string_view handle = "_var";
-    if (type.starts_with(qualifier)) type.remove_prefix(qualifier.size());
-    type = type.substr(0, type.find_last_not_of(" *&") + 1);
-    if (type.ends_with(handle)) type.remove_suffix(handle.size());
-    return std::string(type);
-}
-
-// What stands before the block on its level: the head of a class or of a function.
-TAPSyntaxe* HeadOf(const TAPSyntaxe& block) {
-    return block.GetType() == STYPE_Bloc ? block.GetParent()->GetPrevious(&block) : nullptr;
 }
 
 bool IsClassHead(const TAPSyntaxe* head) {
@@ -107,7 +99,7 @@ private:
         for (TAPSyntaxe* around = &node; around->GetParent() != nullptr; around = around->GetParent()) {
             topLevel = around;
             if (around->GetType() != STYPE_Bloc) continue;
-            TAPSyntaxe* head = HeadOf(*around);
+            TAPSyntaxe* head = HeadOf(around);
             if (IsClassHead(head)) AskClass(ClassOfHead(*head), inner);
             inner = around;
         }
@@ -117,16 +109,16 @@ private:
     // The body of a method in the class is the block directly below that of the class.
     void AskClass(const char* className, const TAPSyntaxe* body) {
         if (!answers.className) answers.className = className;
-        const Signature method = body != nullptr ? SignatureOf(HeadOf(*body)) : Signature();
+        const Signature method = body != nullptr ? SignatureOf(HeadOf(body)) : Signature();
         if (!answers.method && !method.name.empty())
             answers.method = fmt::format("{}::{}", className, method.name);
     }
 
     // The node may stand in the body of a function, or in the head before that.
     void AskTopLevel() {
-        TAPSyntaxe* head = HeadOf(*topLevel);
+        TAPSyntaxe* head = HeadOf(topLevel);
         if (head == nullptr) {
-            TAPSyntaxe* next = topLevel->GetParent()->GetNext(topLevel);
+            TAPSyntaxe* next = NextSibling(*topLevel);
             if (next == nullptr || next->GetType() != STYPE_Bloc) return;
             head = topLevel;
             bodyBehind = next;
@@ -182,7 +174,7 @@ private:
         if (left == nullptr) return;
         if (!answers.isAccess) return AskRecords(left->GetLastLeaf()->GetContent());
         const Text type = answers.object ? answers.object->type : TypeOf(*left);
-        if (type) AskRecords(ClassOfType(*type));
+        if (type) AskRecords(std::string(ClassOfType(*type)));
     }
 
     bool IsKnown() const { return !answers.declared.empty(); }
@@ -202,7 +194,7 @@ private:
         }
         if (found == nullptr) return;
         const TAPSyntaxe& parent = *found->GetParent();
-        const TAPSyntaxe* head = HeadOf(parent);
+        const TAPSyntaxe* head = HeadOf(&parent);
         if (IsClassHead(head)) return AskRecords(ClassOfHead(*head));
         Add(found, parent.GetType() == STYPE_ListOfArgs ? "argument" : "variable", type.View());
         if (answers.method) AskGoesBack(bodyBehind != nullptr ? *bodyBehind : node);
@@ -210,7 +202,7 @@ private:
 
     // Of a function whose head or body the node is.
     TAPSyntaxe* FindInArguments(TAPSyntaxe& headOrBody, NUBString& type) {
-        TAPSyntaxe* head = HeadOf(headOrBody);
+        TAPSyntaxe* head = HeadOf(&headOrBody);
         const TAPSyntaxe* args = SignatureOf(head != nullptr ? head : &headOrBody).args;
         NUBString declared;
         for (int i = 1; args != nullptr && i <= args->ChildCount(); ++i)
@@ -223,11 +215,11 @@ private:
     // be a loop or a condition itself.
     TAPSyntaxe* FindInLoops(const TAPSyntaxe& body, NUBString& type) {
         TAPSyntaxe* found = nullptr;
-        const TAPSyntaxe* before = body.GetParent()->GetPrevious(&body);
+        const TAPSyntaxe* before = PreviousSibling(body);
         while (found == nullptr && before != nullptr && before->GetType() == STYPE_Instruction &&
                before->ChildCount() > 0 && before->Child(1)->GetType() == STYPE_Bloc) {
             found = table.FindDeclare(&node, type, before->Child(1), 0);
-            before = before->GetParent()->GetPrevious(before);
+            before = PreviousSibling(*before);
         }
         return found;
     }
@@ -239,7 +231,7 @@ private:
     }
 
     void AskClassIndex() {
-        const std::string className = ClassOfType(name);
+        const std::string className(ClassOfType(name));
         TAPSyntaxe* declared = table.GetClassDeclarationLocation(className.c_str());
         if (declared != nullptr) Add(declared, fmt::format("class {}", className));
     }
@@ -301,7 +293,7 @@ private:
 
     // A handle counts as what it is a handle on.
     void AskIndexes() {
-        for (const std::string& key : {name, ClassOfType(name)}) {
+        for (const std::string& key : {name, std::string(ClassOfType(name))}) {
             for (const NameIndex& row : nameIndexes) {
                 const TAIndex& index = table.*row.index;
                 const int position = index.IsIn(key.c_str());

@@ -20,6 +20,7 @@
 #include <ostraka/symbols/TAPDefMethod.h>
 #include <ostraka/symbols/TAPDefSource.h>
 #include <ostraka/symbols/TAPDefVar.h>
+#include <ostraka/symbols/TypeNames.h>
 
 namespace ostraka::detail {
 
@@ -78,7 +79,7 @@ private:
     void DefineClass(const NUBString& name, TAPSyntaxe& head, TAPSyntaxe& body) {
         if (Holds(table.classIndex, name.View())) return;
         auto* record = new TAPDefClass(&head, &body, &source, &table);
-        const NUBString referred(WithoutHandle(name.View()));
+        const NUBString referred(BeforeHandle(name.View()));
         if (referred == name) {
             Register(name, *record);
         } else if (referred.Length() > 0) {
@@ -101,7 +102,7 @@ private:
 
     void DeclareForward(const NUBString& name) {
         Enter(source.forwardClasses, name);
-        const NUBString referred(WithoutHandle(name.View()));
+        const NUBString referred(BeforeHandle(name.View()));
         if (referred.Length() == 0 && name.Length() > 0) return;
         const bool handle = referred != name;
         if (!handle) Enter(table.types, name);

@@ -14,6 +14,7 @@
 #include <ostraka/symbols/DeclarationScan.h>
 #include <ostraka/symbols/FileLoading.h>
 #include <ostraka/symbols/NodeShape.h>
+#include <ostraka/symbols/TypeNames.h>
 
 using namespace ostraka::detail;
 
@@ -94,7 +95,7 @@ private:
 
     // A handle makes known what it is a handle on, if anything.
     void enterNames(const NUBString& name) {
-        const NUBString referred(WithoutHandle(name.View()));
+        const NUBString referred(BeforeHandle(name.View()));
         if (referred.Length() == 0 && name.Length() > 0) return;
         enter(table.types, referred);
         enter(table.interfaceNames, referred);

@@ -22,9 +22,9 @@ namespace {
 using ostraka::detail::ChildOf;
 using ostraka::detail::ChildOfKind;
 using ostraka::detail::ChildOfType;
+using ostraka::detail::HeadOf;
 using ostraka::detail::IsOfKind;
 using ostraka::detail::IsOfType;
-using ostraka::detail::PreviousSibling;
 using ostraka::detail::TextOf;
 
 // Whether instructions, declarations or blocks can lie below the node.
@@ -36,10 +36,6 @@ bool HoldsStatements(const TAPSyntaxe& node) {
     case STYPE_NULL: return false;
     default: return true;
     }
-}
-
-TAPSyntaxe* HeadOf(const TAPSyntaxe* block) {
-    return IsOfType(block, STYPE_Bloc) ? PreviousSibling(*block) : nullptr;
 }
 
 // The variables that an instruction or an argument declares, for as long as this object lives.

@@ -23,4 +23,9 @@ inline TAPSyntaxe* NextSibling(const TAPSyntaxe& node) {
     return ChildOf(node.parent, node.posInFather + 1);
 }
 
+// What stands before a block on its level: the head of a class or of a function. Null for other nodes.
+inline TAPSyntaxe* HeadOf(const TAPSyntaxe* block) {
+    return IsOfType(block, STYPE_Bloc) ? PreviousSibling(*block) : nullptr;
+}
+
 } // namespace ostraka::detail

@@ -4,7 +4,6 @@
 // and which marks come off or on; a type word, a literal or a declared name ends the chain. Then the marks
 // are applied on the way back.
 
-#include <cstring>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -14,16 +13,19 @@
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
+#include <ostraka/symbols/TypeNames.h>
 #include <ostraka/symbols/TypeReading.h>
 
 namespace {
 
+using ostraka::detail::BareNames;
 using ostraka::detail::ChildOf;
 using ostraka::detail::ChildOfType;
 using ostraka::detail::Holds;
 using ostraka::detail::IsOfKind;
 using ostraka::detail::TextOf;
 using ostraka::detail::TypeOfObject;
+using ostraka::detail::WithoutMarks;
 
 // A node has the type of `operand` without its last star, where `dropsStar` says so, and with marks behind.
 struct Derivation {
@@ -115,35 +117,6 @@ bool Apply(const Derivation& derivation, std::string& type) {
     if (derivation.addsReference) type += '&';
     type.append(static_cast<std::size_t>(derivation.addsStars), '*');
     return true;
-}
-
-// A type without what makes it a handle, a pointer or a reference. Example: `Foo_var*` gives `Foo`.
-std::string_view WithoutMarks(std::string_view type) {
-    constexpr std::string_view handle = "_var";
-    for (;;) {
-        if (type.size() > handle.size() && type.ends_with(handle)) {
-            type.remove_suffix(handle.size());
-        } else if (type.size() > 1 && (type.back() == '*' || type.back() == '&')) {
-            type.remove_suffix(1);
-        } else {
-            return type;
-        }
-    }
-}
-
-// A type reduced to its names: no qualifier, blank or mark.
-std::string BareNames(std::string_view type) {
-    constexpr std::string_view qualifier = "const";
-    std::string bare;
-    for (std::size_t i = 0; i < type.size();) {
-        if (type.substr(i).starts_with(qualifier)) {
-            i += qualifier.size();
-            continue;
-        }
-        if (std::strchr(" &*", type[i]) == nullptr) bare += type[i];
-        ++i;
-    }
-    return bare;
 }
 
 std::string_view TextOrEmpty(const char* text) {

@@ -11,10 +11,10 @@
 #include <string>
 #include <string_view>
 
-#include <ostraka/symbols/DeclarationScan.h>
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/TAPDefVar.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
+#include <ostraka/symbols/TypeNames.h>
 
 using namespace ostraka::detail;
 
@@ -30,16 +30,6 @@ bool IsTypedList(std::string_view word) {
     static constexpr std::string_view prefixes[] = {"NUBLISTP_", "NUBLISTV_", "SEQUENCE_"};
     return std::any_of(std::begin(prefixes), std::end(prefixes),
                        [=](std::string_view prefix) { return word.starts_with(prefix); });
-}
-
-// Whether the word ends in a handle mark that has something in front of it.
-bool IsHandle(std::string_view word) {
-    return word.size() > handleMark.size() && word.ends_with(handleMark);
-}
-
-// What a handle refers to; any other word as it stands.
-std::string_view Referred(std::string_view word) {
-    return IsHandle(word) ? word.substr(0, word.size() - handleMark.size()) : word;
 }
 
 bool IsTypeMacro(const TAPSymbolTable& table, std::string_view word) {
