@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <string_view>
+#include <utility>
 
 namespace {
 
@@ -41,13 +42,19 @@ constinit const qxKeyForTraceManager MSG_KEY_systError("error");
 constinit qxContext qxExtContext;
 
 void qxTraceManager::Print(const qxKeyForTraceManager& key, std::FILE* file, const NUBUnicodeString& text) {
-    printLine(file, NUBString(key.label) + ": " + text.CastToCharPtr() + "\n");
+    if (sink != nullptr && file == stderr)
+        sink->Receive(key, text);
+    else
+        printLine(file, NUBString(key.label) + ": " + text.CastToCharPtr() + "\n");
 }
 
 void qxTraceManager::Print(const qxKeyForTraceManager& key, std::FILE* file, const NUBUnicodeString& text1,
                            const NUBUnicodeString& text2) {
-    printLine(file,
-              NUBString(key.label) + ": " + text1.CastToCharPtr() + ": " + text2.CastToCharPtr() + "\n");
+    Print(key, file, NUBString(text1.CastToCharPtr()) + ": " + text2.CastToCharPtr());
+}
+
+qxTraceSink* qxTraceManager::SetSink(qxTraceSink* newSink) {
+    return std::exchange(sink, newSink);
 }
 
 NUBUnicodeString qxMsgManager::GetMsg(const NUBString& key) {

@@ -105,4 +105,34 @@ TEST(ConsoleDeathTest, LinesKeepTheirOrder) {
     EXPECT_EXIT(speak(), testing::ExitedWithCode(0), "^1 error: two\n3 4\nerror: five: six\nseven\n\n$");
 }
 
+// A sink keeps what is meant for standard error, the inner one while it is there, and nothing else.
+TEST(Traces, GoToTheInnermostSink) {
+    struct Sink final : qxTraceSink {
+        std::string heard;
+        void Receive(const qxKeyForTraceManager& key, const NUBUnicodeString& text) override {
+            heard += std::string(&key == &MSG_KEY_systError ? "system " : "") + text.CastToCharPtr() + "|";
+        }
+    } outer, inner;
+    qxTraceManager& traces = *qxExtContext.GetTraceMngr();
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    {
+        const qxTraceSinkGuard keeping(traces, &outer);
+        traces.Print(MSG_KEY_qxqxError, stderr, "a", "b");
+        traces.Print(MSG_KEY_qxqxError, stdout, "elsewhere");
+        traces.Print(MSG_KEY_qxqxError, nullptr, "unheard");
+        {
+            const qxTraceSinkGuard deeper(traces, &inner);
+            traces.Print(MSG_KEY_systError, stderr, "c");
+        }
+        traces.Print(MSG_KEY_qxqxError, stderr, "d");
+    }
+    traces.Print(MSG_KEY_qxqxError, stderr, "printed");
+    EXPECT_EQ(outer.heard, "a: b|d|");
+    EXPECT_EQ(inner.heard, "system c|");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "error: elsewhere\n");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: printed\n");
+    EXPECT_EQ(traces.SetSink(nullptr), nullptr);
+}
+
 } // namespace
