@@ -1,9 +1,6 @@
 #include <answers/facts/RawFile.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <cstring>
-#include <new>
 #include <optional>
 #include <system_error>
 
@@ -28,16 +25,6 @@ const char* ReasonNotToRead(const struct stat& status, bool standardInput) {
 
 // What standard input held; it can be read once, and a file is read again to tell why it failed.
 std::optional<std::string> standardInputText;
-
-std::unique_ptr<TAFileBuffer> NamedBuffer(const std::string& path, std::string_view text) {
-    auto buffer = std::make_unique<TAFileBuffer>(path.c_str(), 0);
-    buffer->loaded = 1;
-    buffer->size = static_cast<unsigned int>(text.size());
-    buffer->buffer = static_cast<char*>(std::calloc(text.size() + padding, 1));
-    if (buffer->buffer == nullptr) throw std::bad_alloc();
-    std::memcpy(buffer->buffer, text.data(), text.size());
-    return buffer;
-}
 
 const char* NameToOpen(const std::string& path) {
     return path == "-" ? "/dev/stdin" : path.c_str();
@@ -65,7 +52,9 @@ int OpenToRead(const std::string& path, std::string& problem) {
 
 std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& problem) {
     const bool standardInput = path == "-";
-    if (standardInput && standardInputText) return NamedBuffer(path, *standardInputText);
+    if (standardInput && standardInputText) {
+        return std::make_unique<TAFileBuffer>(path.c_str(), *standardInputText);
+    }
     if (!MayRead(path, problem)) return nullptr;
     auto buffer = std::make_unique<TAFileBuffer>(path.c_str(), 0);
     buffer->loaded = 1;
@@ -78,7 +67,7 @@ std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& pro
 }
 
 std::unique_ptr<TAFileBuffer> MakeBuffer(std::string_view text) {
-    return NamedBuffer("", text);
+    return std::make_unique<TAFileBuffer>("", text);
 }
 
 } // namespace ostraka::answers

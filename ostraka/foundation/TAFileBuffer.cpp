@@ -1,6 +1,9 @@
 #include <ostraka/foundation/TAFileBuffer.h>
 
+#include <algorithm>
 #include <basalt/NUBUnicodeString.h>
+#include <cerrno>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,8 +12,41 @@
 #include <gneiss/qxMMap.h>
 #include <new>
 
+namespace {
+
+constexpr int lookAhead = 8;
+constexpr std::size_t tooLarge = std::size_t{1} << 31;
+
+int tellFailure(const char* fileName) {
+    qxExtContext.GetTraceMngr()->Print(MSG_KEY_systError, stderr, NUBUnicodeString(fileName),
+                                       qxExtLastError.GetMsgError());
+    return 1;
+}
+
+char* paddedCopy(std::string_view text) {
+    auto* copy = static_cast<char*>(std::malloc(text.size() + lookAhead));
+    if (!copy) throw std::bad_alloc();
+    char* past = std::copy(text.begin(), text.end(), copy);
+    *past = '\0';
+    std::fill_n(past + 1, lookAhead - 1, '\n');
+    return copy;
+}
+
+} // namespace
+
 TAFileBuffer::TAFileBuffer(const char* name, int) : fileName(strdup(name ? name : "")) {
     if (!fileName) throw std::bad_alloc();
+}
+
+TAFileBuffer::TAFileBuffer(const char* name, std::string_view text) : TAFileBuffer(name, 0) {
+    loaded = 1;
+    if (text.size() >= tooLarge) {
+        qxExtLastError.SetError(EFBIG);
+        tellFailure(fileName);
+        return;
+    }
+    buffer = paddedCopy(text);
+    size = static_cast<unsigned int>(text.size());
 }
 
 TAFileBuffer::~TAFileBuffer() {
@@ -23,10 +59,7 @@ int TAFileBuffer::LoadFile() {
     size = 0;
     buffer = nullptr;
     loaded = 1;
-    if (qxMMap(fileName, 8, buffer, size, '\n') == 0) return 0;
-    qxExtContext.GetTraceMngr()->Print(MSG_KEY_systError, stderr, NUBUnicodeString(fileName),
-                                       qxExtLastError.GetMsgError());
-    return 1;
+    return qxMMap(fileName, lookAhead, buffer, size, '\n') == 0 ? 0 : tellFailure(fileName);
 }
 
 char* TAFileBuffer::GetBuffer() {

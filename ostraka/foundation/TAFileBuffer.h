@@ -1,10 +1,12 @@
 #pragma once
 
-// The raw bytes of one file, read on first demand and kept to the end of the object, which owns them and the
-// copy of the name. What `GetBuffer` returns dies with the object.
+// The raw bytes of one file, read on first demand or given as a text, and kept to the end of the object,
+// which owns them and the copy of the name. What `GetBuffer` returns dies with the object.
 
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TypedLists.h>
+
+#include <string_view>
 
 class OSTRAKA_EXPORT TAFileBuffer {
 public:
@@ -15,6 +17,11 @@ public:
 
     // Copies the name and reads nothing. The second argument has no effect.
     TAFileBuffer(const char* fileName, int);
+    // Copies the text too, which stands for the content of that file and may hold any bytes: it counts as
+    // read, and nobody looks for a file of that name. As behind what was read, a NUL stands behind it, then
+    // line feeds, so that a scanner may look ahead by 8 bytes. A text of 2 GiB or more counts as a file that
+    // can't be read, which is told at once.
+    TAFileBuffer(const char* fileName, std::string_view text);
     ~TAFileBuffer();
     TAFileBuffer(const TAFileBuffer&) = delete;
     TAFileBuffer& operator=(const TAFileBuffer&) = delete;

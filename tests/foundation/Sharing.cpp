@@ -3,10 +3,13 @@
 #include <ostraka/foundation/TAFileBuffer.h>
 #include <ostraka/foundation/TARefCounter.h>
 
+#include <algorithm>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <string>
+#include <string_view>
 #include <tuple>
 #include <unistd.h>
 #include <utility>
@@ -74,6 +77,30 @@ TEST(TAFileBuffer, FailureIsReportedOnce) {
     EXPECT_TRUE(buffer.LoadFile() == 1 && buffer.LoadFile() == 0);
     EXPECT_TRUE(buffer.GetBuffer() == nullptr && buffer.GetSize() == 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: /no/such/file: No such file or directory\n");
+}
+
+// A text in memory is what a file of that content would be, down to what a scanner sees behind it.
+TEST(TAFileBuffer, TextStandsForAFile) {
+    using namespace std::string_literals;
+    const std::string path = testing::TempDir() + "text" + std::to_string(getpid());
+    for (const std::string& text : {""s, "a"s, "a\0b"s, "sevenup"s, "eight bytes and more"s}) {
+        std::ofstream(path) << text;
+        TAFileBuffer read(path.c_str(), 0);
+        std::string given = text;
+        TAFileBuffer held(path.c_str(), given);
+        std::fill(given.begin(), given.end(), '?');
+        EXPECT_EQ(held.loaded, 1);
+        ASSERT_EQ(held.size, text.size());
+        const std::string behind(held.GetBuffer() + held.size, 8);
+        EXPECT_EQ(behind, '\0' + std::string(7, '\n'));
+        EXPECT_EQ(std::memcmp(held.buffer, read.GetBuffer(), held.size / 8 * 8 + 8), 0) << text;
+        EXPECT_EQ(held.fileName, path);
+    }
+    std::filesystem::remove(path);
+    testing::internal::CaptureStderr();
+    TAFileBuffer huge("huge.cpp", std::string_view("", std::size_t{1} << 31));
+    EXPECT_TRUE(huge.GetBuffer() == nullptr && huge.GetSize() == 0);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "error: huge.cpp: File too large\n");
 }
 
 class Listener final : public TACallbackSubscriber {
