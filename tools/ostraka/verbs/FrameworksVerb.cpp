@@ -195,12 +195,12 @@ int RunFrameworks(const Request& request, Console& console) {
     const OwnerLists owners = LoadOwners(request, complaints);
     Survey survey;
     for (const std::string& root : Roots(request)) {
-        complaints.CountFile();
+        complaints.Count(Reading::Folder);
         std::error_code ignored;
         if (std::filesystem::is_directory(root, ignored))
             SurveyRoot(root, request.report.ask, survey.frameworks);
         else
-            complaints.Fail(root, {std::nullopt, "is no folder"});
+            complaints.Fail(Reading::Folder, root, {std::nullopt, "is no folder"});
     }
     CompareOwners(owners, survey);
     if (request.format == Format::Text)

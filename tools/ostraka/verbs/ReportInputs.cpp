@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <memory>
+#include <numeric>
 #include <system_error>
 
 #include <answers/reports/ReportReader.h>
@@ -124,11 +125,11 @@ std::size_t SizeOf(const std::string& path) {
 
 } // namespace
 
-void Complaints::Fail(const std::string& path, const Failure& failure) {
+void Complaints::Fail(Reading what, const std::string& path, const Failure& failure) {
     std::string line;
     AppendMessage(line, path, failure.place, "error", failure.cause, request.colorErrors);
     console.Err(line);
-    ++failed;
+    ++TallyOf(what).failed;
 }
 
 void Complaints::Warn(const std::string& path, const std::string& cause) {
@@ -138,17 +139,27 @@ void Complaints::Warn(const std::string& path, const std::string& cause) {
     console.Err(line);
 }
 
+// "ostraka: 1 of 2 lists and 3 of 4 reports failed"
 void Complaints::Close() {
-    if (failed > 0 && !request.quiet)
-        console.Err(fmt::format("ostraka: {} of {} files failed\n", failed, files));
+    std::string counts;
+    for (const Tally& tally : tallies)
+        if (tally.failed > 0)
+            counts += fmt::format("{}{} of {} {}", counts.empty() ? "" : " and ", tally.failed, tally.all,
+                                  tally.name);
+    if (!counts.empty() && !request.quiet) console.Err(fmt::format("ostraka: {} failed\n", counts));
+}
+
+int Complaints::Failed() const {
+    return std::accumulate(tallies.begin(), tallies.end(), 0,
+                           [](int sum, const Tally& tally) { return sum + tally.failed; });
 }
 
 std::optional<std::string> ReadText(const std::string& path, Complaints& complaints) {
-    complaints.CountFile();
+    complaints.Count(Reading::List);
     std::string problem;
     const auto buffer = ReadFile(path, problem);
     if (buffer) return std::string(buffer->buffer, buffer->size);
-    complaints.Fail(path, {std::nullopt, problem});
+    complaints.Fail(Reading::List, path, {std::nullopt, problem});
     return std::nullopt;
 }
 
@@ -221,7 +232,7 @@ std::vector<ReportState> ReadReports(const Request& request, ReportModel& model,
     const std::vector<Input> inputs = CollectInputs(request, IsAnyFile);
     for (const Input& input : inputs) all += SizeOf(input.path);
     for (const Input& input : inputs) {
-        complaints.CountFile();
+        complaints.Count(Reading::Report);
         ReportState& state = states.emplace_back();
         state.path = input.path;
         const std::int64_t before = model.Records();
@@ -237,7 +248,7 @@ std::vector<ReportState> ReadReports(const Request& request, ReportModel& model,
             });
         }
         state.records = model.Records() - before;
-        if (state.failure) complaints.Fail(input.path, *state.failure);
+        if (state.failure) complaints.Fail(Reading::Report, input.path, *state.failure);
     }
     console.ShowProgress(1, 1, "MB");
     return states;

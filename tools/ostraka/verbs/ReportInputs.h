@@ -3,6 +3,7 @@
 // Tables and reports from their files into the model of the run. Whatever can't be read is named on standard
 // error and counted, and the run goes on with the rest.
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,22 +17,31 @@
 
 namespace ostraka::tool {
 
-// Names what goes wrong, and counts the files that failed.
+// What a run reads, as its last message counts it: lists are owners, tables, masks and baselines.
+enum class Reading { List, Folder, Report };
+
+// Names what goes wrong, and counts what was read and what failed.
 class Complaints {
 public:
     Complaints(const Request& theRequest, Console& theConsole) : request(theRequest), console(theConsole) {}
-    void Fail(const std::string& path, const Failure& failure);
+    void Fail(Reading what, const std::string& path, const Failure& failure);
     void Warn(const std::string& path, const std::string& cause);
     // The last line of standard error, when something failed.
     void Close();
-    void CountFile() { ++files; }
-    int Failed() const { return failed; }
+    void Count(Reading what) { ++TallyOf(what).all; }
+    int Failed() const;
 
 private:
+    struct Tally {
+        const char* name;
+        int all = 0;
+        int failed = 0;
+    };
+    Tally& TallyOf(Reading what) { return tallies[static_cast<std::size_t>(what)]; }
+
     const Request& request;
     Console& console;
-    int files = 0;
-    int failed = 0;
+    std::array<Tally, 3> tallies{Tally{"lists"}, Tally{"folders"}, Tally{"reports"}};
 };
 
 // The lines of a list, without those that are empty or begin with "#".

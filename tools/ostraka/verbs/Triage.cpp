@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <unistd.h>
 
 #include "cli/CommandLine.h"
@@ -62,19 +63,20 @@ std::vector<Total> AddUp(const std::vector<TriageItem>& items, const std::vector
 bool ReadBaseline(const std::string& path, Baseline& baseline, Complaints& complaints) {
     const std::optional<std::string> text = ReadText(path, complaints);
     const auto fault = text ? baseline.Read(*text) : std::nullopt;
-    if (fault) complaints.Fail(path, {Place{fault->line, fault->column}, fault->cause});
+    if (fault) complaints.Fail(Reading::List, path, {Place{fault->line, fault->column}, fault->cause});
     return text && !fault;
 }
 
 void WriteBaseline(const std::string& path, const Baseline& baseline, Complaints& complaints) {
-    complaints.CountFile();
+    complaints.Count(Reading::List);
     const std::string text = baseline.Text();
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     const bool written = file >= 0 && WriteAll(file, text.data(), text.size());
     const int error = errno;
     if (file >= 0) close(file);
     if (!written)
-        complaints.Fail(path, {std::nullopt, "cannot write: " + std::generic_category().message(error)});
+        complaints.Fail(Reading::List, path,
+                        {std::nullopt, "cannot write: " + std::generic_category().message(error)});
 }
 
 // Sorts the groups into what is shown, what a filter took, and the totals; fills `present` for a new
@@ -112,6 +114,14 @@ void Print(const Triage& triage, Console& console) {
     }
 }
 
+// The option that asks for what is new, where nothing tells what is known: it would find nothing, and a check
+// would pass by mistake. Null otherwise.
+const char* LacksBaseline(const ReportRequest& report) {
+    if (!report.baseline.empty()) return nullptr;
+    if (report.failOn == FailOn::New) return "--fail-on new";
+    return report.onlyNew ? "--new" : nullptr;
+}
+
 bool CheckFailed(const Triage& triage) {
     const FailOn failOn = triage.request.report.failOn;
     return (failOn == FailOn::New && triage.all.newStacks > 0) ||
@@ -139,6 +149,11 @@ const char* NameOf(reports::Charge charge) {
 }
 
 int RunTriage(const Request& request, Console& console) {
+    if (const char* option = LacksBaseline(request.report)) {
+        console.Err(
+            fmt::format("ostraka: {} needs --baseline FILE\nostraka: see ostraka triage --help\n", option));
+        return ExitUsage;
+    }
     Complaints complaints(request, console);
     reports::ReportModel model;
     // Before the first call is built, or its framework would have no owner for good.
