@@ -2,16 +2,18 @@
 
 // The command line: from words to a Request, with help, version, and a hint for a word that isn't known.
 
-#include <optional>
+#include <span>
+#include <variant>
 
-#include "cli/Request.h"
+#include "cli/ExitCodes.h"
+#include "cli/Verb.h"
 
 namespace ostraka::tool {
 
-enum : int { ExitDone = 0, ExitNotFound = 1, ExitUsage = 2, ExitFailed = 3 };
+using Verbs = std::span<const Verb* const>; // in the order of the help
 
-// Fills the request. A value is the exit code of a run that ends here: help was asked for, or the words are
-// wrong, which has been told on standard error.
-std::optional<int> ParseCommandLine(int argc, char** argv, Request& request);
+// Fills the request and gives the verb that was asked for; or the exit code of a run that ends here: help was
+// asked for and printed, or the words are wrong, which has been told on standard error.
+std::variant<const Verb*, ExitCode> ParseCommandLine(int argc, char** argv, Verbs verbs, Request& request);
 
 } // namespace ostraka::tool

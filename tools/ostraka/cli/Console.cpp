@@ -6,7 +6,10 @@
 #include <system_error>
 
 #include <fmt/format.h>
+#include <poll.h>
 #include <unistd.h>
+
+#include "cli/ExitCodes.h"
 
 namespace ostraka::tool {
 
@@ -15,15 +18,22 @@ namespace {
 constexpr std::size_t pieceSize = 1 << 20;
 constexpr std::chrono::seconds progressAfter(1);
 constexpr std::chrono::milliseconds progressPause(100);
-constexpr int exitUnwritable = 3;
+
+// Of a descriptor that others have switched to refuse what it can't take at once. Leaves `errno` alone.
+void WaitForRoom(int descriptor) {
+    const int error = errno;
+    pollfd waiting{descriptor, POLLOUT, 0};
+    poll(&waiting, 1, -1);
+    errno = error;
+}
 
 [[noreturn]] void EndUnwritable(int error) {
     // Who closed the pipe has seen enough.
-    if (error == EPIPE) std::_Exit(0);
+    if (error == EPIPE) std::_Exit(ExitDone);
     const std::string text =
         fmt::format("ostraka: error: cannot write: {}\n", std::generic_category().message(error));
     WriteAll(STDERR_FILENO, text.data(), text.size());
-    std::_Exit(exitUnwritable);
+    std::_Exit(ExitFailed);
 }
 
 } // namespace
@@ -31,7 +41,8 @@ constexpr int exitUnwritable = 3;
 bool WriteAll(int descriptor, const char* data, std::size_t size) {
     while (size > 0) {
         const ssize_t count = write(descriptor, data, size);
-        if (count < 0 && errno == EINTR) continue;
+        if (count < 0 && errno == EAGAIN) WaitForRoom(descriptor);
+        if (count < 0 && (errno == EINTR || errno == EAGAIN)) continue;
         if (count < 0) return false;
         data += count;
         size -= static_cast<std::size_t>(count);

@@ -1,17 +1,20 @@
 #pragma once
 
-// Runs a verb over all files of a run, in this process or in several, with the same output either way.
+// Answers for all files of a run, in this process or in several, with the same results either way.
 
+#include <cstddef>
+#include <functional>
 #include <vector>
 
-#include "cli/Request.h"
-#include "cli/Verbs.h"
+#include "cli/Run.h"
 
 namespace ostraka::tool {
 
-class Console;
+// Takes the results one by one in the order of the files, with the number of files that are done.
+using ShowResult = std::function<void(const Result& result, std::size_t done)>;
 
-// The counts of the whole run; the streams have been written to the console.
-Result RunAll(const Request& request, const std::vector<Input>& inputs, Console& console);
+// As many processes as the request asks for, none of which outlives this one, whatever ends it.
+void AnswerAll(const Request& request, const std::vector<Input>& files, AnswerFile answer,
+               const ShowResult& show);
 
 } // namespace ostraka::tool

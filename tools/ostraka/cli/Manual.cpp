@@ -4,7 +4,6 @@
 #include <iterator>
 #include <vector>
 
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
 
 namespace ostraka::tool {
@@ -12,7 +11,7 @@ namespace ostraka::tool {
 namespace {
 
 // An option as all forms want it.
-struct Flag {
+struct Flagged {
     std::vector<std::string> names; // with their dashes
     std::string value;              // what stands for its value; empty for one that takes none
     std::string description;
@@ -23,7 +22,7 @@ struct Command {
     std::string name;
     std::string summary;
     std::string operands;
-    std::vector<Flag> flags;
+    std::vector<Flagged> flags;
     std::vector<std::string> examples;
 };
 
@@ -38,50 +37,51 @@ std::vector<std::string> Split(const std::string& text, char separator) {
     return parts;
 }
 
-// A value that is written as "text|json" is one of these words.
-std::vector<std::string> ChoicesIn(const std::string& value) {
-    const std::vector<std::string> parts = Split(value, '|');
-    return parts.size() > 1 ? parts : std::vector<std::string>();
+// The words that the value of an option is one of; none for other values.
+std::vector<std::string> ChoicesOf(const Verb& verb, const Option& option) {
+    if (const auto* word = std::get_if<Word>(&option.kind)) return {word->words.begin(), word->words.end()};
+    std::vector<std::string> choices;
+    if (std::holds_alternative<FormatWord>(option.kind))
+        for (const Format format : verb.formats) choices.emplace_back(NameOf(format));
+    return choices;
 }
 
-Flag FlagOf(const CLI::Option& option) {
-    Flag flag;
-    for (const std::string& name : option.get_snames()) flag.names.push_back("-" + name);
-    for (const std::string& name : option.get_lnames()) flag.names.push_back("--" + name);
-    if (option.get_expected_max() > 0) flag.value = option.get_type_name();
-    flag.description = option.get_description();
-    flag.choices = ChoicesIn(flag.value);
+Flagged FlagOf(const Verb& verb, const Option& option) {
+    Flagged flag{Split(option.names, ','), "", option.description, ChoicesOf(verb, option)};
+    flag.value = option.value != nullptr ? option.value : fmt::format("{}", fmt::join(flag.choices, "|"));
     return flag;
 }
 
-std::vector<std::string> ExamplesIn(const std::string& footer) {
-    std::vector<std::string> examples;
-    for (const std::string& line : Split(footer, '\n'))
-        if (line.starts_with("  ")) examples.push_back(line.substr(2));
-    return examples;
+void AppendOperand(std::string& operands, const char* name, const Operand& operand) {
+    const std::string text = fmt::format("{}{}", name, operand.isRepeated ? "..." : "");
+    operands += operands.empty() ? "" : " ";
+    operands += operand.isRequired ? text : fmt::format("[{}]", text);
 }
 
-Command CommandOf(const CLI::App& verb) {
-    Command command{verb.get_name(), verb.get_description(), "", {}, ExamplesIn(verb.get_footer())};
-    for (const CLI::Option* option : verb.get_options()) {
-        if (option->get_positional())
-            command.operands +=
-                fmt::format("{}{}{}", command.operands.empty() ? "" : " ", option->get_name(true),
-                            option->get_expected_max() > 1 ? "..." : "");
-        else
-            command.flags.push_back(FlagOf(*option));
-    }
+// Each verb has it from the parser.
+constexpr Option helpOption = {"-h,--help", nullptr, "Print this help message and exit", Flag{nullptr}};
+
+Command CommandOf(const Verb& verb) {
+    Command command{verb.name, verb.summary, "", {}, {verb.examples.begin(), verb.examples.end()}};
+    command.flags.push_back(FlagOf(verb, helpOption));
+    for (const std::span<const Option> group : verb.options)
+        for (const Option& option : group)
+            if (const auto* operand = std::get_if<Operand>(&option.kind))
+                AppendOperand(command.operands, option.names, *operand);
+            else
+                command.flags.push_back(FlagOf(verb, option));
     return command;
 }
 
-std::vector<Command> CommandsOf(CLI::App& app) {
+std::vector<Command> CommandsOf(std::span<const Verb* const> verbs) {
     std::vector<Command> commands;
-    for (const CLI::App* verb : app.get_subcommands([](const CLI::App*) { return true; }))
-        commands.push_back(CommandOf(*verb));
+    for (const Verb* verb : verbs) commands.push_back(CommandOf(*verb));
     return commands;
 }
 
-std::string Names(const std::vector<Command>& commands) {
+using Commands = const std::vector<Command>&;
+
+std::string Names(Commands commands) {
     std::string names;
     for (const Command& command : commands) names += (names.empty() ? "" : " ") + command.name;
     return names;
@@ -104,7 +104,7 @@ std::string Troff(std::string_view text) {
     return escaped;
 }
 
-void AppendFlag(std::string& out, const Flag& flag) {
+void AppendFlag(std::string& out, const Flagged& flag) {
     std::string names;
     for (const std::string& name : flag.names)
         names += fmt::format("{}\\fB{}\\fR", names.empty() ? "" : ", ", Troff(name));
@@ -112,18 +112,17 @@ void AppendFlag(std::string& out, const Flag& flag) {
     fmt::format_to(std::back_inserter(out), ".TP\n{}\n{}\n", names, Troff(flag.description));
 }
 
-std::string Man(CLI::App& app) {
+std::string Man(Commands commands) {
     std::string out =
         fmt::format(".TH OSTRAKA 1 \"\" \"ostraka {}\" \"User Commands\"\n"
                     ".SH NAME\nostraka \\- asks C++ and IDL sources that don't build\n"
                     ".SH SYNOPSIS\n.B ostraka\n\\fIVERB\\fR [\\fIOPTION\\fR...] [\\fIOPERAND\\fR...]\n"
                     ".SH DESCRIPTION\n{}\n.SH VERBS\n",
-                    OSTRAKA_VERSION, Troff(app.get_description()));
-    const std::vector<Command> commands = CommandsOf(app);
+                    OSTRAKA_VERSION, Troff(programSummary));
     for (const Command& command : commands) {
         fmt::format_to(std::back_inserter(out), ".SS {} {}\n{}.\n", Troff(command.name),
                        Troff(command.operands), Troff(command.summary));
-        for (const Flag& flag : command.flags) AppendFlag(out, flag);
+        for (const Flagged& flag : command.flags) AppendFlag(out, flag);
     }
     out += ".SH EXAMPLES\n.nf\n";
     for (const Command& command : commands)
@@ -141,13 +140,12 @@ std::string Joined(const std::vector<std::string>& words) {
     return fmt::format("{}", fmt::join(words, " "));
 }
 
-std::string Bash(CLI::App& app) {
-    const std::vector<Command> commands = CommandsOf(app);
+std::string Bash(Commands commands) {
     std::string values;
     std::string flags;
     for (const Command& command : commands) {
         std::vector<std::string> words;
-        for (const Flag& flag : command.flags) {
+        for (const Flagged& flag : command.flags) {
             words.insert(words.end(), flag.names.begin(), flag.names.end());
             if (!flag.choices.empty())
                 fmt::format_to(std::back_inserter(values), "        {}:{}) words=\"{}\" ;;\n", command.name,
@@ -194,14 +192,14 @@ std::string ZshText(std::string_view text) {
     return quoted;
 }
 
-std::string Zsh(CLI::App& app) {
+std::string Zsh(Commands commands) {
     std::string verbs;
     std::string cases;
-    for (const Command& command : CommandsOf(app)) {
+    for (const Command& command : commands) {
         fmt::format_to(std::back_inserter(verbs), "        '{}:{}'\n", command.name,
                        ZshText(command.summary));
         fmt::format_to(std::back_inserter(cases), "        {}) _arguments \\\n", command.name);
-        for (const Flag& flag : command.flags) {
+        for (const Flagged& flag : command.flags) {
             for (const std::string& name : flag.names) {
                 fmt::format_to(std::back_inserter(cases), "            '{}[{}]", name,
                                ZshText(flag.description));
@@ -243,15 +241,14 @@ std::string FishText(std::string_view text) {
     return quoted + "'";
 }
 
-std::string Fish(CLI::App& app) {
-    const std::vector<Command> commands = CommandsOf(app);
+std::string Fish(Commands commands) {
     std::string out = "# fish completion of ostraka\n";
     for (const Command& command : commands)
         fmt::format_to(std::back_inserter(out),
                        "complete -c ostraka -f -n 'not __fish_seen_subcommand_from {}' -a {} -d {}\n",
                        Names(commands), command.name, FishText(command.summary));
     for (const Command& command : commands) {
-        for (const Flag& flag : command.flags) {
+        for (const Flagged& flag : command.flags) {
             fmt::format_to(std::back_inserter(out), "complete -c ostraka -n '__fish_seen_subcommand_from {}'",
                            command.name);
             for (const std::string& name : flag.names)
@@ -269,18 +266,24 @@ std::string Fish(CLI::App& app) {
 
 struct Form {
     std::string_view name;
-    std::string (*render)(CLI::App& app);
+    std::string (*render)(Commands commands);
 };
 
 constexpr Form forms[] = {{"man", Man}, {"bash", Bash}, {"zsh", Zsh}, {"fish", Fish}};
 
 } // namespace
 
-std::optional<std::string> RenderManual(CLI::App& app, std::string_view form) {
+std::string ExitCodesText(std::string_view failedCheck) {
+    return fmt::format(
+        "Exit codes: 0 done, 1 nothing found{}, 2 wrong usage, 3 some file failed and the rest is valid",
+        failedCheck);
+}
+
+std::optional<std::string> RenderManual(std::span<const Verb* const> verbs, std::string_view form) {
     const auto* found =
         std::find_if(std::begin(forms), std::end(forms), [=](const Form& row) { return row.name == form; });
     if (found == std::end(forms)) return std::nullopt;
-    return found->render(app);
+    return found->render(CommandsOf(verbs));
 }
 
 } // namespace ostraka::tool

@@ -13,21 +13,6 @@ namespace ostraka::tool {
 
 using namespace answers;
 
-enum class Verb {
-    Stream,
-    Tree,
-    At,
-    Header,
-    Includes,
-    Outline,
-    Classes,
-    Show,
-    Hierarchy,
-    Tags,
-    Triage,
-    Mask,
-    Frameworks
-};
 enum class Format { Text, Json, JsonLines, Dump, Dot, Tags, Sarif, Html };
 enum class ColorMode { Auto, Always, Never };
 
@@ -39,7 +24,7 @@ struct Input {
 };
 
 struct Request {
-    Verb verb = Verb::Stream;
+    const char* verb = ""; // by its name
     Format format = Format::Text;
     ColorMode color = ColorMode::Auto;
     int jobs = 1;
@@ -75,10 +60,14 @@ struct Request {
 
     ReportRequest report; // triage, mask, frameworks
 
-    // Set once the files are known.
-    bool severalFiles = false;
+    // Set by the command line for the streams of the process.
     bool colorOutput = false;
     bool colorErrors = false;
 };
+
+// Whether any word of the command line says where files come from.
+inline bool NamesFiles(const Request& request) {
+    return !request.paths.empty() || !request.filesFrom.empty() || !request.compileCommands.empty();
+}
 
 } // namespace ostraka::tool

@@ -47,9 +47,9 @@ Json ReportsJson(const std::vector<ReportState>& reports) {
     return list;
 }
 
-JsonPrinter::JsonPrinter(const Request& request, std::string_view verb, Console& theConsole)
+JsonPrinter::JsonPrinter(const Request& request, Console& theConsole)
     : console(theConsole), lines(request.format == Format::JsonLines),
-      head(fmt::format("{{\"format\":\"ostraka.{}\",\"version\":1,", verb)) {}
+      head(fmt::format("{{\"format\":\"ostraka.{}\",\"version\":1,", request.verb)) {}
 
 void JsonPrinter::Open(std::string_view member) {
     name = member;

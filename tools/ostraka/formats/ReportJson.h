@@ -11,7 +11,6 @@
 #include "cli/Console.h"
 #include "cli/Request.h"
 #include "formats/Json.h"
-#include "verbs/ReportInputs.h"
 
 namespace ostraka::tool {
 
@@ -26,11 +25,18 @@ Json CallsJson(Stack& stack);
 // A mask with its type, and which calls of a stack each of its elements took, counted from 1 to the last.
 Json MaskJson(const StackMask& mask, Stack& stack);
 
+// How one report was read.
+struct ReportState {
+    std::string path;
+    std::int64_t records = 0;
+    std::optional<Failure> failure;
+};
+
 Json ReportsJson(const std::vector<ReportState>& reports);
 
 class JsonPrinter {
 public:
-    JsonPrinter(const Request& request, std::string_view verb, Console& console);
+    JsonPrinter(const Request& request, Console& console);
 
     // The member that has an entry for each of the elements.
     template <class Elements, class MakeEntry>

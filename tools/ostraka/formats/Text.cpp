@@ -6,8 +6,6 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
-#include "cli/Request.h"
-
 namespace ostraka::tool {
 
 namespace {
@@ -17,10 +15,6 @@ bool ContinuesCharacter(char c) {
 }
 
 } // namespace
-
-std::string_view ShownPath(std::string_view path) {
-    return path == "-" ? "<stdin>" : path;
-}
 
 std::string Shortened(std::string_view text, std::size_t limit) {
     if (text.size() <= limit) return std::string(text);
@@ -38,18 +32,6 @@ void AppendJson(std::string& out, std::string_view text) {
     out += '"';
     out += text;
     out += '"';
-}
-
-std::string Counted(std::int64_t number, std::string_view thing) {
-    return fmt::format("{} {}{}", number, thing, number == 1 ? "" : "s");
-}
-
-void AppendMessage(std::string& out, std::string_view path, const std::optional<Place>& place,
-                   std::string_view severity, std::string_view cause, bool color) {
-    out += ShownPath(path);
-    if (place) fmt::format_to(std::back_inserter(out), ":{}:{}", place->line, place->column);
-    fmt::format_to(std::back_inserter(out), ": {}{}:{} {}\n", Color(color, colorError), severity,
-                   Color(color, colorOff), cause);
 }
 
 std::string Colored(const Request& request, std::string_view color, std::string_view text) {

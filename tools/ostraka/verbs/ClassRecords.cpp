@@ -8,8 +8,7 @@
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Nearest.h"
-#include "cli/Request.h"
-#include "cli/Verbs.h"
+#include "cli/Run.h"
 #include "verbs/Session.h"
 #include <answers/resolve/Declarations.h>
 

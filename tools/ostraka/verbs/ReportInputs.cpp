@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <filesystem>
 #include <memory>
-#include <numeric>
 #include <system_error>
 
 #include <answers/reports/ReportReader.h>
@@ -51,25 +50,24 @@ constexpr auto checkNothing = [](const std::string&, const std::string&) { retur
 
 // Gives each line of each file that passes the check to the sides that the file is for.
 template <class Check, class Use>
-void ForEachLine(const std::vector<TableFile>& files, Complaints& complaints, Check check, Use use) {
+void ForEachLine(const std::vector<TableFile>& files, Run& run, Check check, Use use) {
     for (const TableFile& file : files)
-        for (const std::string& line : ReadLines(file.path, complaints)) {
+        for (const std::string& line : ReadLines(file.path, run)) {
             if (!check(line, file.path)) continue;
             if (file.forErrors) use(Side::Errors, line);
             if (file.forLeaks) use(Side::Leaks, line);
         }
 }
 
-void LoadFilters(const ReportRequest& request, Complaints& complaints) {
+void LoadFilters(const ReportRequest& request, Run& run) {
     NUBListValNUBString entries[2];
     const auto check = [&](const std::string& line, const std::string& path) {
-        const bool hasType = MakeMask(line, path, complaints)->GetType() != nullptr;
+        const bool hasType = MakeMask(line, path, run)->GetType() != nullptr;
         if (!hasType)
-            complaints.Warn(path,
-                            fmt::format("passed over, since it isn't TYPE@@@MASK: {}", Shortened(line, 60)));
+            run.Warn(path, fmt::format("passed over, since it isn't TYPE@@@MASK: {}", Shortened(line, 60)));
         return hasType;
     };
-    ForEachLine(request.filters, complaints, check, [&](Side side, const std::string& line) {
+    ForEachLine(request.filters, run, check, [&](Side side, const std::string& line) {
         entries[static_cast<int>(side)].Append(NUBString(reports::CallText(line).c_str()));
     });
     TAPIndexContainer::SetErrorCallStackFilter(entries[static_cast<int>(Side::Errors)]);
@@ -125,46 +123,17 @@ std::size_t SizeOf(const std::string& path) {
 
 } // namespace
 
-void Complaints::Fail(Reading what, const std::string& path, const Failure& failure) {
-    std::string line;
-    AppendMessage(line, path, failure.place, "error", failure.cause, request.colorErrors);
-    console.Err(line);
-    ++TallyOf(what).failed;
-}
-
-void Complaints::Warn(const std::string& path, const std::string& cause) {
-    if (request.quiet) return;
-    std::string line;
-    AppendMessage(line, path, std::nullopt, "warning", cause, request.colorErrors);
-    console.Err(line);
-}
-
-// "ostraka: 1 of 2 lists and 3 of 4 reports failed"
-void Complaints::Close() {
-    std::string counts;
-    for (const Tally& tally : tallies)
-        if (tally.failed > 0)
-            counts += fmt::format("{}{} of {} {}", counts.empty() ? "" : " and ", tally.failed, tally.all,
-                                  tally.name);
-    if (!counts.empty() && !request.quiet) console.Err(fmt::format("ostraka: {} failed\n", counts));
-}
-
-int Complaints::Failed() const {
-    return std::accumulate(tallies.begin(), tallies.end(), 0,
-                           [](int sum, const Tally& tally) { return sum + tally.failed; });
-}
-
-std::optional<std::string> ReadText(const std::string& path, Complaints& complaints) {
-    complaints.Count(Reading::List);
+std::optional<std::string> ReadText(const std::string& path, Run& run) {
+    run.Count(listSort);
     std::string problem;
     const auto buffer = ReadFile(path, problem);
     if (buffer) return std::string(buffer->buffer, buffer->size);
-    complaints.Fail(Reading::List, path, {std::nullopt, problem});
+    run.Fail(listSort, path, {std::nullopt, problem});
     return std::nullopt;
 }
 
-std::vector<std::string> ReadLines(const std::string& path, Complaints& complaints) {
-    const std::optional<std::string> text = ReadText(path, complaints);
+std::vector<std::string> ReadLines(const std::string& path, Run& run) {
+    const std::optional<std::string> text = ReadText(path, run);
     std::vector<std::string> lines;
     std::string_view rest = text ? std::string_view(*text) : std::string_view();
     while (!rest.empty()) {
@@ -176,63 +145,59 @@ std::vector<std::string> ReadLines(const std::string& path, Complaints& complain
     return lines;
 }
 
-OwnerLists LoadOwners(const Request& request, Complaints& complaints) {
+OwnerLists LoadOwners(Run& run) {
     OwnerLists lists;
-    for (const std::string& path : request.report.people)
-        AppendLines(ReadLines(path, complaints), lists.people);
-    for (const std::string& path : request.report.owners) {
-        const std::vector<std::string> lines = ReadLines(path, complaints);
+    for (const std::string& path : run.request.report.people) AppendLines(ReadLines(path, run), lists.people);
+    for (const std::string& path : run.request.report.owners) {
+        const std::vector<std::string> lines = ReadLines(path, run);
         const auto silent = std::count_if(lines.begin(), lines.end(),
                                           [&](const auto& line) { return !GivesOwner(line, lists.people); });
-        if (silent > 0)
-            complaints.Warn(path, fmt::format("gives no owner in {} of {} lines", silent, lines.size()));
+        if (silent > 0) run.Warn(path, fmt::format("gives no owner in {} of {} lines", silent, lines.size()));
         AppendLines(lines, lists.lines);
     }
     TAPIndexContainer::SetRespForFwIndex(lists.people, lists.lines);
     return lists;
 }
 
-std::unique_ptr<StackMask> MakeMask(const std::string& written, const std::string& path,
-                                    Complaints& complaints) {
+std::unique_ptr<StackMask> MakeMask(const std::string& written, const std::string& path, Run& run) {
     const NUBString text(reports::CallText(written).c_str());
     NUBListValNUBString parts;
     const bool typed = Split(text, parts, "@@@") == 2;
     auto mask = std::make_unique<StackMask>(typed ? parts[2].CastToCharPtr() : text.CastToCharPtr(),
                                             typed ? parts[1].CastToCharPtr() : nullptr);
     if (mask->Size() == 0)
-        complaints.Warn(path, fmt::format("matches nothing, since it has more than 20 elements: {}",
-                                          Shortened(written, 60)));
+        run.Warn(path, fmt::format("matches nothing, since it has more than 20 elements: {}",
+                                   Shortened(written, 60)));
     return mask;
 }
 
-void LoadTables(const Request& request, ReportModel& model, Complaints& complaints) {
-    const ReportRequest& report = request.report;
-    ForEachLine(report.ignoredCalls, complaints, checkNothing, [&](Side side, const std::string& line) {
+void LoadTables(Run& run, ReportModel& model) {
+    const ReportRequest& report = run.request.report;
+    ForEachLine(report.ignoredCalls, run, checkNothing, [&](Side side, const std::string& line) {
         model.Tables(side).ignoredCalls.Append(reports::CallText(line).c_str(), nullptr, 0);
     });
-    ForEachLine(report.ignoredOwners, complaints, checkNothing, [&](Side side, const std::string& line) {
+    ForEachLine(report.ignoredOwners, run, checkNothing, [&](Side side, const std::string& line) {
         model.Tables(side).ignoredOwners.Append(line.c_str(), nullptr, 0);
     });
     const auto checkMask = [&](const std::string& line, const std::string& path) {
-        return MakeMask(line, path, complaints)->Size() > 0;
+        return MakeMask(line, path, run)->Size() > 0;
     };
-    ForEachLine(report.cuts, complaints, checkMask, [&](Side side, const std::string& line) {
+    ForEachLine(report.cuts, run, checkMask, [&](Side side, const std::string& line) {
         model.Tables(side).cuts.push_back(
             std::make_unique<StackMask>(reports::CallText(line).c_str(), nullptr));
     });
-    LoadFilters(report, complaints);
+    LoadFilters(report, run);
     if (report.depth > 0) model.LimitDepth(report.depth);
 }
 
-std::vector<ReportState> ReadReports(const Request& request, ReportModel& model, Console& console,
-                                     Complaints& complaints) {
+std::vector<ReportState> ReadReports(Run& run, ReportModel& model) {
     std::vector<ReportState> states;
     std::size_t done = 0;
     std::size_t all = 0;
-    const std::vector<Input> inputs = CollectInputs(request, IsAnyFile);
+    const std::vector<Input> inputs = CollectInputs(run.request, IsAnyFile);
     for (const Input& input : inputs) all += SizeOf(input.path);
     for (const Input& input : inputs) {
-        complaints.Count(Reading::Report);
+        run.Count(reportSort);
         ReportState& state = states.emplace_back();
         state.path = input.path;
         const std::int64_t before = model.Records();
@@ -244,13 +209,13 @@ std::vector<ReportState> ReadReports(const Request& request, ReportModel& model,
         } else {
             state.failure = ReportFeed(descriptor, model).Run([&](std::size_t size) {
                 done += size;
-                console.ShowProgress(done / megabyte, all / megabyte + 1, "MB");
+                run.console.ShowProgress(done / megabyte, all / megabyte + 1, "MB");
             });
         }
         state.records = model.Records() - before;
-        if (state.failure) complaints.Fail(Reading::Report, input.path, *state.failure);
+        if (state.failure) run.Fail(reportSort, input.path, *state.failure);
     }
-    console.ShowProgress(1, 1, "MB");
+    run.console.ShowProgress(1, 1, "MB");
     return states;
 }
 

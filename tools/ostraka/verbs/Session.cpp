@@ -148,7 +148,7 @@ TAPSyntaxe* Session::Load(const std::string& path, Result& result) {
     if (Read(absolute).empty()) {
         TellNuls(result);
         TellFailedSources(absolute, result);
-        result.headers += std::max(table->sources.size - 1, 0);
+        result.files += std::max(table->sources.size - 1, 0);
     } else {
         TellFailure({absolute, ""}, "", result);
     }

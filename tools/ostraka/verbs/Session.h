@@ -14,8 +14,7 @@
 
 #include <ostraka/symbols/TAPSymbolTable.h>
 
-#include "cli/Request.h"
-#include "cli/Verbs.h"
+#include "cli/Run.h"
 #include "formats/Text.h"
 
 namespace ostraka::tool {

@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <limits>
 #include <system_error>
 
 #include <fcntl.h>
-#include <fmt/format.h>
 #include <unistd.h>
 
-#include "cli/CommandLine.h"
-#include "verbs/ReportVerbs.h"
+#include "cli/Options.h"
+#include "verbs/Verbs.h"
 
 namespace ostraka::tool {
 
@@ -60,23 +60,22 @@ std::vector<Total> AddUp(const std::vector<TriageItem>& items, const std::vector
     return totals;
 }
 
-bool ReadBaseline(const std::string& path, Baseline& baseline, Complaints& complaints) {
-    const std::optional<std::string> text = ReadText(path, complaints);
+bool ReadBaseline(const std::string& path, Baseline& baseline, Run& run) {
+    const std::optional<std::string> text = ReadText(path, run);
     const auto fault = text ? baseline.Read(*text) : std::nullopt;
-    if (fault) complaints.Fail(Reading::List, path, {Place{fault->line, fault->column}, fault->cause});
+    if (fault) run.Fail(listSort, path, {Place{fault->line, fault->column}, fault->cause});
     return text && !fault;
 }
 
-void WriteBaseline(const std::string& path, const Baseline& baseline, Complaints& complaints) {
-    complaints.Count(Reading::List);
+void WriteBaseline(const std::string& path, const Baseline& baseline, Run& run) {
+    run.Count(listSort);
     const std::string text = baseline.Text();
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     const bool written = file >= 0 && WriteAll(file, text.data(), text.size());
     const int error = errno;
     if (file >= 0) close(file);
     if (!written)
-        complaints.Fail(Reading::List, path,
-                        {std::nullopt, "cannot write: " + std::generic_category().message(error)});
+        run.Fail(listSort, path, {std::nullopt, "cannot write: " + std::generic_category().message(error)});
 }
 
 // Sorts the groups into what is shown, what a filter took, and the totals; fills `present` for a new
@@ -114,14 +113,6 @@ void Print(const Triage& triage, Console& console) {
     }
 }
 
-// The option that asks for what is new, where nothing tells what is known: it would find nothing, and a check
-// would pass by mistake. Null otherwise.
-const char* LacksBaseline(const ReportRequest& report) {
-    if (!report.baseline.empty()) return nullptr;
-    if (report.failOn == FailOn::New) return "--fail-on new";
-    return report.onlyNew ? "--new" : nullptr;
-}
-
 bool CheckFailed(const Triage& triage) {
     const FailOn failOn = triage.request.report.failOn;
     return (failOn == FailOn::New && triage.all.newStacks > 0) ||
@@ -148,31 +139,109 @@ const char* NameOf(reports::Charge charge) {
     return names[static_cast<int>(charge)];
 }
 
-int RunTriage(const Request& request, Console& console) {
-    if (const char* option = LacksBaseline(request.report)) {
-        console.Err(
-            fmt::format("ostraka: {} needs --baseline FILE\nostraka: see ostraka triage --help\n", option));
-        return ExitUsage;
-    }
-    Complaints complaints(request, console);
+namespace {
+
+void RunTriage(Run& run) {
+    const Request& request = run.request;
     reports::ReportModel model;
     // Before the first call is built, or its framework would have no owner for good.
-    LoadOwners(request, complaints);
-    LoadTables(request, model, complaints);
+    LoadOwners(run);
+    LoadTables(run, model);
     Baseline known;
     Baseline present;
     const std::string& baseline = request.report.baseline;
-    const bool baselineRead = baseline.empty() || ReadBaseline(baseline, known, complaints);
-    Triage triage{request, model, ReadReports(request, model, console, complaints), {}, {}, {}, {}, {}, {}};
+    const bool baselineRead = baseline.empty() || ReadBaseline(baseline, known, run);
+    Triage triage{request, model, ReadReports(run, model), {}, {}, {}, {}, {}, {}};
     Arrange(triage, known, present);
-    Print(triage, console);
+    Print(triage, run.console);
     // What couldn't be read whole is no new baseline.
     const std::string& target = request.report.writeBaseline;
-    if (!target.empty() && baselineRead && complaints.Failed() == 0)
-        WriteBaseline(target, present, complaints);
-    complaints.Close();
-    if (complaints.Failed() > 0) return ExitFailed;
-    return CheckFailed(triage) ? ExitNotFound : ExitDone;
+    if (!target.empty() && baselineRead && run.Failed() == 0) WriteBaseline(target, present, run);
+    if (CheckFailed(triage)) run.NotFound();
 }
+
+// What FILE is for may stand before it.
+struct Scope {
+    std::string_view prefix;
+    bool forErrors;
+    bool forLeaks;
+};
+
+constexpr Scope scopes[] = {{"errors:", true, false}, {"leaks:", false, true}};
+
+TableFile ParseTableFile(const std::string& word) {
+    for (const Scope& scope : scopes)
+        if (word.starts_with(scope.prefix))
+            return {word.substr(scope.prefix.size()), scope.forErrors, scope.forLeaks};
+    return {word};
+}
+
+template <std::vector<TableFile> ReportRequest::*tables>
+void TakeTable(Request& request, const std::string& word) {
+    (request.report.*tables).push_back(ParseTableFile(word));
+}
+
+constexpr const char* tableFile = "[errors:|leaks:]FILE";
+constexpr const char* failures[] = {"new", "any"};
+constexpr const char* totalKeys[] = {"owner", "framework", "type"}; // in the order of TotalKey
+
+constexpr Option operands[] = {
+    {"REPORT", nullptr, "Reports, folders of them, or - for standard input", Operand{TakePath, false, true}}};
+constexpr Option ownOptions[] = {
+    {"--ignore-calls", tableFile, "Charge no call whose function is in FILE",
+     Text{TakeTable<&ReportRequest::ignoredCalls>, true}},
+    {"--ignore-owners", tableFile, "Charge no call of an owner in FILE",
+     Text{TakeTable<&ReportRequest::ignoredOwners>, true}},
+    {"--filter", tableFile, "Put aside the stacks that a mask in FILE matches, one TYPE@@@MASK a line",
+     Text{TakeTable<&ReportRequest::filters>, true}},
+    {"--cut", tableFile, "Of a stack that a mask in FILE matches, keep the calls that it takes",
+     Text{TakeTable<&ReportRequest::cuts>, true}},
+    {"--depth", "N", "Keep the first N calls of each stack",
+     Number{1, reports::CallTexts::most, [](Request& r, int calls) { r.report.depth = calls; }}},
+    {"--by", "KEY[,KEY...]",
+     "Print totals for each owner, framework or type, or each combination; draw those",
+     Word{totalKeys, [](Request& r, std::size_t key) { r.report.by.push_back(static_cast<TotalKey>(key)); },
+          true}},
+    {"--baseline", "FILE", "Tell what is new since FILE was written",
+     Text{[](Request& r, const std::string& file) { r.report.baseline = file; }}},
+    {"--write-baseline", "FILE", "Write what is known from now on to FILE",
+     Text{[](Request& r, const std::string& file) { r.report.writeBaseline = file; }}},
+    {"--new", nullptr, "Print only what is new", Flag{[](Request& r) { r.report.onlyNew = true; }}},
+    {"--all", nullptr, "Print also what a filter puts aside", Flag{[](Request& r) { r.report.all = true; }}},
+    {"--explain", nullptr, "Print also which call, table and mask decided",
+     Flag{[](Request& r) { r.report.explain = true; }}},
+    {"--top", "N", "Print the first N stacks or totals",
+     Number{1, std::numeric_limits<int>::max(), [](Request& r, int most) { r.report.top = most; }}},
+    {"--fail-on", nullptr, "Exit with 1 when there are such stacks, filtered ones aside",
+     Word{failures,
+          [](Request& r, std::size_t word) { r.report.failOn = word == 0 ? FailOn::New : FailOn::Any; }}}};
+constexpr std::span<const Option> options[] = {operands,   reportListOptions, ownerOptions,
+                                               ownOptions, limitOptions,      outputOptions};
+constexpr Format formats[] = {Format::Text,  Format::Json, Format::JsonLines,
+                              Format::Sarif, Format::Html, Format::Dot};
+
+void CheckTriage(Request& request) {
+    CheckFiles(request);
+    if (!request.report.baseline.empty()) return;
+    // Nothing tells what is known: nothing would be new, and a check would pass by mistake.
+    if (request.report.failOn == FailOn::New) throw WrongUsage("--fail-on new needs --baseline FILE");
+    if (request.report.onlyNew) throw WrongUsage("--new needs --baseline FILE");
+}
+
+} // namespace
+
+const Verb triageVerb = {
+    "triage",
+    "Add up memory reports: equal stacks once, the framework and the owner charged, what is new",
+    {"ostraka triage --owners ownership/frameworks.txt reports/nightly.txt",
+     "ostraka triage --owners ownership/frameworks.txt --by owner,type reports/nightly.txt",
+     "ostraka triage --ignore-calls reports/ignored_calls.txt --filter reports/known.txt --explain "
+     "reports/nightly.txt"},
+    formats,
+    options,
+    CheckTriage,
+    RunTriage,
+    ", or --fail-on failed",
+};
 
 } // namespace ostraka::tool

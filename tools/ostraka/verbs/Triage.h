@@ -9,9 +9,8 @@
 #include <answers/reports/Baseline.h>
 #include <answers/reports/ReportModel.h>
 
-#include "cli/Console.h"
-#include "cli/Request.h"
-#include "formats/Json.h"
+#include "cli/Run.h"
+#include "formats/ReportJson.h"
 #include "verbs/ReportInputs.h"
 
 namespace ostraka::tool {

@@ -72,7 +72,7 @@ Json FactsOf(const Triage& triage, const TriageItem& item) {
 }
 
 void PrintTriageJson(const Triage& triage, Console& console) {
-    JsonPrinter printer(triage.request, "triage", console);
+    JsonPrinter printer(triage.request, console);
     if (triage.request.report.by.empty())
         printer.List("stacks", triage.items, [&](const TriageItem& item) { return StackJson(triage, item); });
     else

@@ -11,10 +11,11 @@
 #include <ostraka/workspace/FrameworkListing.h>
 #include <ostraka/workspace/FrameworkResponsibility.h>
 
-#include "cli/CommandLine.h"
+#include "cli/Options.h"
 #include "formats/ReportJson.h"
 #include "formats/Text.h"
-#include "verbs/ReportVerbs.h"
+#include "verbs/ReportInputs.h"
+#include "verbs/Verbs.h"
 
 namespace ostraka::tool {
 
@@ -163,7 +164,7 @@ Json FrameworkJson(const Survey& survey, const Framework& framework) {
 }
 
 void PrintJson(const Request& request, const Survey& survey, Console& console) {
-    JsonPrinter printer(request, "frameworks", console);
+    JsonPrinter printer(request, console);
     printer.List("frameworks", survey.frameworks,
                  [&](const Framework& framework) { return FrameworkJson(survey, framework); });
     Json missing = Json::array();
@@ -188,28 +189,49 @@ Names Roots(const Request& request) {
     return roots;
 }
 
-} // namespace
+constexpr std::string_view folderSort = "folder";
 
-int RunFrameworks(const Request& request, Console& console) {
-    Complaints complaints(request, console);
-    const OwnerLists owners = LoadOwners(request, complaints);
+void RunFrameworks(Run& run) {
+    const Request& request = run.request;
+    const OwnerLists owners = LoadOwners(run);
     Survey survey;
     for (const std::string& root : Roots(request)) {
-        complaints.Count(Reading::Folder);
+        run.Count(folderSort);
         std::error_code ignored;
         if (std::filesystem::is_directory(root, ignored))
             SurveyRoot(root, request.report.ask, survey.frameworks);
         else
-            complaints.Fail(Reading::Folder, root, {std::nullopt, "is no folder"});
+            run.Fail(folderSort, root, {std::nullopt, "is no folder"});
     }
     CompareOwners(owners, survey);
     if (request.format == Format::Text)
-        PrintText(request, survey, console);
+        PrintText(request, survey, run.console);
     else
-        PrintJson(request, survey, console);
-    complaints.Close();
-    if (complaints.Failed() > 0) return ExitFailed;
-    return survey.frameworks.empty() ? ExitNotFound : ExitDone;
+        PrintJson(request, survey, run.console);
+    if (survey.frameworks.empty()) run.NotFound();
 }
+
+constexpr Option operands[] = {
+    {"ROOT", nullptr, "Workspaces, one or several with ':' between; else this folder",
+     Operand{TakePath, false, true}},
+    {"-w,--workspaces", "ROOT[:ROOT...]", "The same, as other verbs take them", Text{TakeWorkspaces, true}}};
+constexpr Option ownOptions[] = {{"--ask", nullptr,
+                                  "Ask the command ls_test_fw for the tests of each framework",
+                                  Flag{[](Request& r) { r.report.ask = true; }}}};
+constexpr std::span<const Option> options[] = {operands, ownerOptions, ownOptions, outputOptions};
+
+} // namespace
+
+const Verb frameworksVerb = {
+    "frameworks",
+    "List code and test frameworks, with their owners; tell those without, and owners of nothing",
+    {"ostraka frameworks harbour:coast",
+     "ostraka frameworks --owners ownership/frameworks.txt --people ownership/people.txt harbour:coast",
+     "ostraka frameworks --format jsonl harbour"},
+    listFormats,
+    options,
+    nullptr,
+    RunFrameworks,
+};
 
 } // namespace ostraka::tool

@@ -7,10 +7,11 @@
 #include <answers/reports/MaskTrace.h>
 #include <fmt/format.h>
 
-#include "cli/CommandLine.h"
+#include "cli/Options.h"
 #include "formats/ReportJson.h"
 #include "formats/Text.h"
-#include "verbs/ReportVerbs.h"
+#include "verbs/ReportInputs.h"
+#include "verbs/Verbs.h"
 
 namespace ostraka::tool {
 
@@ -29,13 +30,13 @@ struct MaskUse {
     std::vector<const StackGroup*> matched;
 };
 
-std::vector<MaskUse> ReadMasks(const Request& request, Complaints& complaints) {
-    const std::string& path = request.report.masks;
+std::vector<MaskUse> ReadMasks(Run& run) {
+    const std::string& path = run.request.report.masks;
     std::vector<MaskUse> uses;
     const std::vector<std::string> lines =
-        path.empty() ? std::vector{request.report.mask} : ReadLines(path, complaints);
+        path.empty() ? std::vector{run.request.report.mask} : ReadLines(path, run);
     for (const std::string& line : lines)
-        uses.emplace_back().mask = MakeMask(line, path.empty() ? "MASK" : path, complaints);
+        uses.emplace_back().mask = MakeMask(line, path.empty() ? "MASK" : path, run);
     return uses;
 }
 
@@ -118,7 +119,7 @@ Json MatchJson(const StackMask& mask, const StackGroup& group, const std::vector
 
 void PrintJson(const Request& request, const std::vector<MaskUse>& uses,
                const std::vector<ReportState>& reports, Console& console) {
-    JsonPrinter printer(request, "mask", console);
+    JsonPrinter printer(request, console);
     Json masks = Json::array();
     for (const MaskUse& use : uses) masks.push_back(UseJson(use));
     // A file of masks is asked for its use only.
@@ -139,23 +140,50 @@ void PrintText(const Request& request, const std::vector<MaskUse>& uses,
     }
 }
 
-} // namespace
-
-int RunMask(const Request& request, Console& console) {
-    Complaints complaints(request, console);
+void RunMask(Run& run) {
+    const Request& request = run.request;
     reports::ReportModel model;
-    std::vector<MaskUse> uses = ReadMasks(request, complaints);
-    const std::vector<ReportState> reports = ReadReports(request, model, console, complaints);
+    std::vector<MaskUse> uses = ReadMasks(run);
+    const std::vector<ReportState> reports = ReadReports(run, model);
     Count(model.Groups(), uses);
     if (request.format == Format::Text)
-        PrintText(request, uses, reports, console);
+        PrintText(request, uses, reports, run.console);
     else
-        PrintJson(request, uses, reports, console);
-    complaints.Close();
-    if (complaints.Failed() > 0) return ExitFailed;
-    return std::any_of(uses.begin(), uses.end(), [](const MaskUse& use) { return use.stacks > 0; })
-               ? ExitDone
-               : ExitNotFound;
+        PrintJson(request, uses, reports, run.console);
+    if (std::none_of(uses.begin(), uses.end(), [](const MaskUse& use) { return use.stacks > 0; }))
+        run.NotFound();
 }
+
+// The mask stands where others take files, unless masks come from a file.
+void TakeMask(Request& request) {
+    if (request.report.masks.empty()) {
+        if (request.paths.empty()) throw WrongUsage("mask needs a mask, or a file with --masks");
+        request.report.mask = request.paths.front();
+        request.paths.erase(request.paths.begin());
+    }
+    CheckFiles(request);
+}
+
+constexpr Option operands[] = {{"MASK REPORT", nullptr,
+                                "A mask, such as '@!Foo::Bar(@!@@!main@', and reports",
+                                Operand{TakePath, false, true}}};
+constexpr Option ownOptions[] = {{"--masks", "FILE",
+                                  "Count how often each mask of FILE is used, and take no MASK",
+                                  Text{[](Request& r, const std::string& file) { r.report.masks = file; }}}};
+constexpr std::span<const Option> options[] = {operands, reportListOptions, ownOptions, outputOptions};
+
+} // namespace
+
+const Verb maskVerb = {
+    "mask",
+    "Tell which stacks of memory reports a mask matches, and which call each of its elements took",
+    {"ostraka mask '@!Berth::Berth(@!@@!main@' reports/nightly.txt",
+     "ostraka mask --format json '@!Ship::Accept(@' reports/nightly.txt",
+     "ostraka mask --masks reports/known.txt reports/nightly.txt"},
+    listFormats,
+    options,
+    TakeMask,
+    RunMask,
+};
 
 } // namespace ostraka::tool

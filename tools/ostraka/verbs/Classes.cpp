@@ -7,10 +7,12 @@
 #include <fmt/format.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
+#include "cli/Options.h"
 #include "formats/Json.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
-#include "verbs/TableVerbs.h"
+#include "verbs/TableRun.h"
+#include "verbs/Verbs.h"
 #include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
@@ -43,10 +45,8 @@ bool IsSomeBase(const TAPSymbolTable& table, const std::string& name) {
                        [&](const TAPDefClass* record) { return BaseOf(*record) == name; });
 }
 
-} // namespace
-
-void AnswerClasses(const Request& request, const Session& session, const std::vector<std::string>& files,
-                   Result& result) {
+void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
+            Result& result) {
     const std::set<std::string_view> wanted(files.begin(), files.end());
     const TAPSymbolTable& table = session.Table();
     JsonValue list = JsonValue::array();
@@ -66,5 +66,32 @@ void AnswerClasses(const Request& request, const Session& session, const std::ve
     if (request.format == Format::Json) result.out = Document("classes", {{"classes", std::move(list)}});
     if (!found) ++result.notFound;
 }
+
+void RunClasses(Run& run) {
+    AnswerFromTable(run, Answer);
+}
+
+constexpr const char* kinds[] = {"plain", "interface", "component"};
+
+constexpr Option ownOptions[] = {
+    {"--kind", "plain,interface,component", "Only classes of one of these kinds",
+     Word{kinds, [](Request& r, std::size_t kind) { r.kinds.emplace_back(kinds[kind]); }, true}},
+    {"--derived-from", "NAME", "Only classes with this one among their bases",
+     Text{[](Request& r, const std::string& name) { r.derivedFrom = name; }}}};
+constexpr std::span<const Option> options[] = {tableFileOptions, outputOptions, workspaceOptions,
+                                               missingOptions, ownOptions};
+
+} // namespace
+
+const Verb classesVerb = {
+    "classes",
+    "List classes with kind, base, framework and place",
+    {"ostraka classes -w harbour:coast", "ostraka classes -w harbour:coast --kind interface",
+     "ostraka classes -w harbour:coast --derived-from CoastObject harbour"},
+    listFormats,
+    options,
+    nullptr,
+    RunClasses,
+};
 
 } // namespace ostraka::tool

@@ -1,13 +1,15 @@
 #include <algorithm>
+#include <cstdlib>
 #include <iterator>
 #include <optional>
 
 #include <fmt/format.h>
 
-#include "cli/Verbs.h"
+#include "cli/Options.h"
 #include "formats/Text.h"
 #include "formats/TreeWalk.h"
-#include <answers/facts/SourceUnit.h>
+#include "verbs/SourceRun.h"
+#include "verbs/Verbs.h"
 #include <answers/resolve/NodeText.h>
 
 namespace ostraka::tool {
@@ -99,19 +101,17 @@ void PrintNodeJson(const Request& request, const TreeWalk& walk, std::string& ou
     out += '}';
 }
 
-} // namespace
-
-void PrintTreeText(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
-    TAPSyntaxe* top = FindTop(request, input, unit, result);
+void PrintText(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result) {
+    TAPSyntaxe* top = FindTop(request, file.input, unit, result);
     if (top == nullptr) return;
-    TreeLines lines(request, input, unit.File(), result.out);
+    TreeLines lines(request, file.input, unit.File(), result.out);
     for (TreeWalk walk(*top, PathText(request.node), request.depth); walk.Node() != nullptr; walk.Next())
         lines.Print(walk);
 }
 
-void PrintTreeJson(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
+void PrintJson(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result) {
     fmt::format_to(std::back_inserter(result.out), ",\"complete\":{},\"nodes\":[", !unit.GetFailure());
-    TAPSyntaxe* top = FindTop(request, input, unit, result);
+    TAPSyntaxe* top = FindTop(request, file.input, unit, result);
     const bool lines = request.format == Format::Json;
     const char* separator = lines ? "\n" : "";
     if (top != nullptr) {
@@ -124,5 +124,50 @@ void PrintTreeJson(const Request& request, const Input& input, SourceUnit& unit,
     }
     result.out += ']';
 }
+
+constexpr SourcePrinter printer = {true, PrintText, PrintJson};
+
+void RunTree(Run& run) {
+    RunOnSources(run, [](const Request& request, const FileOfRun& file, Result& result) {
+        AnswerSource(request, file, printer, result);
+    });
+}
+
+// "1.4.2"; the root is "0".
+bool IsNodePath(const std::string& text) {
+    return !text.empty() && text.find_first_not_of("0123456789.") == std::string::npos &&
+           text.find("..") == std::string::npos && text.front() != '.' && text.back() != '.';
+}
+
+void TakeNode(Request& request, const std::string& text) {
+    if (!IsNodePath(text)) throw WrongUsage("a node is a path of positions such as 1.4.2, not " + text);
+    request.node.clear();
+    if (text == "0") return;
+    for (std::size_t at = 0; at < text.size(); at = std::min(text.find('.', at), text.size() - 1) + 1)
+        request.node.push_back(
+            static_cast<int>(std::min(std::strtol(text.c_str() + at, nullptr, 10), 1L << 30)));
+}
+
+constexpr Option ownOptions[] = {
+    {"--depth", "N", "Print N levels below the first node",
+     Number{0, 1000, [](Request& r, int levels) { r.depth = levels; }}},
+    {"--node", "PATH", "Print this node and what is below, as in 1.4.2", Text{TakeNode}},
+    {"--full", nullptr, "Print the texts of the nodes whole", Flag{[](Request& r) { r.fullText = true; }}}};
+constexpr std::span<const Option> options[] = {fileOptions, outputOptions, ownOptions};
+constexpr Format formats[] = {Format::Text, Format::Json, Format::JsonLines, Format::Dump};
+
+} // namespace
+
+const Verb treeVerb = {
+    "tree",
+    "Print the syntax tree of files, one node a line",
+    {"ostraka tree --depth 1 harbour/Berths/Berths.m/src/Berth.cpp",
+     "ostraka tree --node 12.3 harbour/Berths/Berths.m/src/Berth.cpp",
+     "ostraka tree --format jsonl --jobs 2 harbour"},
+    formats,
+    options,
+    CheckFiles,
+    RunTree,
+};
 
 } // namespace ostraka::tool

@@ -6,11 +6,10 @@
 #include <ostraka/syntax/TAPExpression.h>
 #include <ostraka/syntax/TAPInstruction.h>
 
-#include "cli/Verbs.h"
 #include "formats/PlaceRuns.h"
 #include "formats/Text.h"
 #include "formats/TreeWalk.h"
-#include <answers/facts/SourceUnit.h>
+#include "verbs/SourceRun.h"
 
 namespace ostraka::tool {
 

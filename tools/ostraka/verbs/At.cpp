@@ -4,9 +4,10 @@
 
 #include <fmt/format.h>
 
-#include "cli/Verbs.h"
+#include "cli/Options.h"
 #include "formats/Json.h"
 #include "verbs/Session.h"
+#include "verbs/Verbs.h"
 #include <answers/resolve/NodeAnswers.h>
 #include <answers/resolve/NodeSearch.h>
 #include <answers/resolve/NodeText.h>
@@ -132,9 +133,7 @@ JsonValue ToJson(const Session& session, const NodeAt& at, const NodeAnswers& an
     return document;
 }
 
-} // namespace
-
-void AnswerAt(const Request& request, const std::string& asked, Result& result) {
+void Answer(const Request& request, const std::string& asked, Result& result) {
     const FilePlace place = *ParseFilePlace(asked);
     Session session(request, {place.file});
     TAPSyntaxe* root = session.Load(place.file, result);
@@ -153,5 +152,32 @@ void AnswerAt(const Request& request, const std::string& asked, Result& result) 
         AtText(request, session, result.out).Print(*at, answers);
     }
 }
+
+void RunAt(Run& run) {
+    run.Ask(run.request.paths.front(), Answer);
+}
+
+void CheckPlace(Request& request) {
+    const std::string& place = request.paths.front();
+    if (!ParseFilePlace(place))
+        throw WrongUsage(fmt::format("a place is FILE:LINE or FILE:LINE:COLUMN, not {}", place));
+}
+
+constexpr Option operands[] = {{"PLACE", nullptr, "FILE:LINE or FILE:LINE:COLUMN", Operand{TakePath, true}}};
+constexpr std::span<const Option> options[] = {operands, workspaceOptions, outputOptions};
+
+} // namespace
+
+const Verb atVerb = {
+    "at",
+    "Tell what stands at a place, as an editor gives it: node, type, declaration, class, method, object",
+    {"ostraka at -w harbour:coast harbour/Ships/Ships.m/src/Ship.cpp:66:12",
+     "ostraka at -w harbour:coast harbour/Berths/Berths.m/src/Berth.cpp:40:23",
+     "ostraka at -w harbour:coast --format json harbour/Berths/PublicInterfaces/IBerth.idl:16"},
+    answerFormats,
+    options,
+    CheckPlace,
+    RunAt,
+};
 
 } // namespace ostraka::tool

@@ -4,9 +4,10 @@
 
 #include <fmt/format.h>
 
-#include "cli/Verbs.h"
+#include "cli/Options.h"
 #include "formats/Json.h"
 #include "verbs/Session.h"
+#include "verbs/Verbs.h"
 #include <answers/resolve/HeaderPlaces.h>
 
 namespace ostraka::tool {
@@ -69,13 +70,10 @@ JsonValue ToJson(const Session& session, const HeaderAnswer& answer, const std::
     return document;
 }
 
-} // namespace
-
-void AnswerHeader(const Request& request, const std::string& name, Result& result) {
+void Answer(const Request& request, const std::string& name, Result& result) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(request.from, error)) {
-        ++result.failed;
-        AppendMessage(result.err, request.from, std::nullopt, "error", "is no file", request.colorErrors);
+        result.Fail(request, request.from, {std::nullopt, "is no file"});
     }
     const Session session(request, {request.from});
     const std::string from = Session::Absolute(request.from);
@@ -87,5 +85,34 @@ void AnswerHeader(const Request& request, const std::string& name, Result& resul
         PrintText(request, session, answer, name, result.out);
     }
 }
+
+void RunHeader(Run& run) {
+    run.Ask(run.request.paths.front(), Answer);
+}
+
+void CheckFrom(Request& request) {
+    if (request.from.empty()) throw WrongUsage("--from is required");
+}
+
+constexpr Option operands[] = {
+    {"NAME", nullptr, "The name as the include gives it", Operand{TakePath, true}}};
+constexpr Option ownOptions[] = {{"--from", "FILE", "The file that includes it",
+                                  Text{[](Request& r, const std::string& file) { r.from = file; }}}};
+constexpr std::span<const Option> options[] = {operands, workspaceOptions, outputOptions, ownOptions};
+
+} // namespace
+
+const Verb headerVerb = {
+    "header",
+    "Tell which file an include means, and why, or where it was looked for",
+    {"ostraka header -w harbour:coast IBerth.h --from harbour/Berths/Berths.m/src/Berth.cpp",
+     "ostraka header -w harbour:coast TideLimits.h --from coast/Tides/Tides.m/src/TideTable.cpp",
+     "ostraka header -w harbour:coast --os unix_b TideCatalog.h --from "
+     "coast/Tides/Tides.m/src/TideTable.cpp"},
+    answerFormats,
+    options,
+    CheckFrom,
+    RunHeader,
+};
 
 } // namespace ostraka::tool

@@ -6,10 +6,12 @@
 #include <fmt/format.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
+#include "cli/Options.h"
 #include "formats/Json.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
-#include "verbs/TableVerbs.h"
+#include "verbs/TableRun.h"
+#include "verbs/Verbs.h"
 #include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
@@ -158,10 +160,7 @@ JsonValue WholeJson(const Session& session, const TAPDefClass& record, const Kin
     return item;
 }
 
-} // namespace
-
-void AnswerShow(const Request& request, const Session& session, const std::vector<std::string>&,
-                Result& result) {
+void Answer(const Request& request, const Session& session, const std::vector<std::string>&, Result& result) {
     TAPDefClass* record = FindClass(session, request.className, result);
     if (record == nullptr) return;
     const Kin kin = KinOf(session.Table(), *record);
@@ -174,5 +173,28 @@ void AnswerShow(const Request& request, const Session& session, const std::vecto
     PrintMembers(request, session, *record, content, result.out);
     PrintMethods(request, session, *record, content, result.out);
 }
+
+void RunShow(Run& run) {
+    AnswerFromTable(run, Answer);
+}
+
+constexpr Option operands[] = {
+    {"CLASS", nullptr, "The class",
+     Operand{[](Request& r, const std::string& name) { r.className = name; }, true}}};
+constexpr std::span<const Option> options[] = {operands, tableFileOptions, outputOptions, workspaceOptions,
+                                               missingOptions};
+
+} // namespace
+
+const Verb showVerb = {
+    "show",
+    "Show one class whole: bases, ties, members, methods, and where they are",
+    {"ostraka show Berth -w harbour:coast", "ostraka show IBerth -w harbour:coast",
+     "ostraka show Ship -w harbour:coast --format json"},
+    answerFormats,
+    options,
+    nullptr,
+    RunShow,
+};
 
 } // namespace ostraka::tool

@@ -1,4 +1,4 @@
-#include "verbs/TableVerbs.h"
+#include "verbs/TableRun.h"
 
 #include <algorithm>
 #include <iterator>
@@ -7,7 +7,6 @@
 #include <fmt/format.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
-#include "cli/Console.h"
 #include "cli/Inputs.h"
 #include "verbs/Session.h"
 #include <answers/resolve/IncludeGraph.h>
@@ -15,26 +14,6 @@
 namespace ostraka::tool {
 
 namespace {
-
-struct Row {
-    Verb verb;
-    void (*answer)(const Request&, const Session&, const std::vector<std::string>& files, Result&);
-};
-
-constexpr Row rows[] = {
-    {Verb::Outline, AnswerOutline},     {Verb::Classes, AnswerClasses}, {Verb::Show, AnswerShow},
-    {Verb::Hierarchy, AnswerHierarchy}, {Verb::Tags, AnswerTags},
-};
-
-const Row* RowOf(Verb verb) {
-    const auto* found =
-        std::find_if(std::begin(rows), std::end(rows), [=](const Row& row) { return row.verb == verb; });
-    return found == std::end(rows) ? nullptr : found;
-}
-
-bool NamesFiles(const Request& request) {
-    return !request.paths.empty() || !request.filesFrom.empty() || !request.compileCommands.empty();
-}
 
 // Where no file is named, all of the workspaces, or of the folder that we stand in.
 Request WithFiles(const Request& request) {
@@ -68,33 +47,27 @@ void TellMissing(const Request& request, const Session& session, Result& result)
         for (const MissingHeader& header : MissingHeaders(session.Table()))
             AppendMessage(result.err, session.Shown(header.file), header.place, "warning",
                           fmt::format("header {} not found", header.name), request.colorErrors);
-    if (request.quiet) return;
     if (const int count = CountMissingHeaders(session.Table()); count > 0)
-        result.err += fmt::format("ostraka: {} not found{}\n", Counted(count, "include"),
-                                  request.missingOnly ? "" : ", see --missing");
+        result.Note(request, fmt::format("{} not found{}", Counted(count, "include"),
+                                         request.missingOnly ? "" : ", see --missing"));
 }
 
 } // namespace
 
-bool IsTableVerb(const Request& request) {
-    return RowOf(request.verb) != nullptr;
-}
-
-Result RunTableVerb(const Request& request, Console& console) {
+void AnswerFromTable(Run& run, AnswerTable answer) {
+    const Request& request = run.request;
     const std::vector<Input> inputs = CollectInputs(WithFiles(request));
     Session session(request, PathsOf(inputs));
     for (std::size_t i = 0; i < inputs.size(); ++i) {
         session.LoadOneOfMany(inputs[i]);
-        console.ShowProgress(i + 1, inputs.size());
+        run.console.ShowProgress(i + 1, inputs.size());
     }
     Result result;
-    RowOf(request.verb)->answer(request, session, FilesOf(inputs), result);
+    answer(request, session, FilesOf(inputs), result);
     session.TellFailures(result);
     TellMissing(request, session, result);
-    result.headers = session.FileCount();
-    console.Out(result.out);
-    console.Err(result.err);
-    return result;
+    result.files = session.FileCount();
+    run.Show(result);
 }
 
 } // namespace ostraka::tool

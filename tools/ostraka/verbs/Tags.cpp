@@ -1,4 +1,4 @@
-// What files declare: as an outline, and as tags for editors.
+// What files declare, as tags for editors.
 
 #include <algorithm>
 #include <iterator>
@@ -8,73 +8,18 @@
 #include <fmt/format.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
-#include "formats/Json.h"
+#include "cli/Options.h"
+#include "formats/Text.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
-#include "verbs/TableVerbs.h"
+#include "verbs/TableRun.h"
+#include "verbs/Verbs.h"
 #include <answers/facts/RawFile.h>
 #include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
 
 namespace {
-
-// The word for what it is, where its text doesn't tell.
-std::string KindText(const OutlineEntry& declaration) {
-    const DeclarationKind kind = declaration.kind;
-    if (declaration.classRecord != nullptr) {
-        const std::string known = KindOf(*declaration.classRecord);
-        return known == "plain" || declaration.text.starts_with(known) ? "" : known;
-    }
-    const bool isTold = kind <= DeclarationKind::Namespace || kind == DeclarationKind::Enum ||
-                        (kind == DeclarationKind::Typedef && declaration.text.starts_with("typedef "));
-    return isTold ? "" : NameOf(kind);
-}
-
-void PrintText(const Request& request, const std::string& file, const OutlineEntry& declaration,
-               std::string& out) {
-    fmt::format_to(std::back_inserter(out), "{}{}:{}:{}:{} {:{}}", Color(request.colorOutput, colorPlace),
-                   file, declaration.place.line, declaration.place.column,
-                   Color(request.colorOutput, colorOff), "", 2 * declaration.depth);
-    if (const std::string kind = KindText(declaration); !kind.empty())
-        fmt::format_to(std::back_inserter(out), "{}{}{} ", Color(request.colorOutput, colorClass), kind,
-                       Color(request.colorOutput, colorOff));
-    if (declaration.kind == DeclarationKind::Method || declaration.kind == DeclarationKind::Member)
-        fmt::format_to(std::back_inserter(out), "{} ", VisibilityOf(declaration.visibility));
-    out += declaration.text;
-    out += '\n';
-}
-
-JsonValue JsonOf(const OutlineEntry& declaration) {
-    JsonValue item = {{"kind", NameOf(declaration.kind)}, {"name", declaration.name}};
-    if (!declaration.scope.empty()) item["scope"] = declaration.scope;
-    item["text"] = declaration.text;
-    item["line"] = declaration.place.line;
-    item["column"] = declaration.place.column;
-    if (const std::string_view visibility = VisibilityOf(declaration.visibility); !visibility.empty())
-        item["visibility"] = visibility;
-    if (declaration.classRecord != nullptr) {
-        item["classKind"] = KindOf(*declaration.classRecord);
-        if (HasBase(*declaration.classRecord)) item["base"] = declaration.classRecord->parent;
-    }
-    return item;
-}
-
-// A statement stands once, however many names it declares.
-void PrintOutline(const Request& request, const std::string& file,
-                  const std::vector<OutlineEntry>& declarations, std::string& out) {
-    for (std::size_t i = 0; i < declarations.size(); ++i)
-        if (i == 0 || !SharesStatement(declarations[i - 1], declarations[i]))
-            PrintText(request, file, declarations[i], out);
-}
-
-JsonValue JsonOf(const std::string& file, const std::vector<OutlineEntry>& declarations) {
-    JsonValue items = JsonValue::array();
-    for (const OutlineEntry& declaration : declarations) items.push_back(JsonOf(declaration));
-    return {{"file", file}, {"declarations", std::move(items)}};
-}
-
-// ---- tags
 
 // The kinds of the tags format; functions have another where their body stands.
 constexpr char bodyLetter = 'f';
@@ -184,29 +129,8 @@ constexpr std::string_view tagsHead = "!_TAG_FILE_FORMAT\t2\t/extended format/\n
                                       "!_TAG_PROGRAM_NAME\tostraka\t//\n"
                                       "!_TAG_PROGRAM_VERSION\t" OSTRAKA_VERSION "\t//\n";
 
-} // namespace
-
-void AnswerOutline(const Request& request, const Session& session, const std::vector<std::string>& files,
-                   Result& result) {
-    JsonValue list = JsonValue::array();
-    bool found = false;
-    for (const std::string& file : files) {
-        const std::string shown = session.Shown(file);
-        const std::vector<OutlineEntry> declarations = DeclarationsOf(session.Table(), file);
-        found = found || !declarations.empty();
-        if (request.format == Format::Text)
-            PrintOutline(request, shown, declarations, result.out);
-        else if (request.format == Format::JsonLines)
-            result.out += Document("outline", {{"files", JsonValue::array({JsonOf(shown, declarations)})}});
-        else
-            list.push_back(JsonOf(shown, declarations));
-    }
-    if (request.format == Format::Json) result.out = Document("outline", {{"files", std::move(list)}});
-    if (!found) ++result.notFound;
-}
-
-void AnswerTags(const Request& request, const Session& session, const std::vector<std::string>& files,
-                Result& result) {
+void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
+            Result& result) {
     std::vector<std::string> tags;
     for (const std::string& file : files) CollectTags(request, session, file, tags, result);
     std::sort(tags.begin(), tags.end());
@@ -215,5 +139,26 @@ void AnswerTags(const Request& request, const Session& session, const std::vecto
     for (const std::string& tag : tags) result.out += tag;
     if (tags.empty()) ++result.notFound;
 }
+
+void RunTags(Run& run) {
+    AnswerFromTable(run, Answer);
+}
+
+constexpr std::span<const Option> options[] = {tableFileOptions, outputOptions, workspaceOptions,
+                                               missingOptions};
+constexpr Format formats[] = {Format::Tags};
+
+} // namespace
+
+const Verb tagsVerb = {
+    "tags",
+    "Write a tags file that editors take",
+    {"ostraka tags -w harbour:coast", "ostraka tags -w harbour:coast harbour/Ships",
+     "ostraka tags harbour/Berths/PublicInterfaces"},
+    formats,
+    options,
+    nullptr,
+    RunTags,
+};
 
 } // namespace ostraka::tool

@@ -7,12 +7,15 @@
 
 #include <fmt/format.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
+#include <unistd.h>
 
+#include "cli/Options.h"
 #include "formats/Dot.h"
 #include "formats/Json.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
-#include "verbs/TableVerbs.h"
+#include "verbs/TableRun.h"
+#include "verbs/Verbs.h"
 #include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
@@ -151,10 +154,7 @@ JsonValue JsonOf(const Session& session, Hierarchy& hierarchy, const Branch& bra
     return item;
 }
 
-} // namespace
-
-void AnswerHierarchy(const Request& request, const Session& session, const std::vector<std::string>&,
-                     Result& result) {
+void Answer(const Request& request, const Session& session, const std::vector<std::string>&, Result& result) {
     Hierarchy hierarchy(session.Table());
     std::vector<Branch> branches;
     if (request.className.empty()) {
@@ -178,5 +178,34 @@ void AnswerHierarchy(const Request& request, const Session& session, const std::
     }
     if (request.format == Format::Json) result.out = Document("hierarchy", {{"classes", std::move(list)}});
 }
+
+void RunHierarchy(Run& run) {
+    AnswerFromTable(run, Answer);
+}
+
+// `hierarchy harbour/Ships` names no class.
+void TakeFileForClass(Request& request) {
+    if (request.className.empty() || access(request.className.c_str(), F_OK) != 0) return;
+    request.paths.insert(request.paths.begin(), request.className);
+    request.className.clear();
+}
+
+constexpr Option operands[] = {{"CLASS", nullptr, "The class around which to look; all without one",
+                                Operand{[](Request& r, const std::string& name) { r.className = name; }}}};
+constexpr std::span<const Option> options[] = {operands,         tableFileOptions, outputOptions,
+                                               workspaceOptions, missingOptions,   limitOptions};
+
+} // namespace
+
+const Verb hierarchyVerb = {
+    "hierarchy",
+    "Tell who derives from whom, and which interface is tied to which class",
+    {"ostraka hierarchy -w harbour:coast", "ostraka hierarchy Ship -w harbour:coast",
+     "ostraka hierarchy -w harbour:coast --format dot"},
+    graphFormats,
+    options,
+    TakeFileForClass,
+    RunHierarchy,
+};
 
 } // namespace ostraka::tool

@@ -2,10 +2,11 @@
 
 #include <fmt/format.h>
 
-#include "cli/Verbs.h"
+#include "cli/Options.h"
 #include "formats/PlaceRuns.h"
 #include "formats/Text.h"
-#include <answers/facts/SourceUnit.h>
+#include "verbs/SourceRun.h"
+#include "verbs/Verbs.h"
 
 namespace ostraka::tool {
 
@@ -15,8 +16,8 @@ std::string_view StreamOf(const TAPSourceFile& file) {
     return {file.GetSize() > 0 ? file.GetStream() : "", static_cast<std::size_t>(file.GetSize())};
 }
 
-void PrintHead(const Request& request, const Input& input, std::string& out) {
-    if (request.severalFiles) fmt::format_to(std::back_inserter(out), "==> {} <==\n", ShownPath(input.path));
+void PrintHead(const FileOfRun& file, std::string& out) {
+    if (file.count > 1) fmt::format_to(std::back_inserter(out), "==> {} <==\n", ShownPath(file.input.path));
 }
 
 void PrintWhole(const TAPSourceFile& file, std::string& out) {
@@ -94,18 +95,16 @@ void PrintMacrosJson(const TAIndex& macros, std::string& out) {
     }
 }
 
-} // namespace
-
-void PrintStreamText(const Request& request, const Input& input, SourceUnit& unit, Result& result) {
+void PrintText(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result) {
     const bool lists = request.includes || request.macros;
-    if (lists || !request.map) PrintHead(request, input, result.out);
-    if (request.map) PrintMap(request, input, unit.File(), result.out);
+    if (lists || !request.map) PrintHead(file, result.out);
+    if (request.map) PrintMap(request, file.input, unit.File(), result.out);
     if (request.includes) PrintIncludes(unit.File(), result.out);
     if (request.macros) PrintMacros(unit.Macros(), result.out);
     if (!lists && !request.map) PrintWhole(unit.File(), result.out);
 }
 
-void PrintStreamJson(SourceUnit& unit, Result& result) {
+void PrintJson(const Request&, const FileOfRun&, SourceUnit& unit, Result& result) {
     const TAPSourceFile& file = unit.File();
     std::string& out = result.out;
     fmt::format_to(std::back_inserter(out),
@@ -120,5 +119,36 @@ void PrintStreamJson(SourceUnit& unit, Result& result) {
     PrintMacrosJson(unit.Macros(), out);
     out += ']';
 }
+
+constexpr SourcePrinter printer = {false, PrintText, PrintJson};
+
+void RunStream(Run& run) {
+    RunOnSources(run, [](const Request& request, const FileOfRun& file, Result& result) {
+        AnswerSource(request, file, printer, result);
+    });
+}
+
+constexpr Option ownOptions[] = {{"--map", nullptr,
+                                  "Print the text in pieces, each with the place it comes from",
+                                  Flag{[](Request& r) { r.map = true; }}},
+                                 {"--includes", nullptr, "Print the names of the included files",
+                                  Flag{[](Request& r) { r.includes = true; }}},
+                                 {"--macros", nullptr, "Print the macros with the first word of their text",
+                                  Flag{[](Request& r) { r.macros = true; }}}};
+constexpr std::span<const Option> options[] = {fileOptions, outputOptions, ownOptions};
+
+} // namespace
+
+const Verb streamVerb = {
+    "stream",
+    "Print the normalised text of files: without comments, directives and needless blanks",
+    {"ostraka stream harbour/Berths/PublicInterfaces/Berth.h",
+     "ostraka stream --map --quiet harbour/Berths harbour/Ships",
+     "ostraka stream --includes --macros harbour/Berths/PublicInterfaces/Berth.h"},
+    listFormats,
+    options,
+    CheckFiles,
+    RunStream,
+};
 
 } // namespace ostraka::tool

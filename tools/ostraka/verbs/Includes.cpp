@@ -5,10 +5,11 @@
 
 #include <fmt/format.h>
 
-#include "cli/Verbs.h"
+#include "cli/Options.h"
 #include "formats/Dot.h"
 #include "formats/Json.h"
 #include "verbs/Session.h"
+#include "verbs/Verbs.h"
 #include <answers/resolve/IncludeGraph.h>
 
 namespace ostraka::tool {
@@ -168,9 +169,7 @@ void CountMissing(const IncludeGraph& graph, std::string& err) {
                        Counted(count, "include"));
 }
 
-} // namespace
-
-void AnswerIncludes(const Request& request, const std::string& path, Result& result) {
+void Answer(const Request& request, const std::string& path, Result& result) {
     Session session(request, {path});
     if (session.Load(path, result) == nullptr) return;
     const IncludeGraph graph = FollowIncludes(session.Table(), Session::Absolute(path));
@@ -185,5 +184,29 @@ void AnswerIncludes(const Request& request, const std::string& path, Result& res
     }
     if (!request.missingOnly && !request.quiet) CountMissing(graph, result.err);
 }
+
+void RunIncludes(Run& run) {
+    run.Ask(run.request.paths.front(), Answer);
+}
+
+constexpr Option operands[] = {{"FILE", nullptr, "The file to begin with", Operand{TakePath, true}}};
+constexpr Option ownOptions[] = {{"--missing", nullptr, "Print only those that aren't found",
+                                  Flag{[](Request& r) { r.missingOnly = true; }}}};
+constexpr std::span<const Option> options[] = {operands, workspaceOptions, outputOptions, ownOptions,
+                                               limitOptions};
+
+} // namespace
+
+const Verb includesVerb = {
+    "includes",
+    "Follow the includes of a file",
+    {"ostraka includes -w harbour:coast harbour/Ships/Ships.m/src/Ship.cpp",
+     "ostraka includes -w harbour:coast --missing harbour/Traffic/Traffic.m/src/TrafficControl.cpp",
+     "ostraka includes -w harbour:coast --format dot harbour/Berths/Berths.m/src/Quay.cpp"},
+    graphFormats,
+    options,
+    nullptr,
+    RunIncludes,
+};
 
 } // namespace ostraka::tool
