@@ -1,37 +1,21 @@
 #pragma once
 
-// What an include means, and why: the library tells the file, and the place of the search at which that file
-// lies tells the rule.
+// What an include means, and why: the library tells the file and the places of its search, and what else lies
+// at these or was perhaps meant is looked for here.
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include <ostraka/symbols/HeaderTrace.h>
+
 class TAPSymbolTable;
 
 namespace ostraka::answers {
 
-enum class HeaderRule {
-    Exported,  // in an interface directory that a framework shows to all
-    Twin,      // there too: the IDL file behind a header
-    Generated, // made from something else and shown to all
-    Beside,    // in a private or local directory around the file that includes it
-};
-
 // "exported", "twin", "generated", "beside".
 std::string_view NameOf(HeaderRule rule);
-
-// One place of the search. Folders may hold a "*" for any framework.
-struct HeaderPlace {
-    HeaderRule rule;
-    std::string root;      // the workspace, as it was named; empty for Beside
-    std::string folder;    // of a framework or a module
-    std::string directory; // in it, as PublicGenerated/unix_a
-    std::string name;
-
-    std::string Pattern() const { return folder + "/" + directory + "/" + name; }
-};
 
 // A file, and the place at which it was found.
 struct HeaderFile {

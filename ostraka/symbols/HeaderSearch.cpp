@@ -2,7 +2,11 @@
 // framework shows to others; the file system answers for those beside the file that asks. In the maps the
 // first registration of a base name wins: the first workspace, in it the public directory, in that the first
 // framework.
+//
+// One walk goes over the steps of the search. Who only wants the file leaves it at the first hit; who wants
+// to know why stays to its end and takes each step apart into its places.
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <string_view>
@@ -10,34 +14,43 @@
 #include <ostraka/foundation/Directory.h>
 #include <ostraka/foundation/TAFileName.h>
 #include <ostraka/foundation/TextHelpers.h>
+#include <ostraka/symbols/HeaderTrace.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
+
+using ostraka::HeaderPlace;
+using ostraka::HeaderRule;
+using ostraka::HeaderTrace;
 
 namespace {
 
-// Files of each framework of a workspace. Generated ones lie one level deeper, below the operating system's
+// A directory of a framework or a module. Generated files lie one level deeper, below the operating system's
 // name.
-struct Shown {
-    const char* directory;
+struct Directory {
+    const char* name;
     bool generated;
+};
+
+// Files of each framework of a workspace.
+struct Shown {
+    Directory directory;
     const char* files;
 };
 
 constexpr Shown shownFiles[] = {
-    {"PublicInterfaces", false, "*.h"},   {"ProtectedInterfaces", false, "*.h"},
-    {"PublicInterfaces", false, "*.idl"}, {"ProtectedInterfaces", false, "*.idl"},
-    {"PublicGenerated", true, "*.h"},     {"ProtectedGenerated", true, "*.h"},
+    {{"PublicInterfaces", false}, "*.h"},   {{"ProtectedInterfaces", false}, "*.h"},
+    {{"PublicInterfaces", false}, "*.idl"}, {{"ProtectedInterfaces", false}, "*.idl"},
+    {{"PublicGenerated", true}, "*.h"},     {{"ProtectedGenerated", true}, "*.h"},
 };
 
 // Directories around a file: so many levels above it, in the order of the search.
 struct Around {
     int level;
-    const char* directory;
-    bool generated;
+    Directory directory;
 };
 
 constexpr Around aroundFile[] = {
-    {2, "PrivateInterfaces", false}, {2, "PrivateGenerated", true},   {2, "LocalInterfaces", false},
-    {2, "LocalGenerated", true},     {3, "PrivateInterfaces", false}, {3, "PrivateGenerated", true},
+    {2, {"PrivateInterfaces", false}}, {2, {"PrivateGenerated", true}},   {2, {"LocalInterfaces", false}},
+    {2, {"LocalGenerated", true}},     {3, {"PrivateInterfaces", false}}, {3, {"PrivateGenerated", true}},
 };
 
 // The text behind the last slash or backslash.
@@ -46,47 +59,138 @@ const char* BaseName(const NUBString& path) {
     return path.CastToCharPtr() + (separator == std::string_view::npos ? 0 : separator + 1);
 }
 
-const char* PathOf(const TAIndex& map, const char* baseName) {
-    return static_cast<const char*>(map[baseName]);
+TAFileName Below(const TAFileName& folder, const Directory& directory, const NUBString& osName) {
+    const TAFileName below = folder + directory.name;
+    return directory.generated ? below + osName : below;
 }
 
-TAFileName Below(const TAFileName& directory, const char* name, bool generated, const NUBString& osName) {
-    const TAFileName below = directory + name;
-    return generated ? below + osName : below;
+// A step of the search is a look into a map under a key, or a file beside the one that asks. The visitor
+// tells whether it goes on.
+template <class Visitor>
+void Search(const TAPSymbolTable& table, const char* currentFile, const char* header, Visitor& visitor) {
+    if (!visitor.Look(HeaderRule::Exported, table.headers, header)) return;
+    if (const char* ending = std::strstr(header, ".h")) {
+        const std::string twin = std::string(header, ending) + ".idl";
+        if (!visitor.Look(HeaderRule::Twin, table.headers, twin.c_str())) return;
+    }
+    if (!visitor.Look(HeaderRule::Generated, table.generatedHeaders, header)) return;
+    const TAFileName file(currentFile);
+    for (const Around& around : aroundFile) {
+        const TAFileName folder = file.dirname(around.level);
+        if (folder.IsNull() || !visitor.LookBeside(folder, around.directory, header)) return;
+    }
 }
+
+struct Finder {
+    bool Look(HeaderRule, const TAIndex& map, const char* key) {
+        const auto* path = static_cast<const char*>(map[key]);
+        if (path != nullptr) found = path;
+        return path == nullptr;
+    }
+
+    bool LookBeside(const TAFileName& folder, const Directory& directory, const char* header) {
+        TAFileName file = Below(folder, directory, osName) + header;
+        if (!file.IsFile()) return true;
+        found = std::move(file);
+        return false;
+    }
+
+    const NUBString& osName;
+    TAFileName found;
+};
+
+// Whether a selection by the pattern can give the path. `start` is where a relative pattern starts.
+bool IsSelectedBy(const TAFileName& pattern, const NUBString& start, const TAFileName& path) {
+    NUBListValNUBString wanted, parts;
+    Split(*pattern == '/' ? NUBString(pattern) : start + "/" + pattern, wanted, "/");
+    Split(NUBString(path), parts, "/");
+    if (parts.Size() != wanted.Size()) return false;
+    for (int i = 1; i <= parts.Size(); ++i) {
+        const bool starred = wanted[i].FindPosition("*") >= 0;
+        if (starred ? TestMatch(parts[i], wanted[i]) == 0 : parts[i] != wanted[i]) return false;
+    }
+    return true;
+}
+
+class Tracer {
+public:
+    Tracer(const TAPSymbolTable& symbols, const NUBString& start) : table(symbols), rootsStart(start) {}
+
+    bool Look(HeaderRule rule, const TAIndex& map, const char* key) {
+        const auto* path = static_cast<const char*>(map[key]);
+        const bool first = path != nullptr && trace.file.IsNull();
+        if (first) trace.file = path;
+        for (const NUBString& root : table.concatenation)
+            for (const Shown& shown : shownFiles)
+                if (IsOf(rule, shown, key)) AddShown(rule, root, shown.directory, key, first);
+        return true;
+    }
+
+    bool LookBeside(const TAFileName& folder, const Directory& directory, const char* header) {
+        Add(HeaderRule::Beside, "", static_cast<const char*>(folder), directory, header);
+        TAFileName file = Below(folder, directory, table.osName) + header;
+        if (trace.file.IsNull() && file.IsFile()) {
+            trace.file = std::move(file);
+            trace.found = static_cast<int>(trace.places.size()) - 1;
+        }
+        return true;
+    }
+
+    HeaderTrace trace;
+
+private:
+    // A map holds base names.
+    static bool IsOf(HeaderRule rule, const Shown& shown, std::string_view key) {
+        return shown.directory.generated == (rule == HeaderRule::Generated) &&
+               key.find('/') == std::string_view::npos && TestMatch(NUBString(key), shown.files) != 0;
+    }
+
+    void AddShown(HeaderRule rule, const NUBString& root, const Directory& directory, const char* key,
+                  bool givesFile) {
+        const std::string text(root.View());
+        Add(rule, text, text + "/*", directory, key);
+        if (givesFile && trace.found < 0 &&
+            IsSelectedBy(trace.places.back().Pattern().c_str(), rootsStart, trace.file))
+            trace.found = static_cast<int>(trace.places.size()) - 1;
+    }
+
+    void Add(HeaderRule rule, std::string root, std::string folder, const Directory& directory,
+             const char* name) {
+        std::string below = directory.name;
+        if (directory.generated) below.append("/").append(table.osName.View());
+        trace.places.push_back({rule, std::move(root), std::move(folder), std::move(below), name});
+    }
+
+    const TAPSymbolTable& table;
+    const NUBString& rootsStart;
+};
 
 } // namespace
 
 void TAPSymbolTable::SetConcatenation(const TAFileName& list) {
     Split(NUBString(list), concatenation, ":");
+    rootsStart = GetWorkDir();
     headers.Reset();
     generatedHeaders.Reset();
     for (const NUBString& root : concatenation) {
         for (const Shown& shown : shownFiles) {
-            const TAFileName frameworks = TAFileName(root) + "*";
-            const TAFileName pattern =
-                Below(frameworks, shown.directory, shown.generated, osName) + shown.files;
+            const TAFileName pattern = Below(TAFileName(root) + "*", shown.directory, osName) + shown.files;
             NUBListValNUBString paths;
             ReadDirectory(static_cast<const char*>(pattern), paths);
-            TAIndex& map = shown.generated ? generatedHeaders : headers;
+            TAIndex& map = shown.directory.generated ? generatedHeaders : headers;
             for (const NUBString& path : paths) map.Append(BaseName(path), path.CastToCharPtr(), 1);
         }
     }
 }
 
 TAFileName TAPSymbolTable::SearchHeaderFile(const char* currentFile, const char* header) const {
-    if (const char* path = PathOf(headers, header)) return path;
-    if (const char* ending = std::strstr(header, ".h")) {
-        const std::string twin = std::string(header, ending) + ".idl";
-        if (const char* path = PathOf(headers, twin.c_str())) return path;
-    }
-    if (const char* path = PathOf(generatedHeaders, header)) return path;
-    TAFileName file(currentFile);
-    for (const Around& around : aroundFile) {
-        const TAFileName directory = file.dirname(around.level);
-        if (directory.IsNull()) return {};
-        TAFileName candidate = Below(directory, around.directory, around.generated, osName) + header;
-        if (candidate.IsFile()) return candidate;
-    }
-    return {};
+    Finder finder{osName, {}};
+    Search(*this, currentFile, header, finder);
+    return finder.found;
+}
+
+HeaderTrace TAPSymbolTable::TraceHeaderFile(const char* currentFile, const char* header) const {
+    Tracer tracer(*this, rootsStart);
+    Search(*this, currentFile, header, tracer);
+    return std::move(tracer.trace);
 }

@@ -15,6 +15,10 @@
 #include <ostraka/syntax/TAPSyntaxe.h>
 #include <ostraka/syntax/TAPSyntaxePath.h>
 
+namespace ostraka {
+struct HeaderTrace;
+}
+
 // The files that a tool has loaded, what they declare, and the answers to questions about it.
 //
 // The table owns the trees and the records through its indexes; what it hands out is borrowed, and whoever
@@ -107,6 +111,9 @@ public:
 
     // The path of a header that `currentFile` names, or the null name.
     TAFileName SearchHeaderFile(const char* currentFile, const char* header) const;
+
+    // The same search with all its places, told in <ostraka/symbols/HeaderTrace.h>.
+    ostraka::HeaderTrace TraceHeaderFile(const char* currentFile, const char* header) const;
 
     // ---- The scan of a tree
 
@@ -204,5 +211,6 @@ private:
     const char* holdText(const char* text) { return texts.Append(text, nullptr, 0); }
     void releaseAll();
 
-    TAIndex texts; // names of classes and of their bases
+    TAIndex texts;        // names of classes and of their bases
+    NUBString rootsStart; // the working directory when the roots were read, where relative ones start
 };

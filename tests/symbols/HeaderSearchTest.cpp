@@ -1,5 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include <ostraka/symbols/HeaderTrace.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "support/Workspace.h"
@@ -17,6 +20,8 @@ void ExpectAll(const TAPSymbolTable& table, const Workspace& files, std::initial
         const TAFileName path = table.SearchHeaderFile(files(search.from).c_str(), search.header);
         const std::string expected = *search.found != '\0' ? files(search.found) : "";
         EXPECT_EQ(static_cast<const char*>(path), expected) << search.header << " from " << search.from;
+        const ostraka::HeaderTrace trace = table.TraceHeaderFile(files(search.from).c_str(), search.header);
+        EXPECT_EQ(static_cast<const char*>(trace.file), expected) << search.header << " from " << search.from;
     }
 }
 
@@ -67,6 +72,52 @@ TEST(HeaderSearch, FollowsItsOrder) {
     table->SetConcatenation("");
     EXPECT_EQ(table->headers.size + table->generatedHeaders.size + table->concatenation.Size(), 0);
     table->Release();
+}
+
+TEST(HeaderSearch, TellsItsPlaces) {
+    const Workspace files{{"one/FwA/PublicInterfacesPublicInterfaces/a.h", ""},
+                          {"one/FwA/ProtectedInterfaces/a.h", ""},
+                          {"one/FwA/PublicInterfaces/twin.idl", ""},
+                          {"one/FwA/PublicInterfaces/Local.h", ""},
+                          {"one/FwA/PrivateInterfaces/sub/a.h", ""},
+                          {"one/FwA/Mod.m/LocalGenerated/unix_a/made.hxx", ""},
+                          {"two/FwB/PublicInterfaces/a.h", ""},
+                          {"two/FwB/ProtectedGenerated/unix_a/twin.h", ""},
+                          {"two/FwB/ProtectedGenerated/unix_a/made.h", ""}};
+    struct Row {
+        const char* header;
+        const char* found; // the place, without the folder of the workspaces
+        std::size_t places;
+    };
+    const Row rows[] = {
+        {"a.h", "0 ./one ./one/* ProtectedInterfaces a.h", 24},
+        {"twin.h", "1 ./one ./one/* PublicInterfaces twin.idl", 24},
+        {"twin.idl", "0 ./one ./one/* PublicInterfaces twin.idl", 12},
+        {"made.h", "2 ROOT/tw* ROOT/tw*/* ProtectedGenerated/unix_a made.h", 24},
+        {"made.hxx", "3  ROOT/one/FwA/Mod.m LocalGenerated/unix_a made.hxx", 12},
+        {"sub/a.h", "3  ROOT/one/FwA PrivateInterfaces sub/a.h", 6},
+        {"none.h", "", 24},
+    };
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(files.root);
+    TAPSymbolTable table;
+    table.SetConcatenation(("./one:" + files("tw*") + ":one").c_str());
+    std::filesystem::current_path(before);
+    for (const Row& row : rows) {
+        const ostraka::HeaderTrace trace =
+            table.TraceHeaderFile(files("one/FwA/Mod.m/src/a.cpp").c_str(), row.header);
+        std::string found;
+        if (trace.found >= 0) {
+            const ostraka::HeaderPlace& place = trace.places[static_cast<std::size_t>(trace.found)];
+            found = std::to_string(static_cast<int>(place.rule)) + " " + place.root + " " + place.folder +
+                    " " + place.directory + " " + place.name;
+        }
+        for (std::size_t at; (at = found.find(files.root)) != std::string::npos;)
+            found.replace(at, files.root.size(), "ROOT");
+        EXPECT_EQ(found, row.found) << row.header;
+        EXPECT_EQ(trace.places.size(), row.places) << row.header;
+        EXPECT_EQ(trace.file.IsNull(), trace.found < 0) << row.header;
+    }
 }
 
 } // namespace
