@@ -19,6 +19,7 @@
 #include <ostraka/memreport/TAPIndexContainer.h>
 #include <ostraka/objects/TAPAttr.h>
 #include <ostraka/objects/TAPObject.h>
+#include <ostraka/symbols/HeaderTrace.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefEntity.h>
 #include <ostraka/symbols/TAPDefMethod.h>
