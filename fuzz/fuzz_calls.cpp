@@ -15,6 +15,9 @@ void CheckCall(const Call& call, const std::string& line) {
     CHECK(line == call.GetCall());
     const std::unique_ptr<char, void (*)(void*)> shortCall(call.GetShortCall(), std::free);
     CHECK(call.HasString(shortCall.get()) == 1);
+    const CallParts parts = call.GetParts();
+    CHECK(parts.function == shortCall.get() && parts.line >= 0);
+    CHECK(parts.path.empty() || line.find("[" + std::string(parts.path)) != std::string::npos);
     if (call.GetFwResponsible() == nullptr) return;
     CHECK(line.find(std::string("/") + call.GetFwResponsible() + "/") != std::string::npos);
     CHECK(std::strcmp(call.GetResponsible(), ".") == 0);
@@ -28,6 +31,11 @@ void CheckStack(Call** calls, int n) {
     CHECK(stack.GetToExtend() == n && stack.GetSize() == (n < 20 ? n : 20));
     const Call* first = stack.GetFirstKetchCall();
     CHECK(stack.GetFwResponsible() == (first != nullptr ? first->GetFwResponsible() : nullptr));
+    for (int i = 0; i < stack.GetSize(); ++i) {
+        const CallCharge charge = stack.ChargeOf(i, nullptr, nullptr);
+        CHECK((charge == CallCharge::NoFramework) == (calls[i]->GetFwResponsible() == nullptr));
+        CHECK((charge == CallCharge::Charged) == (i == stack.chargedCall));
+    }
     std::string text;
     for (int i = 0; i < stack.GetSize(); ++i) text += (i > 0 ? "!" : "") + std::string(calls[i]->GetCall());
     CHECK(stack.GetStack(0) == text.c_str());

@@ -21,6 +21,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const StackMask mask(lines[0].c_str(), "type");
     const int taken = mask.MatchMask(calls.data(), n);
     CHECK(taken >= -1 && taken <= n);
+    std::vector<CallRange> ranges(static_cast<std::size_t>(mask.Size()));
+    CHECK(mask.MatchMask(calls.data(), n, ranges.data()) == taken);
+    int next = 0;
+    for (int i = 0; taken >= 0 && i < mask.Size(); ++i) {
+        const auto [begin, past] = ranges[static_cast<std::size_t>(i)];
+        CHECK(begin == next && past >= begin);
+        CHECK(*mask.GetMaskCall(i) == '@' ||
+              (past == begin + 1 && mask.AreEqual(i, 1, calls.data(), begin, n) == 1));
+        next = past;
+    }
+    CHECK(taken < 0 || next == taken);
     // What is taken is a stack that the mask takes whole, and what comes before isn't looked at twice.
     if (taken >= 0) CHECK(mask.MatchMask(calls.data(), taken) == taken);
     if (mask.HasAStar(0) < 0 && mask.HasADoubleStar(0) < 0 && mask.Size() > 0)

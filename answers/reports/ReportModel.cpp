@@ -4,8 +4,6 @@
 #include "ReportModel.h"
 
 #include <algorithm>
-#include <charconv>
-#include <cstdlib>
 #include <limits>
 
 namespace ostraka::reports {
@@ -155,41 +153,23 @@ void ReportModel::Recount(std::uint64_t unique, std::int64_t count) {
     byUnique.erase(known);
 }
 
-CallParts PartsOf(Call& call) {
-    CallParts parts;
-    char* function = call.GetShortCall();
-    parts.function = ShownCall(function);
-    std::free(function);
-    const std::string_view text = call.GetCall();
-    const std::size_t bracket = text.find('[');
-    const std::size_t colon = text.find(':', bracket);
-    if (bracket == std::string_view::npos || colon == std::string_view::npos) return parts;
-    parts.path = text.substr(bracket + 1, colon - bracket - 1);
-    std::from_chars(text.data() + colon + 1, text.data() + text.size(), parts.line);
-    parts.line = std::max(parts.line, 0);
-    return parts;
+ShownParts PartsOf(const Call& call) {
+    const CallParts parts = call.GetParts();
+    return {ShownCall(parts.function), ShownSource(parts.path), parts.line};
 }
 
-std::vector<Charge> ExplainCharge(Stack& stack, const SideTables& side) {
-    std::vector<Charge> charges;
-    bool decided = false;
-    for (int i = 0; i < stack.GetSize(); ++i) {
-        Call& call = *stack.GetCall(i);
-        char* function = call.GetShortCall();
-        const char* owner = call.GetResponsible();
-        Charge charge = decided ? Charge::Behind : Charge::Charged;
-        if (side.ignoredCalls.IsIn(function) >= 0) {
-            charge = Charge::IgnoredCall;
-        } else if (owner == nullptr) {
-            charge = Charge::NoFramework;
-        } else if (side.ignoredOwners.IsIn(owner) >= 0) {
-            charge = Charge::IgnoredOwner;
-        }
-        decided = decided || charge == Charge::Charged;
-        charges.push_back(charge);
-        std::free(function);
-    }
+std::vector<CallCharge> ChargesOf(const Stack& stack, const SideTables& side) {
+    std::vector<CallCharge> charges;
+    charges.reserve(CallTexts::most);
+    for (int i = 0; i < stack.GetSize(); ++i)
+        charges.push_back(stack.ChargeOf(i, &side.ignoredOwners, &side.ignoredCalls));
     return charges;
+}
+
+std::vector<CallRange> TakenBy(const StackMask& mask, const Stack& stack) {
+    std::vector<CallRange> taken(static_cast<std::size_t>(mask.Size()));
+    if (mask.MatchMask(stack.calls, stack.GetSize(), taken.data()) < 0) taken.clear();
+    return taken;
 }
 
 const char* OwnerOf(const Call& call) {

@@ -114,17 +114,19 @@ private:
     std::vector<StackGroup> groups;
 };
 
-// The parts of a call text; a line of 0 is unknown.
-struct CallParts {
-    std::string function; // as a person reads it
+// The parts of a call as a person reads them; a line of 0 is unknown.
+struct ShownParts {
+    std::string function;
     std::string_view path;
     int line = 0;
 };
-CallParts PartsOf(Call& call);
+ShownParts PartsOf(const Call& call);
 
-// What a call of a stack had to do with who is charged for it.
-enum class Charge { Charged, IgnoredCall, IgnoredOwner, NoFramework, Behind };
-std::vector<Charge> ExplainCharge(Stack& stack, const SideTables& side);
+// Of each call, why it is charged or not.
+std::vector<CallCharge> ChargesOf(const Stack& stack, const SideTables& side);
+
+// Of each element of a mask that matches, the calls that it took; none for one that doesn't.
+std::vector<CallRange> TakenBy(const StackMask& mask, const Stack& stack);
 
 // The owner of the framework of a call, or of that charged for a stack; null when there is none or it isn't
 // known.

@@ -1,12 +1,15 @@
 #include "ReportRecord.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace ostraka::reports {
 
 namespace {
 
-constexpr char innerBracket = '\x7f'; // for a "[" of the function
+constexpr char innerBracket = '\x7f';             // for a "[" of the function
+constexpr std::string_view hereSign = "\x7f/";    // before a relative path
+constexpr std::string_view hereInText = "[\x7f/"; // as it stands in a call text
 constexpr std::string_view unknown = "???";
 
 bool IsDigit(char c) {
@@ -55,6 +58,18 @@ void AppendFunction(std::string& out, std::string_view function) {
     std::replace(out.begin() + static_cast<std::ptrdiff_t>(begin), out.end(), '[', innerBracket);
 }
 
+// In a mask "@" stands for any beginning, that of a relative path included.
+bool IsRelative(std::string_view path) {
+    return !path.empty() && std::string_view("/@:]").find(path.front()) == std::string_view::npos;
+}
+
+// `source` is the path with what is behind it.
+void AppendSource(std::string& out, std::string_view source) {
+    out += '[';
+    if (IsRelative(source)) out += hereSign;
+    out += source;
+}
+
 } // namespace
 
 void CallTexts::Clear() {
@@ -73,8 +88,8 @@ void CallTexts::Add(std::string_view function, std::string_view path, std::strin
     if (text == nullptr) return;
     AppendFunction(*text, function.empty() ? unknown : function);
     if (!path.empty()) {
-        *text += " [";
-        *text += path;
+        *text += ' ';
+        AppendSource(*text, path);
         *text += ':';
         *text += line;
         *text += ']';
@@ -95,15 +110,43 @@ std::string CallText(std::string_view written) {
     const std::size_t bracket = std::min(SourceBracket(text), text.size());
     std::string result;
     AppendFunction(result, text.substr(0, bracket));
-    result += text.substr(bracket);
+    if (bracket < text.size()) AppendSource(result, text.substr(bracket + 1));
     ReplaceNuls(result);
     return result;
 }
 
+std::string MaskText(std::string_view written) {
+    std::string result;
+    for (std::size_t past = written.find('!'); past != std::string_view::npos; past = written.find('!')) {
+        result += CallText(written.substr(0, past)) + '!';
+        written.remove_prefix(past + 1);
+    }
+    return result + CallText(written);
+}
+
 std::string ShownCall(std::string_view callText) {
-    std::string shown(callText);
+    std::string shown;
+    for (std::size_t sign = callText.find(hereInText); sign != std::string_view::npos;
+         sign = callText.find(hereInText)) {
+        shown += callText.substr(0, sign + 1);
+        callText.remove_prefix(sign + hereInText.size());
+    }
+    shown += callText;
     std::replace(shown.begin(), shown.end(), innerBracket, '[');
     return shown;
+}
+
+std::string_view ShownSource(std::string_view path) {
+    return path.starts_with(hereSign) ? path.substr(hereSign.size()) : path;
+}
+
+int CompareCallTexts(const char* a, const char* b) {
+    const char* const begin = a;
+    for (; *a != '\0' && *a == *b; ++a) ++b;
+    const bool behindBracket = a != begin && a[-1] == '[';
+    if (behindBracket && std::string_view(a).starts_with(hereSign)) a += hereSign.size();
+    if (behindBracket && std::string_view(b).starts_with(hereSign)) b += hereSign.size();
+    return std::strcmp(a, b);
 }
 
 void ReportRecord::Clear() {

@@ -13,7 +13,8 @@ namespace ostraka::reports {
 
 // The texts of the calls of a stack, from the innermost on, in the form that the library reads:
 // "function [path:line]". In a call text "[" opens the source and nothing else; one that belongs to the
-// function, as in "operator new[]", is written as another byte until it is shown.
+// function, as in "operator new[]", is written as another byte until it is shown. So is the folder that a
+// relative path starts from, since a framework stands between two slashes: "Fw/M.m/src/a.cpp" has one, too.
 class CallTexts {
 public:
     static constexpr int most = 20; // calls of a stack
@@ -39,11 +40,17 @@ private:
     int told = 0;
 };
 
-// A call text, or a mask for call texts, as a person writes it, in the form of the library, and back. The
-// source of a call begins at the bracket that the last character closes, or at one that is never closed, if a
-// blank stands before it or what it holds looks like a place.
+// A call text as a person writes it, in the form of the library, and back. The source of a call begins at the
+// bracket that the last character closes, or at one that is never closed, if a blank stands before it or what
+// it holds looks like a place. A mask is made of such texts, and shown like one.
 std::string CallText(std::string_view written);
+std::string MaskText(std::string_view written);
 std::string ShownCall(std::string_view callText);
+// The path of a call text, as the report wrote it.
+std::string_view ShownSource(std::string_view path);
+// Below, at or above 0 as the first comes before, with or after the second; relative paths as they were
+// written.
+int CompareCallTexts(const char* a, const char* b);
 
 constexpr std::uint64_t noNumber = ~std::uint64_t{0};
 

@@ -2,6 +2,8 @@
 
 #include <ostraka/memreport/Call.h>
 
+#include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -17,7 +19,7 @@ struct Free {
 };
 using OwnText = std::unique_ptr<char, Free>;
 
-OwnText copyOf(std::string_view text) {
+OwnText CopyOf(std::string_view text) {
     OwnText copy(static_cast<char*>(std::malloc(text.size() + 1)));
     if (!copy) throw std::bad_alloc();
     copy.get()[text.copy(copy.get(), text.size())] = '\0';
@@ -27,18 +29,25 @@ OwnText copyOf(std::string_view text) {
 // What `Call::wsOfRun` points to.
 [[gnu::init_priority(101)]] OwnText heldWorkspace;
 
-const char* enterFramework(std::string_view sourcePath) {
+const char* EnterFramework(std::string_view sourcePath) {
     const std::string name(ostraka::detail::FrameworkOf(sourcePath));
     return name.empty() ? nullptr : TAPIndexContainer::respForFwIndex.Append(name.c_str(), ".", 0);
 }
 
-const char* frameworkOfSource(std::string_view sourcePath) {
+const char* FrameworkOfSource(std::string_view sourcePath) {
     TAIndex& sources = TAPIndexContainer::fwForSourceIndex;
     const int known = sources.IsIn(sourcePath.data(), static_cast<int>(sourcePath.size()));
     if (known >= 0) return static_cast<const char*>(sources.values[known]);
-    const char* framework = enterFramework(sourcePath);
+    const char* framework = EnterFramework(sourcePath);
     sources.Append(std::string(sourcePath).c_str(), framework, 0);
     return framework;
+}
+
+int LineBehind(std::string_view sourcePath) {
+    const char* colon = sourcePath.data() + sourcePath.size();
+    int line = 0;
+    if (*colon == ':') std::from_chars(colon + 1, colon + 1 + std::strlen(colon + 1), line);
+    return std::max(line, 0);
 }
 
 } // namespace
@@ -84,16 +93,16 @@ std::string_view FrameworkOf(std::string_view sourcePath) {
 char* Call::wsOfRun = nullptr;
 
 Call::Call(const char* text, TAIndexCall* index) : call(index->Append(text, this, 0)) {
-    if (const auto source = ostraka::detail::SourcePathOf(text)) fwResponsible = frameworkOfSource(*source);
+    if (const auto source = ostraka::detail::SourcePathOf(text)) fwResponsible = FrameworkOfSource(*source);
 }
 
+// Volatile, as the compiler drops other stores to an object that ends.
 Call::~Call() {
-    fwResponsible = nullptr;
-    call = nullptr;
+    for (const char** field : {&fwResponsible, &call}) *const_cast<const char* volatile*>(field) = nullptr;
 }
 
 void Call::SetWsOfRun(const char* workspace) {
-    heldWorkspace = workspace != nullptr ? copyOf(workspace) : nullptr;
+    heldWorkspace = workspace != nullptr ? CopyOf(workspace) : nullptr;
     wsOfRun = heldWorkspace.get();
 }
 
@@ -109,5 +118,14 @@ int Call::HasString(const char* prefix) const {
 }
 
 char* Call::GetShortCall() const {
-    return copyOf(ostraka::detail::ShortCallOf(call)).release();
+    return CopyOf(ostraka::detail::ShortCallOf(call)).release();
+}
+
+CallParts Call::GetParts() const {
+    CallParts parts{ostraka::detail::ShortCallOf(call), {}, 0};
+    if (const auto source = ostraka::detail::SourcePathOf(call)) {
+        parts.path = *source;
+        parts.line = LineBehind(*source);
+    }
+    return parts;
 }

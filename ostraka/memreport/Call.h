@@ -16,12 +16,20 @@
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TAIndex.h>
 #include <ostraka/foundation/TypedLists.h>
+#include <string_view>
 
 class Call;
 
 // An index whose values are `Call*`.
 using TAIndexCall = TAIndex;
 using NUBListPtrCall = ostraka::detail::PointerList<Call>;
+
+// What a frame line says, as views of it.
+struct CallParts {
+    std::string_view function; // the short call
+    std::string_view path;     // of the source, empty without one
+    int line = 0;              // the number behind the path and its ":", 0 when there is none
+};
 
 class OSTRAKA_EXPORT Call {
 public:
@@ -37,6 +45,7 @@ public:
     Call(const char* text, TAIndexCall* index);
     Call(const Call&) = default;
     Call& operator=(const Call&) = default;
+    // Leaves both fields null.
     ~Call();
 
     // Keeps a copy, which lasts until the next one; null keeps null.
@@ -56,4 +65,6 @@ public:
     int HasString(const char* prefix) const;
     // A copy of the short call, for `free`.
     char* GetShortCall() const;
+    // Good as long as the line.
+    CallParts GetParts() const;
 };

@@ -19,19 +19,21 @@ struct Key {
     Key(Call* const* calls, int n) { ConvertStackFromCharToBit(words, calls, n); }
 };
 
-bool holds(const TAIndex* table, std::string_view text) {
+bool Holds(const TAIndex* table, std::string_view text) {
     if (table == nullptr || table->size == 0) return false;
     return table->IsIn(text.data(), static_cast<int>(text.size())) >= 0;
 }
 
-// Whom a call charges, or null.
-const char* chargedBy(const Call& call, const TAIndex* ignoredResponsibles, const TAIndex* ignoredCalls) {
-    if (call.GetFwResponsible() == nullptr) return nullptr;
+bool IsIgnoredCall(const Call& call, const TAIndex* ignoredCalls) {
+    return ignoredCalls != nullptr && ignoredCalls->size > 0 &&
+           Holds(ignoredCalls, ostraka::detail::ShortCallOf(call.GetCall()));
+}
+
+// Why a call can't be charged, leaving its text aside; else `Charged`.
+CallCharge ChargeOfFramework(const Call& call, const TAIndex* ignoredResponsibles) {
     const char* responsible = call.GetResponsible();
-    if (responsible == nullptr || holds(ignoredResponsibles, responsible)) return nullptr;
-    const bool skipped = ignoredCalls != nullptr && ignoredCalls->size > 0 &&
-                         holds(ignoredCalls, ostraka::detail::ShortCallOf(call.GetCall()));
-    return skipped ? nullptr : call.GetFwResponsible();
+    if (responsible == nullptr) return CallCharge::NoFramework;
+    return Holds(ignoredResponsibles, responsible) ? CallCharge::IgnoredResponsible : CallCharge::Charged;
 }
 
 } // namespace
@@ -53,49 +55,56 @@ int Stack::globalId = 0;
 Stack::Stack(const char* text, Call* const* callsGiven, int n, TAIndexStack* index,
              TAIndex* ignoredResponsibles, TAIndex* ignoredCalls, NUBListValNUBString* jumpStrings,
              int start) {
-    takeCalls(callsGiven, n);
+    TakeCalls(callsGiven, n);
     const int before = index->size;
     stack = index->Append(text, this, 0);
-    takeId(index->size > before ? this : (*index)[text]);
+    index->size > before ? TakeNewId() : TakeIdOf((*index)[text]);
     BuildResponsible(ignoredResponsibles, ignoredCalls, jumpStrings, start);
 }
 
 Stack::Stack(const char*, Call* const* callsGiven, int n, TAIndexBStack* index, TAIndex* ignoredResponsibles,
              TAIndex* ignoredCalls, NUBListValNUBString* jumpStrings, int start) {
-    takeCalls(callsGiven, n);
+    TakeCalls(callsGiven, n);
     const Key key(calls, size);
     // Read after the search for the key, which is long enough for them to arrive.
     for (int i = 0; i < std::min(size, 2); ++i) __builtin_prefetch(calls[i]->GetCall());
     void* named = this;
+    const int before = index->size;
     bitStack = static_cast<const int*>(index->AppendOrGet(key.words, named));
-    takeId(named);
+    index->size > before ? TakeNewId() : TakeIdOf(named);
     BuildResponsible(ignoredResponsibles, ignoredCalls, jumpStrings, start);
 }
 
-void Stack::takeCalls(Call* const* callsGiven, int n) {
+void Stack::TakeCalls(Call* const* callsGiven, int n) {
     size = std::clamp(n, 0, most);
     toExtend = std::max(n, 0);
     std::copy_n(callsGiven, size, calls);
 }
 
-void Stack::takeId(const void* named) {
-    if (named == this)
-        id = ++globalId;
-    else if (named != nullptr)
-        id = static_cast<const Stack*>(named)->id;
+void Stack::TakeIdOf(const void* named) {
+    if (named != nullptr) id = static_cast<const Stack*>(named)->id;
 }
 
-// A call that has been found settles the matter, so that the search ends there.
+// A call that has been found settles the matter, so that the search ends there. Its text, whose search costs
+// most, is looked at last.
 int Stack::BuildResponsible(const TAIndex* ignoredResponsibles, const TAIndex* ignoredCalls,
                             const NUBListValNUBString*, int start) {
     const int first = std::max(start, 0);
     for (int i = first; i < size; ++i) {
-        const char* framework = chargedBy(*calls[i], ignoredResponsibles, ignoredCalls);
-        if (framework == nullptr) continue;
-        fwResponsible = framework;
+        if (ChargeOfFramework(*calls[i], ignoredResponsibles) != CallCharge::Charged ||
+            IsIgnoredCall(*calls[i], ignoredCalls))
+            continue;
+        fwResponsible = calls[i]->GetFwResponsible();
+        chargedCall = i;
         return 0;
     }
     return first <= size && fwResponsible == nullptr;
+}
+
+CallCharge Stack::ChargeOf(int i, const TAIndex* ignoredResponsibles, const TAIndex* ignoredCalls) const {
+    if (IsIgnoredCall(*calls[i], ignoredCalls)) return CallCharge::IgnoredCall;
+    const CallCharge charge = ChargeOfFramework(*calls[i], ignoredResponsibles);
+    return charge == CallCharge::Charged && i != chargedCall ? CallCharge::Behind : charge;
 }
 
 int Stack::Resize(int first, int last, TAIndexB* index, TAIndex* ignoredResponsibles, TAIndex* ignoredCalls,
@@ -104,6 +113,7 @@ int Stack::Resize(int first, int last, TAIndexB* index, TAIndex* ignoredResponsi
     const Key former(calls, size);
     size = last - first + 1;
     std::copy_n(calls + first, size, calls);
+    chargedCall = -1;
     const Key present(calls, size);
 
     const int position = index->IsIn(former.words);

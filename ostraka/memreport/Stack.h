@@ -29,6 +29,15 @@ OSTRAKA_EXPORT int ConvertStackFromCharToBit(std::intptr_t* key, Call* const* ca
 // `key` is the address of 20 words as above.
 OSTRAKA_EXPORT int ConvertStackFromCharToBit(int* key, Call* const* calls, int n);
 
+// What a call has to do with who is charged for its stack.
+enum class CallCharge {
+    Charged,            // it decided
+    IgnoredCall,        // its short text is in the table of ignored calls
+    IgnoredResponsible, // its responsible is in the table of those
+    NoFramework,        // nobody is responsible for it
+    Behind,             // it would be charged, but another one decided
+};
+
 class OSTRAKA_EXPORT Stack {
 public:
     const char* fwResponsible = nullptr; // null when nobody is charged
@@ -41,13 +50,15 @@ public:
     int histo = 1;        // occurrences, counted by the callers
     int entranceDate = 0; // for the callers
     Call* calls[20] = {};
+    int chargedCall = -1; // position of the call that `fwResponsible` comes from, -1 while there is none
 
     // The highest id so far. The first stack of a process has 1.
     static int globalId;
 
     // Enter the stack under `text`, respectively under its calls, and find whom to charge. The index goes on
-    // naming an earlier stack of that key, which shares its id; otherwise the id is new. Of more than 20
-    // calls the first 20 are kept. The two ignore tables and `start` are those of `BuildResponsible`.
+    // naming an earlier stack of that key, from which the id is read, so that it has to be there still;
+    // otherwise the id is new. Of more than 20 calls the first 20 are kept. The two ignore tables and `start`
+    // are those of `BuildResponsible`.
     Stack(const char* text, Call* const* calls, int n, TAIndexStack* index, TAIndex* ignoredResponsibles,
           TAIndex* ignoredCalls, NUBListValNUBString* jumpStrings, int start);
     Stack(const char* text, Call* const* calls, int n, TAIndexBStack* index, TAIndex* ignoredResponsibles,
@@ -60,6 +71,9 @@ public:
     // behind the stack.
     int BuildResponsible(const TAIndex* ignoredResponsibles, const TAIndex* ignoredCalls,
                          const NUBListValNUBString* jumpStrings, int start);
+
+    // Why the call at position `i` from 0 is charged or not, by the tables that the framework was found with.
+    CallCharge ChargeOf(int i, const TAIndex* ignoredResponsibles, const TAIndex* ignoredCalls) const;
 
     // Cuts a stack keyed by its calls down to those at `first` to `last`, both included, and enters it anew
     // in `index`, where it has to be: FATAL otherwise. The entry under its former key goes, whoever it names.
@@ -99,7 +113,9 @@ public:
     }
 
 private:
-    void takeCalls(Call* const* callsGiven, int n);
-    // By the stack that the index names, which may be this one.
-    void takeId(const void* named);
+    void TakeCalls(Call* const* callsGiven, int n);
+    // The next one, for a key that is new in the index.
+    void TakeNewId() { id = ++globalId; }
+    // That of the stack which the index names for the key, or none for null.
+    void TakeIdOf(const void* named);
 };

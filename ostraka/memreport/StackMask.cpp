@@ -18,28 +18,28 @@ namespace {
 
 constexpr int most = 20;
 
-char* copyOf(std::string_view text) {
+char* CopyOf(std::string_view text) {
     char* copy = new char[text.size() + 1];
     copy[text.copy(copy, text.size())] = '\0';
     return copy;
 }
 
 // Behind the first occurrence of `what`, or null. `memmem` stays linear on texts made to repeat themselves.
-const char* behind(std::string_view what, std::string_view text) {
+const char* Behind(std::string_view what, std::string_view text) {
     const void* found = memmem(text.data(), text.size(), what.data(), what.size());
     return found != nullptr ? static_cast<const char*>(found) + what.size() : nullptr;
 }
 
 // Whether `text` matches "@" and `pattern`.
-bool fitsBehindStar(std::string_view pattern, std::string_view text) {
+bool FitsBehindStar(std::string_view pattern, std::string_view text) {
     const char* const end = text.data() + text.size();
     for (auto star = pattern.find('@'); star != std::string_view::npos; star = pattern.find('@')) {
-        const char* rest = behind(pattern.substr(0, star), text);
+        const char* rest = Behind(pattern.substr(0, star), text);
         if (rest == nullptr) return false;
         text = {rest, end};
         pattern.remove_prefix(star + 1);
     }
-    return pattern.empty() || behind(pattern, text) == end;
+    return pattern.empty() || Behind(pattern, text) == end;
 }
 
 // The elements behind a star, up to the next star or the end of the mask.
@@ -48,32 +48,33 @@ struct Piece {
     int length;
     bool isDouble; // the star before it
     int last;      // the last place where this piece and all that follow match, -1 if there is none
+    int place;     // where it has been matched
 
-    bool takesLast() const { return isDouble && length > 0; }
+    bool TakesLast() const { return isDouble && length > 0; }
 };
 
 struct Pieces {
     Piece all[most];
     int count = 0;
 
-    int firstDouble() const {
-        const Piece* found = std::find_if(all, all + count, std::mem_fn(&Piece::takesLast));
+    int FirstDouble() const {
+        const Piece* found = std::find_if(all, all + count, std::mem_fn(&Piece::TakesLast));
         return static_cast<int>(found - all);
     }
 };
 
-int nextStar(const StackMask& mask, int star) {
+int NextStar(const StackMask& mask, int star) {
     const int next = mask.HasAStar(star + 1);
     const int nextDouble = mask.HasADoubleStar(star + 1);
     return nextDouble > star + 1 && nextDouble < next ? nextDouble : next;
 }
 
-Pieces piecesFrom(const StackMask& mask, int star) {
+Pieces PiecesFrom(const StackMask& mask, int star) {
     Pieces pieces;
     while (star >= 0) {
-        const int next = nextStar(mask, star);
+        const int next = NextStar(mask, star);
         const int past = next >= 0 ? next : mask.size;
-        pieces.all[pieces.count++] = {star + 1, past - star - 1, mask.maskCalls[star][1] == '@', -1};
+        pieces.all[pieces.count++] = {star + 1, past - star - 1, mask.maskCalls[star][1] == '@', -1, -1};
         star = next;
     }
     return pieces;
@@ -85,39 +86,40 @@ public:
     Match(const StackMask& ownMask, Call* const* ownCalls, int size)
         : mask(ownMask), calls(ownCalls), n(size) {}
 
-    bool isAt(const Piece& piece, int place) const {
+    bool IsAt(const Piece& piece, int place) const {
         return mask.AreEqual(piece.begin, piece.length, calls, place, n) == 1;
     }
 
     // A piece without elements is at every place.
-    int firstPlace(const Piece& piece, int from) const {
+    int FirstPlace(const Piece& piece, int from) const {
         if (piece.length == 0) return from;
         for (int place = from; place <= n - piece.length; ++place)
-            if (isAt(piece, place)) return place;
+            if (IsAt(piece, place)) return place;
         return -1;
     }
 
     // With its end at `limit` or before.
-    int lastPlace(const Piece& piece, int from, int limit) const {
+    int LastPlace(const Piece& piece, int from, int limit) const {
         if (piece.length == 0) return limit;
         int place = std::min(n, limit) - piece.length;
-        while (place >= from && !isAt(piece, place)) --place;
+        while (place >= from && !IsAt(piece, place)) --place;
         return place >= from ? place : -1;
     }
 
-    // The position behind the last piece when they are matched from `from` on, or -1.
-    int run(Pieces& pieces, int from) const {
-        const int firstDouble = pieces.firstDouble();
+    // The position behind the last piece when they are matched from `from` on, or -1. Each piece then knows
+    // its place.
+    int Run(Pieces& pieces, int from) const {
+        const int firstDouble = pieces.FirstDouble();
         int limit = INT_MAX;
         for (int i = pieces.count - 1; i >= firstDouble; --i)
-            limit = pieces.all[i].last = lastPlace(pieces.all[i], from, limit);
+            limit = pieces.all[i].last = LastPlace(pieces.all[i], from, limit);
 
         for (int i = 0; i < pieces.count; ++i) {
-            const Piece& piece = pieces.all[i];
+            Piece& piece = pieces.all[i];
             if (i >= firstDouble && piece.last < from) return -1;
-            const int place = piece.takesLast() ? piece.last : firstPlace(piece, from);
-            if (place < 0) return -1;
-            from = place + piece.length;
+            piece.place = piece.TakesLast() ? piece.last : FirstPlace(piece, from);
+            if (piece.place < 0) return -1;
+            from = piece.place + piece.length;
         }
         return from;
     }
@@ -128,23 +130,60 @@ private:
     int n;
 };
 
+// The elements take one call each.
+void TakeOneEach(int element, int count, int call, CallRange* taken) {
+    for (int i = 0; i < count; ++i) taken[element + i] = {call + i, call + i + 1};
+}
+
+void TakePieces(const Pieces& pieces, int from, CallRange* taken) {
+    for (int i = 0; i < pieces.count; ++i) {
+        const Piece& piece = pieces.all[i];
+        taken[piece.begin - 1] = {from, piece.place};
+        TakeOneEach(piece.begin, piece.length, piece.place, taken);
+        from = piece.place + piece.length;
+    }
+}
+
+// The last elements of a mask, and the call where they begin.
+struct Rest {
+    int begin;
+    int length;
+    int call;
+};
+
+// `taken` may be null.
+int Analyse(const StackMask& mask, Rest rest, Call* const* calls, int n, CallRange* taken) {
+    if (rest.length < 1 || rest.length != mask.size - rest.begin || rest.call < 0) return -1;
+    const int single = mask.HasAStar(rest.begin);
+    const int twofold = mask.HasADoubleStar(rest.begin);
+    const int star = twofold >= 0 && (single < 0 || twofold < single) ? twofold : single;
+    const int before = (star >= 0 ? star : mask.size) - rest.begin;
+    if (before > 0 && mask.AreEqual(rest.begin, before, calls, rest.call, n) != 1) return -1;
+    Pieces pieces = PiecesFrom(mask, star);
+    const int past = Match(mask, calls, n).Run(pieces, rest.call + before);
+    if (taken == nullptr || past < 0) return past;
+    TakeOneEach(rest.begin, before, rest.call, taken);
+    TakePieces(pieces, rest.call + before, taken);
+    return past;
+}
+
 } // namespace
 
 int strMatch(const char* pattern, const char* text) {
     const char* star = std::strchr(pattern, '@');
     if (star == nullptr) return std::strcmp(pattern, text) == 0;
     const std::size_t before = static_cast<std::size_t>(star - pattern);
-    return std::strncmp(pattern, text, before) == 0 && fitsBehindStar(star + 1, text + before);
+    return std::strncmp(pattern, text, before) == 0 && FitsBehindStar(star + 1, text + before);
 }
 
 [[gnu::init_priority(101)]] TAIndex StackMask::_typeIndex;
 
 StackMask::StackMask(const char* mask, const char* maskType)
-    : stackMask(copyOf(mask)), type(maskType != nullptr ? _typeIndex.Append(maskType, nullptr, 0) : nullptr) {
+    : stackMask(CopyOf(mask)), type(maskType != nullptr ? _typeIndex.Append(maskType, nullptr, 0) : nullptr) {
     const std::string_view text(mask);
     const auto elements = std::count(text.begin(), text.end(), '!') + 1;
     if (elements > most) return;
-    char* rest = copyOf(text);
+    char* rest = CopyOf(text);
     for (size = 0; rest != nullptr; ++size) {
         maskCalls[size] = rest;
         rest = std::strchr(rest, '!');
@@ -159,6 +198,10 @@ StackMask::~StackMask() {
 
 int StackMask::MatchMask(Call* const* calls, int n) const {
     return StackAnalyse(0, size, calls, 0, n);
+}
+
+int StackMask::MatchMask(Call* const* calls, int n, CallRange* taken) const {
+    return Analyse(*this, {0, size, 0}, calls, n, taken);
 }
 
 int StackMask::HasAStar(int from) const {
@@ -192,12 +235,5 @@ int StackMask::FindListOfEqual(int maskPos, int length, Call* const* calls, int 
 }
 
 int StackMask::StackAnalyse(int maskPos, int length, Call* const* calls, int callPos, int n) const {
-    if (length < 1 || length != size - maskPos || callPos < 0) return -1;
-    const int single = HasAStar(maskPos);
-    const int twofold = HasADoubleStar(maskPos);
-    const int star = twofold >= 0 && (single < 0 || twofold < single) ? twofold : single;
-    const int before = (star >= 0 ? star : size) - maskPos;
-    if (before > 0 && AreEqual(maskPos, before, calls, callPos, n) != 1) return -1;
-    Pieces pieces = piecesFrom(*this, star);
-    return Match(*this, calls, n).run(pieces, callPos + before);
+    return Analyse(*this, {maskPos, length, callPos}, calls, n, nullptr);
 }

@@ -29,6 +29,12 @@ using NUBListPtrStackMask = ostraka::detail::PointerList<StackMask>;
 // what came before, without going back: "@b" doesn't match "bb", though it matches "ab". Linear in both.
 OSTRAKA_EXPORT int strMatch(const char* pattern, const char* text);
 
+// Calls of a stack, from 0: those from `begin` up to but not including `past`.
+struct CallRange {
+    int begin = 0;
+    int past = 0;
+};
+
 class OSTRAKA_EXPORT StackMask {
 public:
     char* maskCalls[20] = {}; // the elements, in one copy of the mask
@@ -48,6 +54,10 @@ public:
     // The position behind the last call that the mask takes of the stack of `n` calls, so 0 for a match that
     // takes none; or -1. Costs at most two tries of each element on each call.
     int MatchMask(Call* const* calls, int n) const;
+    // The same; of a match each of the `Size()` entries at `taken` tells the calls that its element took.
+    // Those of a star that takes none are empty, at the place of the next call. Otherwise `taken` is left
+    // alone.
+    int MatchMask(Call* const* calls, int n, CallRange* taken) const;
 
     int Size() const { return size; }
     char* GetStackMask() const { return stackMask; }

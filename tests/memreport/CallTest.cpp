@@ -1,9 +1,11 @@
 #include <ostraka/memreport/Call.h>
 #include <ostraka/memreport/TAPIndexContainer.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
+#include <new>
 #include <string>
 
 namespace {
@@ -41,6 +43,34 @@ TEST(CallTest, ReadsTheLine) {
         EXPECT_TRUE(call.GetCall() == row.line && shortCall.get() == row.shortCall) << row.line.substr(0, 50);
         EXPECT_TRUE(textOf(call.GetFwResponsible()) == row.framework) << row.line.substr(0, 50);
     }
+}
+
+TEST(CallTest, TellsItsParts) {
+    const struct {
+        const char *line, *function, *path;
+        int number;
+    } rows[] = {{"f(int) [/w/F/M.m/src/a.cpp:12:3]", "f(int)", "/w/F/M.m/src/a.cpp", 12},
+                {"f [/w/F/M.m/src/a.cpp] more", "f", "/w/F/M.m/src/a.cpp", 0},
+                {"f [/w/a.cpp:]", "f", "/w/a.cpp", 0},
+                {"f [/w/a.cpp:x1]", "f", "/w/a.cpp", 0},
+                {"f [/w/a.cpp:-1]", "f", "/w/a.cpp", 0},
+                {"f [/w/a.cpp:99999999999]", "f", "/w/a.cpp", 0},
+                {"f [libc.so]", "f", "", 0},
+                {" f ", " f ", "", 0}};
+    TAIndexCall index;
+    for (const auto& row : rows) {
+        const Call call(row.line, &index);
+        const CallParts parts = call.GetParts();
+        EXPECT_TRUE(parts.function == row.function && parts.path == row.path && parts.line == row.number)
+            << row.line;
+    }
+}
+
+TEST(CallTest, LeavesItsFieldsNull) {
+    TAIndexCall index;
+    alignas(Call) unsigned char place[sizeof(Call)];
+    (new (place) Call("f [/w/F/M.m/src/a.cpp:1]", &index))->~Call();
+    EXPECT_EQ(std::count(place, place + sizeof place, 0), static_cast<int>(sizeof place));
 }
 
 TEST(CallTest, SharesTextsAndSources) {

@@ -47,6 +47,21 @@ std::vector<Call*> callsOf(const std::string& letters) {
     return calls;
 }
 
+// That the elements took the calls up to `past` in order: stars any number, all others one call that they
+// match.
+void expectTaken(const StackMask& mask, const std::vector<CallRange>& taken, Call* const* calls, int past) {
+    int next = 0;
+    for (int i = 0; i < mask.Size(); ++i) {
+        const auto [begin, end] = taken[static_cast<std::size_t>(i)];
+        const int size = end - begin;
+        EXPECT_TRUE(begin == next && size >= 0) << mask.GetStackMask() << " " << i;
+        const bool fits = size == 1 && mask.AreEqual(i, 1, calls, begin, past) == 1;
+        EXPECT_TRUE(fits || *mask.GetMaskCall(i) == '@') << mask.GetStackMask() << " " << i;
+        next = end;
+    }
+    EXPECT_EQ(next, past);
+}
+
 // In turn: masks without two stars; single stars, whose first place is final; double stars, which try their
 // places from the last on; double stars that are one call since no single one follows or they stand directly
 // behind a star; stars side by side; as many elements as there can be, and one more.
@@ -63,9 +78,13 @@ TEST(MaskTest, MatchesStacks) {
     while (rows.next()) {
         const auto calls = callsOf(rows.matched);
         const StackMask mask(rows.pattern.c_str(), nullptr);
-        EXPECT_EQ(mask.MatchMask(calls.data(), static_cast<int>(calls.size())), rows.result)
-            << rows.pattern << " " << rows.matched;
+        const int size = static_cast<int>(calls.size());
+        EXPECT_EQ(mask.MatchMask(calls.data(), size), rows.result) << rows.pattern << " " << rows.matched;
         EXPECT_EQ(mask.GetStackMask(), rows.pattern);
+        std::vector<CallRange> taken(static_cast<std::size_t>(mask.Size()), {-1, -1});
+        EXPECT_EQ(mask.MatchMask(calls.data(), size, taken.data()), rows.result);
+        if (rows.result >= 0) expectTaken(mask, taken, calls.data(), rows.result);
+        EXPECT_TRUE(rows.result >= 0 || taken.empty() || taken[0].past == -1) << rows.pattern;
     }
 }
 

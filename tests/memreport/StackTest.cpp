@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <deque>
 #include <gtest/gtest.h>
+#include <new>
 #include <string>
 #include <vector>
 
@@ -59,6 +60,16 @@ TEST_F(StackTest, EqualStacksShareKeyAndId) {
     ConvertStackFromCharToBit(reinterpret_cast<int*>(words), callsOf("XYZ").data(), 3);
     EXPECT_EQ(index[words], &first);
 
+    // A stack where one was before that is gone is none of a new key.
+    alignas(Stack) unsigned char place[sizeof(Stack)];
+    for (int i = 0; i < 2; ++i) {
+        auto* stack =
+            new (place) Stack(nullptr, callsOf("Q").data(), 1, &index, nullptr, nullptr, nullptr, 0);
+        EXPECT_EQ(stack->GetId(), i == 0 ? 45 : 0);
+        stack->~Stack();
+    }
+    EXPECT_EQ(Stack::globalId, 45);
+
     TAIndexStack byText;
     Stack named("any text", callsOf("XY").data(), 2, &byText, nullptr, nullptr, nullptr, 0);
     EXPECT_STREQ(named.GetStack(), "any text");
@@ -84,19 +95,25 @@ TEST_F(StackTest, ChargesTheFirstCallThatCounts) {
     TAPIndexContainer::respForFwIndex.Append("B", "bob", 0);
     TAPIndexContainer::respForFwIndex.Append("N", nullptr, 0);
     ignoredResponsibles.Append("bob", nullptr, 0);
-    ignoredCalls.Append("c", nullptr, 0);
+    for (const char* call : {"c", "C"}) ignoredCalls.Append(call, nullptr, 0);
     const struct {
         const char* letters;
         int start;
         const char* framework;
         int result;
-    } rows[] = {{"XbaY", -5, "A", 0}, {"Xcca", 0, "A", 0}, {"aXd", 1, "D", 0}, {"aX", 2, "", 1},
-                {"aX", 3, "", 0},     {"", 0, "", 1},      {"Nna", 0, "A", 0}, {"bXc", 0, "", 1}};
+        const char* charges; // of each call: charged, behind or why not
+    } rows[] = {{"XbaY", -5, "A", 0, "nr+n"}, {"Xccae", 0, "A", 0, "ncc+-"}, {"aXdd", 1, "D", 0, "-n+-"},
+                {"aX", 2, "", 1, "-n"},       {"aX", 3, "", 0, "-n"},        {"", 0, "", 1, ""},
+                {"Nna", 0, "A", 0, "nn+"},    {"bXc", 0, "", 1, "rnc"},      {"cCb", 0, "", 1, "ccr"}};
     for (const auto& row : rows) {
         Stack& stack = make(row.letters, row.start);
         EXPECT_EQ(chargedBy(stack), row.framework) << row.letters;
         EXPECT_EQ(stack.BuildResponsible(&ignoredResponsibles, &ignoredCalls, nullptr, row.start),
                   row.result);
+        std::string charges;
+        for (int i = 0; i < stack.GetSize(); ++i)
+            charges += "+crn-"[static_cast<int>(stack.ChargeOf(i, &ignoredResponsibles, &ignoredCalls))];
+        EXPECT_EQ(charges, row.charges) << row.letters;
     }
     const Stack& stack = make("XbdX");
     EXPECT_STREQ(stack.GetResponsible(), ".");
@@ -112,15 +129,17 @@ TEST_F(StackTest, Resizes) {
     const struct {
         int first, last, result;
         const char *letters, *framework;
-    } rows[] = {{2, 4, 0, "cXY", "C"},   {0, 5, 0, "aXcXYZ", "A"},  {3, 5, 0, "XYZ", "A"},
-                {5, 4, 0, "", "A"},      {-1, 2, 1, "aXcXYZ", "A"}, {0, 6, 1, "aXcXYZ", "A"},
-                {4, 2, 1, "aXcXYZ", "A"}};
+        int charged;
+    } rows[] = {{2, 4, 0, "cXY", "C", 0},    {0, 5, 0, "aXcXYZ", "A", 0}, {3, 5, 0, "XYZ", "A", -1},
+                {1, 3, 0, "XcX", "C", 1},    {5, 4, 0, "", "A", -1},      {-1, 2, 1, "aXcXYZ", "A", 0},
+                {0, 6, 1, "aXcXYZ", "A", 0}, {4, 2, 1, "aXcXYZ", "A", 0}};
     for (const auto& row : rows) {
         index.Reset();
         Stack& stack = make("aXcXYZ");
         EXPECT_EQ(stack.Resize(row.first, row.last, &index, nullptr, nullptr, nullptr), row.result);
         EXPECT_EQ(lettersOf(stack), row.letters);
         EXPECT_EQ(chargedBy(stack), row.framework) << row.letters;
+        EXPECT_EQ(stack.chargedCall, row.charged) << row.letters;
         EXPECT_TRUE(index.size == 1 && index[stack.bitStack] == &stack && stack.GetToExtend() == 6);
     }
     // The part is a stack that is there already.

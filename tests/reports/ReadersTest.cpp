@@ -139,14 +139,29 @@ TEST(Readers, TellTheBracketOfTheSource) {
                              "3]) ["},
         {"operator new[]@", "operator new\x7f]@"},
         {"@ [/w/[x]/@]", "@ [/w/[x]/@]"},
-        {"f[a.cpp:1]", "f[a.cpp:1]"},
-        {" f[b:c] ", "f\x7f"
-                     "b:c]"},
+        {"f[a.cpp:1]", "f[\x7f/a.cpp:1]"},
+        {"f [@/a.cpp:1]", "f [@/a.cpp:1]"},
+        {"f[b:c]", "f\x7f"
+                   "b:c]"},
     };
-    for (const auto& [written, text] : rows) EXPECT_EQ(CallText(written), text);
-    EXPECT_EQ(ShownCall(rows[0].second), rows[0].first);
-    const std::string hostile = Repeated("x[a/b:", 200000) + "]";
-    EXPECT_EQ(CallText(hostile).size(), hostile.size());
+    std::string mask, maskText;
+    for (const auto& [written, text] : rows) {
+        EXPECT_EQ(CallText(written), text);
+        mask += std::string("!") + written;
+        maskText += std::string("!") + text;
+    }
+    EXPECT_EQ(MaskText(mask), maskText);
+    EXPECT_EQ(ShownCall(maskText), mask);
+    EXPECT_EQ(MaskText(" a ! "), "a!");
+    for (const auto& [a, b] :
+         {std::pair("f [../a", "f [/a"), {"f [/a", "f [a"}, {"f [a", "f [b"}, {"f", "f [a"}}) {
+        const std::string left = CallText(a), right = CallText(b);
+        EXPECT_LT(CompareCallTexts(left.c_str(), right.c_str()), 0) << a;
+        EXPECT_GT(CompareCallTexts(right.c_str(), left.c_str()), 0) << a;
+        EXPECT_EQ(CompareCallTexts(left.c_str(), left.c_str()), 0) << a;
+    }
+    const std::string hostile = "/" + Repeated("x[a/b:", 200000) + "]";
+    EXPECT_EQ(ShownCall(CallText(hostile)), hostile);
 }
 
 } // namespace

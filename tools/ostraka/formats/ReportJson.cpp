@@ -1,6 +1,5 @@
 #include "formats/ReportJson.h"
 
-#include <answers/reports/MaskTrace.h>
 #include <fmt/format.h>
 
 #include "formats/Text.h"
@@ -14,7 +13,7 @@ std::string Printed(const Json& json) {
 Json CallsJson(Stack& stack) {
     Json calls = Json::array();
     for (int i = 0; i < stack.GetSize(); ++i) {
-        const reports::CallParts parts = reports::PartsOf(*stack.GetCall(i));
+        const reports::ShownParts parts = reports::PartsOf(*stack.GetCall(i));
         Json& call = calls.emplace_back(Json{{"function", parts.function}});
         if (!parts.path.empty()) call["file"] = parts.path;
         if (parts.line > 0) call["line"] = parts.line;
@@ -27,7 +26,7 @@ Json MaskJson(const StackMask& mask, Stack& stack) {
     if (mask.GetType()) json["type"] = mask.GetType();
     json["mask"] = reports::ShownCall(mask.GetStackMask());
     json["took"] = Json::array();
-    for (const reports::Taken& taken : reports::TraceMask(mask, stack.calls, stack.GetSize()))
+    for (const CallRange& taken : reports::TakenBy(mask, stack))
         json["took"].push_back({taken.begin + 1, taken.past});
     return json;
 }

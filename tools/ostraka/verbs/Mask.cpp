@@ -4,7 +4,6 @@
 #include <iterator>
 #include <memory>
 
-#include <answers/reports/MaskTrace.h>
 #include <fmt/format.h>
 
 #include "cli/Options.h"
@@ -18,7 +17,6 @@ namespace ostraka::tool {
 namespace {
 
 using reports::StackGroup;
-using reports::Taken;
 
 constexpr std::size_t elementWidth = 30;
 
@@ -56,8 +54,8 @@ void Count(const std::vector<StackGroup>& groups, std::vector<MaskUse>& uses) {
 }
 
 // The element that took the call, from 0, or -1.
-int ElementOf(const std::vector<Taken>& taken, int call) {
-    const auto found = std::find_if(taken.begin(), taken.end(), [=](const Taken& range) {
+int ElementOf(const std::vector<CallRange>& taken, int call) {
+    const auto found = std::find_if(taken.begin(), taken.end(), [=](const CallRange& range) {
         return range.begin <= call && call < range.past;
     });
     return found == taken.end() ? -1 : static_cast<int>(found - taken.begin());
@@ -66,12 +64,12 @@ int ElementOf(const std::vector<Taken>& taken, int call) {
 void AppendStack(std::string& out, const Request& request, const StackMask& mask, const StackGroup& group,
                  const std::string& report) {
     Stack& stack = *group.Calls();
-    const std::vector<Taken> taken = reports::TraceMask(mask, stack.calls, stack.GetSize());
+    const std::vector<CallRange> taken = reports::TakenBy(mask, stack);
     std::string path;
     AppendOneLine(path, ShownPath(report));
     out += fmt::format("{}: {} in {}, {} of {} calls taken\n", PlaceText(request, path, {group.line, 1}),
                        Colored(request, colorError, group.error->GetType()), Counted(group.records, "record"),
-                       mask.MatchMask(stack.calls, stack.GetSize()), stack.GetSize());
+                       taken.back().past, stack.GetSize());
     for (int i = 0; i < stack.GetSize(); ++i) {
         const int element = ElementOf(taken, i);
         std::string shown;

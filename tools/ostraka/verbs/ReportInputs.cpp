@@ -68,7 +68,7 @@ void LoadFilters(const ReportRequest& request, Run& run) {
         return hasType;
     };
     ForEachLine(request.filters, run, check, [&](Side side, const std::string& line) {
-        entries[static_cast<int>(side)].Append(NUBString(reports::CallText(line).c_str()));
+        entries[static_cast<int>(side)].Append(NUBString(reports::MaskText(line).c_str()));
     });
     TAPIndexContainer::SetErrorCallStackFilter(entries[static_cast<int>(Side::Errors)]);
     TAPIndexContainer::SetLeaksCallStackFilter(entries[static_cast<int>(Side::Leaks)]);
@@ -160,7 +160,7 @@ OwnerLists LoadOwners(Run& run) {
 }
 
 std::unique_ptr<StackMask> MakeMask(const std::string& written, const std::string& path, Run& run) {
-    const NUBString text(reports::CallText(written).c_str());
+    const NUBString text(reports::MaskText(written).c_str());
     NUBListValNUBString parts;
     const bool typed = Split(text, parts, "@@@") == 2;
     auto mask = std::make_unique<StackMask>(typed ? parts[2].CastToCharPtr() : text.CastToCharPtr(),
@@ -184,7 +184,7 @@ void LoadTables(Run& run, ReportModel& model) {
     };
     ForEachLine(report.cuts, run, checkMask, [&](Side side, const std::string& line) {
         model.Tables(side).cuts.push_back(
-            std::make_unique<StackMask>(reports::CallText(line).c_str(), nullptr));
+            std::make_unique<StackMask>(reports::MaskText(line).c_str(), nullptr));
     });
     LoadFilters(report, run);
     if (report.depth > 0) model.LimitDepth(report.depth);

@@ -23,7 +23,7 @@ using reports::StackGroup;
 int CompareCalls(Stack& a, Stack& b) {
     for (int i = 0; i < std::min(a.GetSize(), b.GetSize()); ++i) {
         if (a.GetCall(i) == b.GetCall(i)) continue;
-        return std::strcmp(a.GetCall(i)->GetCall(), b.GetCall(i)->GetCall());
+        return reports::CompareCallTexts(a.GetCall(i)->GetCall(), b.GetCall(i)->GetCall());
     }
     return a.GetSize() - b.GetSize();
 }
@@ -134,7 +134,7 @@ const char* NameOf(TotalKey key) {
     return names[static_cast<int>(key)];
 }
 
-const char* NameOf(reports::Charge charge) {
+const char* NameOf(CallCharge charge) {
     constexpr const char* names[] = {"charged", "ignored call", "ignored owner", "no framework", "behind"};
     return names[static_cast<int>(charge)];
 }

@@ -73,16 +73,16 @@ const char* NameOf(TotalKey key);
 // "5 records, 4 stacks, 5224 bytes leaked", and what a baseline and filters say to that.
 std::string SummaryOf(const Triage& triage);
 
-// "/w/FwA/M.m/src/a.cpp:12:1" of the call that is charged, or else of the first that has a source, or else of
-// the report.
+// "/w/FwA/M.m/src/a.cpp:12:1" of the call that is charged, without numbers where its line isn't known; or
+// else of the first call with a line; or else of the report.
 std::string PlaceOf(const Triage& triage, const reports::StackGroup& group,
-                    const std::vector<reports::Charge>& charges);
+                    const std::vector<CallCharge>& charges);
 
 // What is told of a stack besides its calls.
 JsonValue FactsOf(const Triage& triage, const TriageItem& item);
 
 // "charged", "ignored call" and so on.
-const char* NameOf(reports::Charge charge);
+const char* NameOf(CallCharge charge);
 
 void PrintTriageText(const Triage& triage, Console& console);
 void PrintTriageJson(const Triage& triage, Console& console);

@@ -20,7 +20,6 @@ namespace ostraka::tool {
 
 namespace {
 
-using reports::Charge;
 using reports::StackGroup;
 
 struct Weight {
@@ -72,7 +71,7 @@ std::string NameOf(const StackGroup& group, Call& call, const std::vector<TotalK
     return name;
 }
 
-void AddStack(Picture& picture, const StackGroup& group, const std::vector<Charge>& charges,
+void AddStack(Picture& picture, const StackGroup& group, const std::vector<CallCharge>& charges,
               const std::vector<TotalKey>& by) {
     picture.all.Add(group);
     std::vector<std::size_t> road; // from the innermost call on
@@ -82,7 +81,7 @@ void AddStack(Picture& picture, const StackGroup& group, const std::vector<Charg
         const std::string name = NameOf(group, call, by);
         if (name.empty()) continue;
         road.push_back(picture.NodeOf(name));
-        if (charges[i] != Charge::Charged) continue;
+        if (charges[i] != CallCharge::Charged) continue;
         picture.nodes[road.back()].charged.Add(group);
         charged = true;
     }
@@ -146,8 +145,7 @@ std::string DotOf(const Picture& picture, const Triage& triage) {
 void PrintTriageDot(const Triage& triage, Console& console) {
     Picture picture;
     for (const TriageItem& item : triage.items)
-        AddStack(picture, *item.group,
-                 reports::ExplainCharge(*item.group->Calls(), triage.TablesOf(*item.group)),
+        AddStack(picture, *item.group, reports::ChargesOf(*item.group->Calls(), triage.TablesOf(*item.group)),
                  triage.request.report.by);
     console.Out(DotOf(picture, triage));
 }

@@ -13,8 +13,6 @@ namespace ostraka::tool {
 
 namespace {
 
-using reports::Charge;
-
 constexpr std::string_view mark = "@DATA@";
 
 // Inside of a page, where "<" could end the data.
@@ -40,7 +38,7 @@ private:
 };
 
 Json CallJson(Call& call) {
-    const reports::CallParts parts = reports::PartsOf(call);
+    const reports::ShownParts parts = reports::PartsOf(call);
     return parts.path.empty() ? Json::array({parts.function})
                               : Json::array({parts.function, parts.path, parts.line});
 }
@@ -58,7 +56,7 @@ void PrintList(Console& console, const Elements& elements, MakeJson makeJson) {
 
 Json StackJson(const Triage& triage, const TriageItem& item, CallList& calls) {
     Stack& stack = *item.group->Calls();
-    const std::vector<Charge> charges = reports::ExplainCharge(stack, triage.TablesOf(*item.group));
+    const std::vector<CallCharge> charges = reports::ChargesOf(stack, triage.TablesOf(*item.group));
     Json json = FactsOf(triage, item);
     json["place"] = PlaceOf(triage, *item.group, charges);
     json["calls"] = Json::array();
@@ -77,8 +75,8 @@ Json FrameJson(const Triage& triage) {
     std::vector<TotalKey> keys = triage.request.report.by;
     if (keys.empty()) keys = {TotalKey::Owner, TotalKey::Framework};
     for (const TotalKey key : keys) json["by"].push_back(NameOf(key));
-    for (int charge = 0; charge <= static_cast<int>(Charge::Behind); ++charge)
-        json["charges"].push_back(NameOf(static_cast<Charge>(charge)));
+    for (int charge = 0; charge <= static_cast<int>(CallCharge::Behind); ++charge)
+        json["charges"].push_back(NameOf(static_cast<CallCharge>(charge)));
     return json;
 }
 

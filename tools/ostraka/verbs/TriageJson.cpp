@@ -1,4 +1,3 @@
-#include <answers/reports/MaskTrace.h>
 
 #include "formats/ReportJson.h"
 #include "formats/Text.h"
@@ -8,7 +7,6 @@ namespace ostraka::tool {
 
 namespace {
 
-using reports::Charge;
 using reports::StackGroup;
 
 Json TextOrNull(const char* text) {
@@ -26,7 +24,7 @@ Json StackJson(const Triage& triage, const TriageItem& item) {
     Stack& stack = *item.group->Calls();
     Json json = FactsOf(triage, item);
     json["calls"] = CallsJson(stack);
-    const std::vector<Charge> charges = reports::ExplainCharge(stack, triage.TablesOf(*item.group));
+    const std::vector<CallCharge> charges = reports::ChargesOf(stack, triage.TablesOf(*item.group));
     for (std::size_t i = 0; i < charges.size(); ++i) json["calls"][i]["charge"] = NameOf(charges[i]);
     return json;
 }

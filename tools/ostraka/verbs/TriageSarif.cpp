@@ -43,7 +43,7 @@ Json PhysicalLocation(std::string_view path, int line) {
 }
 
 Json LocationOf(Call& call) {
-    const reports::CallParts parts = reports::PartsOf(call);
+    const reports::ShownParts parts = reports::PartsOf(call);
     Json location = Json::object();
     if (!parts.path.empty()) location["physicalLocation"] = PhysicalLocation(parts.path, parts.line);
     location["logicalLocations"] =
@@ -54,11 +54,10 @@ Json LocationOf(Call& call) {
 // The call that is charged, or else the first with a source, or else the place in the report.
 Json ResultLocation(const Triage& triage, const StackGroup& group) {
     Stack& stack = *group.Calls();
-    const auto charges = reports::ExplainCharge(stack, triage.TablesOf(group));
+    const auto charges = reports::ChargesOf(stack, triage.TablesOf(group));
     Call* best = nullptr;
     for (int i = 0; i < stack.GetSize(); ++i) {
-        if (charges[static_cast<std::size_t>(i)] == reports::Charge::Charged)
-            return LocationOf(*stack.GetCall(i));
+        if (charges[static_cast<std::size_t>(i)] == CallCharge::Charged) return LocationOf(*stack.GetCall(i));
         if (best == nullptr && !reports::PartsOf(*stack.GetCall(i)).path.empty()) best = stack.GetCall(i);
     }
     if (best != nullptr) return LocationOf(*best);

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <iterator>
 
-#include <answers/reports/MaskTrace.h>
 #include <fmt/format.h>
 
 #include "formats/Text.h"
@@ -14,7 +13,6 @@ namespace ostraka::tool {
 
 namespace {
 
-using reports::Charge;
 using reports::StackGroup;
 
 std::string Happened(const StackGroup& group) {
@@ -22,13 +20,13 @@ std::string Happened(const StackGroup& group) {
     return Counted(group.bytes, "byte") + " in " + Counted(group.count, "block");
 }
 
-std::string Reason(Charge charge, const reports::CallParts& parts, Call& call) {
+std::string Reason(CallCharge charge, const reports::ShownParts& parts, Call& call) {
     switch (charge) {
-    case Charge::Charged: return fmt::format("charged: {}", call.GetFwResponsible());
-    case Charge::IgnoredCall: return "ignored call";
-    case Charge::IgnoredOwner: return fmt::format("ignored owner: {}", call.GetResponsible());
-    case Charge::NoFramework: return parts.path.empty() ? "no source" : "no framework";
-    case Charge::Behind: break;
+    case CallCharge::Charged: return fmt::format("charged: {}", call.GetFwResponsible());
+    case CallCharge::IgnoredCall: return "ignored call";
+    case CallCharge::IgnoredResponsible: return fmt::format("ignored owner: {}", call.GetResponsible());
+    case CallCharge::NoFramework: return parts.path.empty() ? "no source" : "no framework";
+    case CallCharge::Behind: break;
     }
     return "";
 }
@@ -38,7 +36,7 @@ void AppendMask(std::string& out, std::string_view what, const StackMask& mask, 
     out += fmt::format("  {}: ", what);
     AppendOneLine(out, reports::ShownCall(mask.GetStackMask()));
     std::string_view separator = " took ";
-    for (const reports::Taken& taken : reports::TraceMask(mask, stack.calls, stack.GetSize())) {
+    for (const CallRange& taken : reports::TakenBy(mask, stack)) {
         out += separator;
         separator = ", ";
         if (taken.past == taken.begin) out += '-';
@@ -59,10 +57,10 @@ void AppendExplanation(std::string& out, const StackGroup& group) {
 }
 
 void AppendCalls(std::string& out, const Triage& triage, const StackGroup& group,
-                 const std::vector<Charge>& charges) {
+                 const std::vector<CallCharge>& charges) {
     for (std::size_t i = 0; i < charges.size(); ++i) {
         Call& call = *group.Calls()->GetCall(static_cast<int>(i));
-        out += charges[i] == Charge::Charged ? "  > " : "    ";
+        out += charges[i] == CallCharge::Charged ? "  > " : "    ";
         AppendOneLine(out, reports::ShownCall(call.GetCall()));
         const std::string reason =
             triage.request.report.explain ? Reason(charges[i], reports::PartsOf(call), call) : "";
@@ -74,7 +72,7 @@ void AppendCalls(std::string& out, const Triage& triage, const StackGroup& group
 
 void AppendItem(std::string& out, const Triage& triage, const TriageItem& item) {
     const StackGroup& group = *item.group;
-    const std::vector<Charge> charges = reports::ExplainCharge(*group.Calls(), triage.TablesOf(group));
+    const std::vector<CallCharge> charges = reports::ChargesOf(*group.Calls(), triage.TablesOf(group));
     const bool color = triage.request.colorOutput;
     const char* framework = group.Calls()->GetFwResponsible();
     const char* owner = reports::OwnerOf(*group.Calls());
@@ -114,20 +112,22 @@ void AppendTotals(std::string& out, const Triage& triage) {
 
 } // namespace
 
-std::string PlaceOf(const Triage& triage, const StackGroup& group, const std::vector<Charge>& charges) {
-    std::string place;
+std::string PlaceOf(const Triage& triage, const StackGroup& group, const std::vector<CallCharge>& charges) {
+    reports::ShownParts best;
     for (std::size_t i = 0; i < charges.size(); ++i) {
-        const reports::CallParts parts = reports::PartsOf(*group.Calls()->GetCall(static_cast<int>(i)));
-        const bool charged = charges[i] == Charge::Charged;
-        if (parts.line == 0 || (!place.empty() && !charged)) continue;
-        place.clear();
-        AppendOneLine(place, parts.path);
-        place += fmt::format(":{}:1", parts.line);
+        const bool charged = charges[i] == CallCharge::Charged;
+        if (!charged && best.line > 0) continue;
+        const reports::ShownParts parts = reports::PartsOf(*group.Calls()->GetCall(static_cast<int>(i)));
+        if (charged || parts.line > 0) best = parts;
         if (charged) break;
     }
-    if (!place.empty()) return place;
-    AppendOneLine(place, ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path));
-    return place + fmt::format(":{}:1", group.line);
+    std::string place;
+    if (best.path.empty()) {
+        AppendOneLine(place, ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path));
+        return place + fmt::format(":{}:1", group.line);
+    }
+    AppendOneLine(place, best.path);
+    return best.line > 0 ? place + fmt::format(":{}:1", best.line) : place;
 }
 
 std::string SummaryOf(const Triage& triage) {
