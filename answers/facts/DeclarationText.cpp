@@ -28,12 +28,23 @@ constexpr Keyword scopeWords[] = {
 
 // They are neither a type nor a name.
 constexpr std::string_view modifiers[] = {
-    "static",  "virtual",  "inline", "extern",    "explicit", "mutable", "register", "const", "volatile",
-    "typedef", "readonly", "oneway", "attribute", "class",    "struct",  "union",    "enum",  "interface"};
-constexpr std::string_view notDeclaring[] = {"using", "friend", "return", "goto",      "delete", "throw",
-                                             "case",  "import", "public", "protected", "private"};
+    "static", "virtual",   "inline",       "extern",        "explicit",  "mutable",    "register",
+    "const",  "volatile",  "constexpr",    "consteval",     "constinit", "typedef",    "readonly",
+    "oneway", "attribute", "thread_local", "__extension__", "__inline",  "__inline__", "class",
+    "struct", "union",     "enum",         "interface"};
+// Of those the ones that belong to the type.
+constexpr std::string_view inTypes[] = {"const", "volatile", "class", "struct", "union", "enum"};
+constexpr std::string_view notDeclaring[] = {
+    "friend", "return", "goto", "delete", "throw", "case", "import", "public", "protected", "private",
+    "if",     "else",   "for",  "while",  "do",    "try",  "catch",  "switch", "noexcept",  "default"};
 // They stand behind the arguments of a function.
-constexpr std::string_view behindArguments[] = {"const", "volatile", "throw", "raises", "context"};
+constexpr std::string_view behindArguments[] = {"const", "volatile", "noexcept", "override", "final",
+                                                "try",   "throw",    "requires", "raises",   "context"};
+// They and their parentheses tell nothing of what is declared.
+constexpr std::string_view attributes[] = {"__attribute__", "__attribute", "__declspec",
+                                           "alignas",       "_Alignas",    "__asm__"};
+// With its parentheses each is a type.
+constexpr std::string_view typesOfValues[] = {"decltype", "typeof", "__typeof__", "__typeof"};
 
 constexpr std::string_view exportMark = "ExportedBy";
 
@@ -90,6 +101,12 @@ std::size_t SkipBrackets(std::string_view text, std::size_t at) {
     return at;
 }
 
+// Past a word and the brackets behind it.
+std::size_t SkipCall(std::string_view text, std::size_t at) {
+    at = SkipBlanks(text, at + WordAt(text, at).size());
+    return at < text.size() && text[at] == '(' ? SkipBrackets(text, at) : at;
+}
+
 // Past the `>` that closes the `<` that stands here; 0 if there is none.
 std::size_t SkipAngles(std::string_view text, std::size_t at) {
     int open = 0;
@@ -131,7 +148,15 @@ std::string_view Trimmed(std::string_view text) {
 }
 
 DeclaredName NameIn(std::string_view text, std::string_view scope, std::string_view name) {
-    return {scope, name, static_cast<std::size_t>(name.data() - text.data())};
+    return {scope, name, static_cast<std::size_t>(name.data() - text.data()), {}, {}, 0};
+}
+
+// The characters that count in a type, in an order of their own.
+std::string LettersOf(std::string_view type) {
+    std::string letters(type);
+    std::erase(letters, ' ');
+    std::sort(letters.begin(), letters.end());
+    return letters;
 }
 
 class DeclaratorReading {
@@ -170,8 +195,10 @@ private:
         } else if (IsQuote(c)) {
             at = SkipQuoted(text, at);
         } else if (c == '[' || c == '{') {
+            if (c == '[') ++indexes;
             at = SkipBrackets(text, at);
         } else {
+            if ((c == '*' || c == '&') && marksBegin == none && typeBegin != none) marksBegin = at;
             at += std::max<std::size_t>(WordAt(text, at).size(), 1); // a number is no name
         }
     }
@@ -179,7 +206,14 @@ private:
     void TakeWord() {
         const std::string_view next = WordAt(text, at);
         if (next == "operator") return TakeOperator();
-        if (!IsOneOf(next, modifiers)) {
+        if (IsOneOf(next, attributes)) {
+            at = SkipBlanks(text, SkipCall(text, at));
+            if (words == 0) reading.begin = at;
+            return;
+        }
+        const bool isModifier = IsOneOf(next, modifiers);
+        if (words == 0 && typeBegin == none && (!isModifier || IsOneOf(next, inTypes))) typeBegin = at;
+        if (!isModifier) {
             if (!isQualified) {
                 chainBegin = at;
                 ++words;
@@ -189,7 +223,7 @@ private:
             wordPast = at + next.size();
             isQualified = false;
         }
-        at += std::max<std::size_t>(next.size(), 1);
+        at = IsOneOf(next, typesOfValues) ? SkipCall(text, at) : at + std::max<std::size_t>(next.size(), 1);
     }
 
     // The name goes up to the arguments: `operator()`, `operator const char*`.
@@ -212,6 +246,7 @@ private:
             reading.begin = at;
             words = 0;
             word = {};
+            typeBegin = marksBegin = none;
         } else if (word.empty() || (words >= 2 && !hasBody && HoldsValues(past))) {
             at = past;
         } else {
@@ -232,7 +267,14 @@ private:
         while (inner < past && !StartsName(text[inner])) ++inner;
         word = WordAt(text.substr(0, past), inner);
         scope = {};
+        typeBegin = none; // stands around the name
         words = std::max(words, 2);
+        at = inner + word.size();
+        if (!word.empty() && text[at] == '(') { // a function that gives a pointer to one
+            reading.hasType = true;
+            TakeFunction();
+            return true;
+        }
         at = past;
         if (text.substr(at, 1) == "(") at = SkipBrackets(text, at);
         return true;
@@ -242,7 +284,7 @@ private:
     bool IsMacroBefore(std::size_t past) const {
         const std::string_view next = WordAt(text, SkipBlanks(text, past));
         return words < 2 && scope.empty() && !next.empty() && StartsName(next.front()) &&
-               !IsOneOf(next, behindArguments);
+               !IsOneOf(next, behindArguments) && !IsOneOf(next, attributes);
     }
 
     // `Ship tug("Tug", 3)` declares a variable.
@@ -252,20 +294,49 @@ private:
         return IsQuote(c) || std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '&';
     }
 
+    // A typedef of one is a type.
     void TakeFunction() {
-        reading.kind = DeclarationKind::Function;
+        reading.kind = reading.isTypedef ? DeclarationKind::Variable : DeclarationKind::Function;
         reading.names = {NameIn(text, scope, word)};
         const std::size_t past = SkipBrackets(text, at);
         reading.arguments = text.substr(at, past - at);
-        if (hasBody) reading.past = FindOutside(text, past, ":");
+        if (hasBody) reading.past = EndOfHead(past);
+    }
+
+    // Before the initialisers, and before a `try` that covers them and the body.
+    std::size_t EndOfHead(std::size_t past) const {
+        constexpr std::string_view tryWord = "try";
+        const std::string_view head = Trimmed(text.substr(0, FindOutside(text, past, ":")));
+        const std::size_t before = head.size() - std::min(head.size(), tryWord.size());
+        const bool hasTry =
+            before >= past && head.substr(before) == tryWord && !IsWordCharacter(head[before - 1]);
+        return hasTry ? before : head.size();
     }
 
     // A declaration needs a type before the first name.
     void CloseName() {
-        if (!word.empty() && words >= 2) reading.names.push_back(NameIn(text, scope, word));
+        if (!word.empty() && words >= 2) {
+            reading.names.push_back(NameIn(text, scope, word));
+            PutType(reading.names.back());
+        }
         word = scope = {};
         isQualified = false;
+        marksBegin = none;
+        indexes = 0;
     }
+
+    // Marks belong to one declarator, what stands before those of the first one to all.
+    void PutType(DeclaredName& name) {
+        if (typeBegin == none) return;
+        const std::size_t begin = name.scope.empty() ? name.at : chainBegin;
+        const std::size_t typePast = std::min(begin, marksBegin);
+        if (reading.names.size() == 1) type = Trimmed(text.substr(typeBegin, typePast - typeBegin));
+        name.type = type;
+        name.marks = Trimmed(text.substr(typePast, begin - typePast));
+        name.indexes = indexes;
+    }
+
+    static constexpr std::size_t none = std::string_view::npos;
 
     const std::string_view text;
     std::size_t at;
@@ -276,6 +347,10 @@ private:
     std::size_t chainBegin = 0;
     std::size_t wordPast = 0;
     std::string_view word, scope; // what would be the name
+    std::size_t typeBegin = none;
+    std::string_view type;
+    std::size_t marksBegin = none; // of this declarator
+    int indexes = 0;
     DeclarationReading reading;
 };
 
@@ -308,37 +383,68 @@ Prefixes ReadPrefixes(std::string_view text) {
     }
 }
 
-// The name in the head of a class, if it is one: `class ExportedByShips Ship: public CoastObject`, but not
-// `struct tm* now()`.
+// What stands before the body of a class or its bases, word for word: `API [[deprecated]] Berth<int>::Side
+// final`. Attributes and arguments of templates are stepped over.
 struct Head {
-    bool isHead = false;
-    std::string_view name;
+    bool isHead = false; // no function, no variable
+    int names = 0;       // without export words of the dialect; each part of a qualified one counts
+    std::string_view first, name;
+    std::string_view scope; // what stands before the last "::"
 };
 
 Head ReadHead(std::string_view text) {
     text = Trimmed(text.substr(0, FindOutside(text, 0, ":")));
-    if (text.ends_with(')') || text.ends_with(")const") || text.find('=') != std::string_view::npos)
-        return {};
-    text = text.substr(0, text.find('<'));
-    Head head{true, {}};
-    for (std::size_t at = 0; at < text.size(); at += std::max<std::size_t>(WordAt(text, at).size(), 1)) {
-        if (text[at] == '(') at = SkipBrackets(text, at);
+    Head head;
+    bool isOpen = false; // behind a bracket: a name has to follow, else it held the arguments of a function
+    bool isJoined = false;
+    std::size_t chainBegin = 0;
+    for (std::size_t at = SkipBlanks(text, 0); at < text.size(); at = SkipBlanks(text, at)) {
         const std::string_view word = WordAt(text, at);
-        if (!word.empty() && !word.starts_with(exportMark)) head.name = word;
+        if (text.substr(at, 2) == "::") {
+            isJoined = true;
+            at += 2;
+        } else if (text[at] == '(' || text[at] == '[') {
+            isOpen = true;
+            at = SkipBrackets(text, at);
+        } else if (text[at] == '<') {
+            const std::size_t past = SkipAngles(text, at);
+            at = past != 0 ? past : text.size();
+        } else if (word.empty() || !StartsName(word.front()) || (isOpen && IsOneOf(word, behindArguments))) {
+            return {};
+        } else if (word == "final" && !head.name.empty()) {
+            at += word.size();
+        } else {
+            const std::size_t past = at + word.size();
+            const bool isAttribute =
+                SkipBlanks(text, past) < text.size() && text[SkipBlanks(text, past)] == '(';
+            if (!word.starts_with(exportMark) && !isAttribute) {
+                if (!isJoined) chainBegin = at;
+                if (head.names++ == 0) head.first = word;
+                head.scope = isJoined ? text.substr(chainBegin, at - 2 - chainBegin) : std::string_view();
+                head.name = word;
+            }
+            isOpen = isJoined = false;
+            at = past;
+        }
     }
+    head.isHead = !isOpen;
     return head;
 }
 
-// `class ExportedByShips Ship` and nothing else.
-bool IsForward(std::string_view text) {
-    int names = 0;
-    for (std::size_t at = SkipBlanks(text, 0); at < text.size(); at = SkipBlanks(text, at)) {
-        const std::string_view word = WordAt(text, at);
-        if (word.empty() || !StartsName(word.front())) return false;
-        if (!word.starts_with(exportMark)) ++names;
-        at += word.size();
-    }
-    return names == 1;
+// Whether a word is one that a project gives its exported classes: `SHIPS_API`.
+bool IsUpper(std::string_view word) {
+    return word.size() > 1 && std::all_of(word.begin(), word.end(), [](char c) {
+               return std::isupper(static_cast<unsigned char>(c)) != 0 ||
+                      std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '_';
+           });
+}
+
+// `class ExportedByShips Ship`, `class SHIPS_API Ship`, but not the variable in `struct DIR folder`: behind a
+// word in capitals stands a type if it begins with one.
+bool IsForward(const Head& head) {
+    if (!head.isHead || !head.scope.empty()) return false;
+    return head.names == 1 || (head.names == 2 && IsUpper(head.first) &&
+                               std::isupper(static_cast<unsigned char>(head.name.front())) != 0);
 }
 
 const Keyword* KeywordOf(std::string_view word) {
@@ -351,15 +457,32 @@ const Keyword* KeywordOf(std::string_view word) {
 // a variable or a function.
 void ReadNamedType(std::string_view text, std::size_t past, const Keyword& keyword, bool hasBody,
                    DeclarationReading& reading) {
-    const std::string_view behind = text.substr(past);
-    const Head head = ReadHead(behind);
+    if (keyword.kind == DeclarationKind::Enum)
+        if (const std::string_view word = WordAt(text, SkipBlanks(text, past));
+            word == "class" || word == "struct")
+            past = SkipBlanks(text, past) + word.size();
+    const Head head = ReadHead(text.substr(past));
     if (hasBody && head.isHead) {
         reading.kind = keyword.kind;
     } else if (!hasBody && !reading.isTypedef && keyword.kind != DeclarationKind::Namespace &&
-               IsForward(behind)) {
+               IsForward(head)) {
         reading.kind = DeclarationKind::Forward;
     }
-    if (reading.kind && !head.name.empty()) reading.names = {NameIn(text, {}, head.name)};
+    reading.isPrivate = keyword.word == "class";
+    if (reading.kind && !head.name.empty()) reading.names = {NameIn(text, head.scope, head.name)};
+}
+
+// `using Depth = int`; other uses of the word declare nothing.
+void ReadAlias(std::string_view text, std::size_t past, DeclarationReading& reading) {
+    const std::size_t equals = FindOutside(text, past, "=");
+    const std::size_t begin = SkipBlanks(text, past);
+    const std::string_view name = WordAt(text, begin);
+    if (equals == text.size() || name.empty()) return;
+    const std::string_view behind = Trimmed(text.substr(begin + name.size(), equals - begin - name.size()));
+    if (!behind.empty() && behind.front() != '[') return;
+    reading.kind = DeclarationKind::Typedef;
+    reading.isTypedef = true;
+    reading.names = {NameIn(text, {}, name)};
 }
 
 } // namespace
@@ -380,7 +503,13 @@ DeclarationReading ReadDeclaration(std::string_view text, bool hasBody) {
         past = SkipBlanks(text, past + word.size());
         word = WordAt(text, past);
     }
-    if (IsOneOf(word, notDeclaring)) return reading;
+    if (word == "using") ReadAlias(text, past + word.size(), reading);
+    if (word == "using" || IsOneOf(word, notDeclaring)) return reading;
+    const std::size_t behind = SkipBlanks(text, past + word.size());
+    if (hasBody && KeywordOf(word) == nullptr && KeywordOf(WordAt(text, behind)) != nullptr) {
+        past = behind; // an export word, or the call of a macro without arguments
+        word = WordAt(text, past);
+    }
     if (const Keyword* keyword = KeywordOf(word)) {
         ReadNamedType(text, past + word.size(), *keyword, hasBody, reading);
         if (reading.kind || keyword->kind == DeclarationKind::Namespace) return reading;
@@ -388,8 +517,25 @@ DeclarationReading ReadDeclaration(std::string_view text, bool hasBody) {
     return DeclaratorReading(text, prefixes.past, 0, hasBody, std::move(reading)).Run();
 }
 
+bool BelongsBehindArguments(std::string_view text) {
+    const std::string_view word = WordAt(text, 0);
+    // A constant of its own may stand behind the call of a macro.
+    const bool isConstant = word == "const" || word == "volatile";
+    return text.starts_with('(') || text.starts_with(':') || text.starts_with('=') ||
+           (!isConstant && IsOneOf(word, behindArguments));
+}
+
+std::string AsWritten(std::string_view type, const DeclaredName& name) {
+    std::string written(name.type);
+    written += name.marks;
+    written.append(static_cast<std::size_t>(name.indexes), '*');
+    return LettersOf(written) == LettersOf(type) ? written : std::string(type);
+}
+
 std::vector<DeclaredName> ReadNamesBehindBody(std::string_view text) {
-    return DeclaratorReading(text, 0, 1, false, {}).Run().names;
+    DeclarationReading reading = DeclaratorReading(text, 0, 1, false, {}).Run();
+    if (reading.kind == DeclarationKind::Function) return {};
+    return std::move(reading.names);
 }
 
 std::vector<EnumeratorText> ReadEnumerators(std::string_view body) {
@@ -411,9 +557,11 @@ std::string ReadableLine(std::string_view text) {
         const std::size_t past = IsQuote(text[at]) ? SkipQuoted(text, at) : at + 1;
         spaced += text.substr(at, past - at);
         const char next = past < text.size() ? text[past] : ' ';
-        if ((text[at] == ',' && next != ' ') || (text[at] == ')' && StartsName(next)) ||
-            (text[at] == '=' && IsQuote(next)) ||
-            (text[at] == '>' && at > 0 && text[at - 1] != '-' && StartsName(next)))
+        const char before = at > 0 ? text[at - 1] : ' ';
+        if ((text[at] == ',' && next != ' ' && !spaced.ends_with("operator,")) ||
+            (text[at] == ')' && (StartsName(next) || next == '=')) ||
+            (text[at] == '=' && (IsQuote(next) || (next == '(' && before == ' '))) ||
+            (text[at] == '>' && at > 0 && before != '-' && StartsName(next)))
             spaced += ' ';
         at = past;
     }

@@ -22,7 +22,8 @@ namespace {
 constexpr const char* kindNames[] = {"class",          "struct",     "union",         "namespace", "forward",
                                      "enum",           "enumerator", "typedef",       "method",    "member",
                                      "implementation", "function",   "function body", "variable",  "tie"};
-constexpr const char* visibilities[] = {"public", "protected", "private"};
+constexpr std::string_view visibilities[] = {"public", "protected", "private"};
+constexpr int hidden = 2; // private
 constexpr const char* directions[] = {"in", "out", "inout"};
 constexpr std::string_view tieMark = "TIE_";
 
@@ -49,6 +50,16 @@ bool IsBlock(const TAPSyntaxe& container, int i) {
 
 bool IsClassLike(DeclarationKind kind) {
     return kind <= DeclarationKind::Union;
+}
+
+// The visibility that a statement in a class begins with: `private:`, `public slots: void Hail()`.
+std::optional<int> LabelOf(std::string_view text) {
+    const std::string_view label = text.substr(0, text.find(':'));
+    const std::string_view word = label.substr(0, label.find(' '));
+    const auto* known = std::find(std::begin(visibilities), std::end(visibilities), word);
+    const bool isLabel = label.size() < text.size() && known != std::end(visibilities) &&
+                         label.find_first_of("(<,=") == std::string_view::npos;
+    return isLabel ? std::optional<int>(known - std::begin(visibilities)) : std::nullopt;
 }
 
 class FileReading {
@@ -89,6 +100,8 @@ private:
         DeclarationKind kind;
         int visibility;
         const TAPDefClass* record;
+        int listAt =
+            0; // where further names of a list would stand, of which one has its initialiser in braces
         // By position among the statements.
         std::unordered_map<int, TAPDefMethod*> methodAt = {};
         std::unordered_map<int, const TAPDefVar*> memberAt = {};
@@ -102,14 +115,16 @@ private:
         TAPSyntaxe& child = *Around().container->Child(i);
         const int type = child.GetType();
         if (type != STYPE_Instruction && type != STYPE_Declaration) return;
-        if (ReadLabel(child) || (IsTop() && ReadTie(child))) return;
-        const std::string_view text = WithContinuation(child, i);
+        if (IsTop() && ReadTie(child)) return;
+        const std::string_view text = BehindLabel(WithContinuation(child, i));
         const int next = Around().next;
         const bool hasBody = IsBlock(*Around().container, next);
+        if (text.starts_with(',') && i == Around().listAt) return AddMoreNames(child, text, hasBody);
         DeclarationReading reading = ReadDeclaration(text, hasBody);
         RefuseCall(reading, hasBody);
         if (!reading.kind) return;
         at = {&child, text.substr(reading.begin, reading.past - reading.begin), next, hasBody};
+        if (hasBody && reading.kind == DeclarationKind::Variable) at.text = WithoutAssignment(at.text);
         if (reading.kind == DeclarationKind::Function) return AddFunction(i, reading);
         if (hasBody && reading.kind == DeclarationKind::Enum) return AddEnum(reading);
         if (hasBody && (IsClassLike(*reading.kind) || reading.kind == DeclarationKind::Namespace))
@@ -117,24 +132,39 @@ private:
         AddNames(i, reading);
     }
 
-    bool ReadLabel(const TAPSyntaxe& child) {
-        const std::string_view text = TrimmedTextOf(child);
-        if (!IsInClass() || !text.ends_with(':')) return false;
-        for (int code = 0; code <= 2; ++code)
-            if (text.substr(0, text.size() - 1) == visibilities[code]) Around().visibility = code;
-        return true;
+    // What stands behind a label, which gives it its visibility.
+    std::string_view BehindLabel(std::string_view text) {
+        const std::optional<int> code = IsInClass() ? LabelOf(text) : std::nullopt;
+        if (!code) return text;
+        Around().visibility = *code;
+        text.remove_prefix(text.find(':') + 1);
+        return text.substr(std::min(text.find_first_not_of(' '), text.size()));
+    }
+
+    // `int depths[]` in `int depths[] = {1, 2}`.
+    static std::string_view WithoutAssignment(std::string_view text) {
+        return text.ends_with('=') ? text.substr(0, text.find_last_not_of(" =") + 1) : text;
+    }
+
+    // `, *high = {2}` in `int depth{1}, *high = {2}`, where the library sees two statements.
+    void AddMoreNames(TAPSyntaxe& child, std::string_view text, bool hasBody) {
+        Scope& around = Around();
+        text.remove_prefix(std::min(text.find_first_not_of(", "), text.size()));
+        at = {&child, hasBody ? WithoutAssignment(text) : text, around.next, hasBody};
+        for (const DeclaredName& name : ReadNamesBehindBody(text)) Add(KindOfVariable(), name.name, at.text);
+        if (hasBody) around.listAt = around.next + 1;
     }
 
     // What stands behind a `)` is a statement of its own to the library, as the initialisers of a constructor
-    // in its class, or `(int)` in `void (*call)(int)`.
+    // in its class, its `= delete`, or `(int)` in `void (*call)(int)`.
     std::string_view WithContinuation(const TAPSyntaxe& first, int i) {
         const TAPSyntaxe& container = *Around().container;
         std::string_view text = TrimmedTextOf(first);
         while (i < container.ChildCount() && text.ends_with(')')) {
             const TAPSyntaxe& next = *container.Child(++i);
             const std::string_view behind = TrimmedTextOf(next);
-            if (next.GetType() != STYPE_Instruction || behind.data() != text.data() + text.size() ||
-                (!behind.starts_with('(') && !behind.starts_with(':')))
+            if (next.GetType() == STYPE_Bloc || behind.data() != text.data() + text.size() ||
+                !BelongsBehindArguments(behind))
                 break;
             text = {text.data(), text.size() + behind.size()};
             ++Around().next;
@@ -175,6 +205,10 @@ private:
         return found.back();
     }
 
+    static std::string WithScope(const DeclaredName& name) {
+        return name.scope.empty() ? std::string(name.name) : fmt::format("{}::{}", name.scope, name.name);
+    }
+
     // A name such as `Berth::Moor` tells of a class that is declared elsewhere.
     void SetScope(OutlineEntry& entry, const DeclaredName& name) {
         if (name.scope.empty()) return;
@@ -205,8 +239,29 @@ private:
         if (record != Around().methodAt.end()) entry.method = record->second;
         if (IsTop() && implementation != implementationAt.end()) {
             entry.method = implementation->second;
-            entry.visibility = entry.method->visibility;
+            entry.visibility = VisibilityOf(*entry.method);
         }
+    }
+
+    // To a record a method is public until a label says something else; in a `class` it is private.
+    int VisibilityOf(const TAPDefMethod& method) {
+        if (method.visibility != 0 || method.defClass == nullptr || method.path == nullptr)
+            return method.visibility;
+        const auto [known, isNew] = firstLabels.try_emplace(method.defClass, 0);
+        if (isNew) known->second = FirstLabel(*method.defClass);
+        const NUBRawCollint& positions = method.path->posInTree;
+        return positions.size > 0 && positions[positions.size] < known->second ? hidden : 0;
+    }
+
+    // Of a body whose members are private before it, its position there; else 0.
+    int FirstLabel(const TAPDefClass& record) {
+        const TAPSyntaxe* body = table.GetSyntaxe(record.bodyPath);
+        TAPSyntaxe* head = table.GetSyntaxe(record.path);
+        if (body == nullptr || head == nullptr || !ReadDeclaration(TrimmedTextOf(*head), true).isPrivate)
+            return 0;
+        int i = 1;
+        while (i <= body->ChildCount() && !LabelOf(TrimmedTextOf(*body->Child(i)))) ++i;
+        return i;
     }
 
     void AddEnum(const DeclarationReading& reading) {
@@ -227,10 +282,11 @@ private:
         const auto known = IsTop() ? classAt.find(i) : classAt.end();
         Scope scope{Around().container->Child(at.next), 1, "", *reading.kind, -1, nullptr};
         const std::string_view name = NameOfBody(reading);
-        scope.name = name.empty() ? Around().name : Qualified(name);
-        if (IsClassLike(scope.kind)) scope.visibility = 0; // as the records have it
+        scope.name = name.empty() ? Around().name : Qualified(WithScope(reading.names.front()));
+        if (IsClassLike(scope.kind)) scope.visibility = reading.isPrivate ? hidden : 0;
         if (!name.empty() || IsClassLike(scope.kind)) {
             OutlineEntry& entry = Add(*reading.kind, name, at.text);
+            if (!reading.names.empty()) SetScope(entry, reading.names.front());
             if (known != classAt.end()) entry.classRecord = known->second;
         }
         if (known != classAt.end()) TakeRecord(*known->second, scope);
@@ -266,7 +322,7 @@ private:
         const std::size_t close = stream.find('}', static_cast<std::size_t>(body.GetBegin()) +
                                                        static_cast<std::size_t>(body.GetSize()));
         const std::size_t past =
-            std::min(stream.find_first_of(";{}(", std::min(close, stream.size() - 1) + 1), stream.size() - 1);
+            std::min(stream.find_first_of(";{}", std::min(close, stream.size() - 1) + 1), stream.size() - 1);
         if (close >= past || stream[past] != ';') return;
         const std::string_view text = stream.substr(close + 1, past - close - 1);
         if (at.next < around.container->ChildCount() &&
@@ -286,16 +342,17 @@ private:
         DeclarationKind kind = *reading.kind;
         if (reading.isTypedef) kind = DeclarationKind::Typedef;
         if (kind == DeclarationKind::Variable) kind = KindOfVariable();
+        if (at.hasBody) Around().listAt = at.next + 1;
         const std::map<std::string, std::string> types = TypesOf(kind);
         for (const DeclaredName& name : reading.names) {
             const std::string key(name.name);
             if (table.keywords.IsIn(key.c_str()) >= 0 || table.basicTypes.IsIn(key.c_str()) >= 0) continue;
             OutlineEntry& entry = Add(kind, name.name, at.text);
             if (const auto type = types.find(key); type != types.end())
-                entry.type = type->second;
+                entry.type = AsWritten(type->second, name);
             else if (const auto member = Around().memberAt.find(i);
                      member != Around().memberAt.end() && reading.names.size() == 1)
-                entry.type = member->second->type;
+                entry.type = AsWritten(member->second->type, name);
             SetScope(entry, name);
         }
     }
@@ -339,6 +396,7 @@ private:
     TAPSyntaxe& root;
     std::unordered_map<int, const TAPDefClass*> classAt; // by position below the root; 0 for all others
     std::unordered_map<int, TAPDefMethod*> implementationAt;
+    std::unordered_map<const TAPDefClass*, int> firstLabels;
     std::vector<Scope> open;
     Statement at{};
     std::vector<OutlineEntry> found;
@@ -386,7 +444,7 @@ Place PlaceOf(const TAPSyntaxePath& path) {
 }
 
 const char* VisibilityOf(int code) {
-    return code >= 0 && code <= 2 ? visibilities[code] : "";
+    return code >= 0 && code <= 2 ? visibilities[code].data() : "";
 }
 
 const char* BindingOf(const TAPDefMethod& method) {

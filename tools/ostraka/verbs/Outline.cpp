@@ -27,8 +27,10 @@ std::string KindText(const OutlineEntry& declaration) {
         const std::string known = KindOf(*declaration.classRecord);
         return known == "plain" || declaration.text.starts_with(known) ? "" : known;
     }
+    const bool isAlias = declaration.text.find("typedef ") != std::string::npos ||
+                         declaration.text.find("using ") != std::string::npos;
     const bool isTold = kind <= DeclarationKind::Namespace || kind == DeclarationKind::Enum ||
-                        (kind == DeclarationKind::Typedef && declaration.text.starts_with("typedef "));
+                        (kind == DeclarationKind::Typedef && isAlias);
     return isTold ? "" : NameOf(kind);
 }
 
