@@ -306,11 +306,11 @@ private:
     // Before the initialisers, and before a `try` that covers them and the body.
     std::size_t EndOfHead(std::size_t past) const {
         constexpr std::string_view tryWord = "try";
-        const std::string_view head = Trimmed(text.substr(0, FindOutside(text, past, ":")));
-        const std::size_t before = head.size() - std::min(head.size(), tryWord.size());
-        const bool hasTry =
-            before >= past && head.substr(before) == tryWord && !IsWordCharacter(head[before - 1]);
-        return hasTry ? before : head.size();
+        const std::string_view behind = Trimmed(text.substr(past, FindOutside(text, past, ":") - past));
+        const std::size_t rest = behind.size() - std::min(behind.size(), tryWord.size());
+        const bool hasTry = behind.ends_with(tryWord) && (rest == 0 || !IsWordCharacter(behind[rest - 1]));
+        const std::string_view kept = Trimmed(behind.substr(0, hasTry ? rest : behind.size()));
+        return kept.empty() ? past : static_cast<std::size_t>(kept.data() - text.data()) + kept.size();
     }
 
     // A declaration needs a type before the first name.
@@ -464,11 +464,11 @@ void ReadNamedType(std::string_view text, std::size_t past, const Keyword& keywo
     const Head head = ReadHead(text.substr(past));
     if (hasBody && head.isHead) {
         reading.kind = keyword.kind;
+        reading.isPrivate = keyword.word == "class";
     } else if (!hasBody && !reading.isTypedef && keyword.kind != DeclarationKind::Namespace &&
                IsForward(head)) {
         reading.kind = DeclarationKind::Forward;
     }
-    reading.isPrivate = keyword.word == "class";
     if (reading.kind && !head.name.empty()) reading.names = {NameIn(text, head.scope, head.name)};
 }
 
@@ -525,10 +525,14 @@ bool BelongsBehindArguments(std::string_view text) {
            (!isConstant && IsOneOf(word, behindArguments));
 }
 
+std::string TypeOf(const DeclaredName& name) {
+    std::string type(name.type);
+    type += name.marks;
+    return type.append(static_cast<std::size_t>(name.indexes), '*');
+}
+
 std::string AsWritten(std::string_view type, const DeclaredName& name) {
-    std::string written(name.type);
-    written += name.marks;
-    written.append(static_cast<std::size_t>(name.indexes), '*');
+    const std::string written = TypeOf(name);
     return LettersOf(written) == LettersOf(type) ? written : std::string(type);
 }
 

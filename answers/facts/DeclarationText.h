@@ -59,6 +59,9 @@ DeclarationReading ReadDeclaration(std::string_view text, bool hasBody);
 // `noexcept`.
 bool BelongsBehindArguments(std::string_view text);
 
+// The type that the text gives a variable, an array as a pointer; empty where it stands around the name.
+std::string TypeOf(const DeclaredName& name);
+
 // The type of the name, as a table tells it, in the order of the text. A table collects words and marks
 // apart: to it `const char* const name` is a "const char const*".
 std::string AsWritten(std::string_view type, const DeclaredName& name);

@@ -119,7 +119,7 @@ private:
         const std::string_view text = BehindLabel(WithContinuation(child, i));
         const int next = Around().next;
         const bool hasBody = IsBlock(*Around().container, next);
-        if (text.starts_with(',') && i == Around().listAt) return AddMoreNames(child, text, hasBody);
+        if (text.starts_with(',')) return AddMoreNames(child, i, text, hasBody);
         DeclarationReading reading = ReadDeclaration(text, hasBody);
         RefuseCall(reading, hasBody);
         if (!reading.kind) return;
@@ -147,8 +147,10 @@ private:
     }
 
     // `, *high = {2}` in `int depth{1}, *high = {2}`, where the library sees two statements.
-    void AddMoreNames(TAPSyntaxe& child, std::string_view text, bool hasBody) {
+    // Behind the initialiser of a member in a constructor such a text declares nothing.
+    void AddMoreNames(TAPSyntaxe& child, int i, std::string_view text, bool hasBody) {
         Scope& around = Around();
+        if (i != around.listAt) return;
         text.remove_prefix(std::min(text.find_first_not_of(", "), text.size()));
         at = {&child, hasBody ? WithoutAssignment(text) : text, around.next, hasBody};
         for (const DeclaredName& name : ReadNamesBehindBody(text)) Add(KindOfVariable(), name.name, at.text);
@@ -287,6 +289,7 @@ private:
         if (!name.empty() || IsClassLike(scope.kind)) {
             OutlineEntry& entry = Add(*reading.kind, name, at.text);
             if (!reading.names.empty()) SetScope(entry, reading.names.front());
+            if (entry.kind == DeclarationKind::Namespace) entry.scopeKind = entry.kind;
             if (known != classAt.end()) entry.classRecord = known->second;
         }
         if (known != classAt.end()) TakeRecord(*known->second, scope);
@@ -348,7 +351,9 @@ private:
             const std::string key(name.name);
             if (table.keywords.IsIn(key.c_str()) >= 0 || table.basicTypes.IsIn(key.c_str()) >= 0) continue;
             OutlineEntry& entry = Add(kind, name.name, at.text);
-            if (const auto type = types.find(key); type != types.end())
+            if (!name.scope.empty())
+                entry.type = TypeOf(name);
+            else if (const auto type = types.find(key); type != types.end())
                 entry.type = AsWritten(type->second, name);
             else if (const auto member = Around().memberAt.find(i);
                      member != Around().memberAt.end() && reading.names.size() == 1)
@@ -376,7 +381,8 @@ private:
         const TAPSyntaxe* call = child.ChildCount() == 1 ? child.Child(1) : nullptr;
         if (call == nullptr || call->ChildCount() != 2) return false;
         const std::string_view word = TrimmedTextOf(*call->Child(1));
-        if (!word.starts_with(tieMark) || word.size() == tieMark.size()) return false;
+        if (!word.starts_with(tieMark) || word.size() == tieMark.size() || call->Child(2)->ChildCount() > 1)
+            return false;
         at.node = &child;
         Add(DeclarationKind::Tie, word.substr(tieMark.size()), TrimmedTextOf(child)).scope =
             TrimmedTextOf(*call->Child(2));

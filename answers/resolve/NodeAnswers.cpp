@@ -14,6 +14,8 @@
 #include <ostraka/symbols/TAPSymbolTable.h>
 #include <ostraka/symbols/TypeNames.h>
 
+#include <answers/facts/DeclarationText.h>
+#include <answers/resolve/Heads.h>
 #include <answers/resolve/NodeText.h>
 
 namespace ostraka::answers {
@@ -27,18 +29,27 @@ using detail::PreviousSibling;
 
 using Text = std::optional<std::string>;
 
+constexpr std::size_t none = std::string_view::npos;
+
 Text NotEmpty(const NUBString& text) {
     if (text.Length() == 0) return std::nullopt;
     return std::string(text.View());
 }
 
-bool IsClassHead(const TAPSyntaxe* head) {
-    return head != nullptr && head->GetType() == STYPE_Declaration && head->ChildCount() > 0 &&
-           (head->StartWith("class ") != 0 || head->StartWith("interface ") != 0);
+// The class whose body this is; empty for any other node.
+std::string_view ClassOfBody(const TAPSyntaxe& block) {
+    const TAPSyntaxe* head = detail::HeadOf(&block);
+    return head != nullptr ? ClassOfHead(*head) : std::string_view();
 }
 
-const char* ClassOfHead(const TAPSyntaxe& head) {
-    return head.Child(1)->GetContent();
+// Whether the list of arguments is what a handler catches.
+bool IsCaught(const TAPSyntaxe& list) {
+    const TAPSyntaxe* statement = &list;
+    while (statement != nullptr && statement->GetType() != STYPE_Instruction &&
+           statement->GetType() != STYPE_Declaration)
+        statement = statement->GetParent();
+    return list.GetType() == STYPE_ListOfArgs && statement != nullptr &&
+           TrimmedTextOf(*statement).starts_with("catch(");
 }
 
 // The operator on whose right side the name stands, called or not; else null. It has no left side where that
@@ -57,6 +68,19 @@ const TAPSyntaxe* OperatorBefore(TAPSyntaxe& name, std::initializer_list<const c
 
 TAPSyntaxe* LeftSide(const TAPSyntaxe& operation) {
     return operation.ChildCount() > 1 ? operation.Child(1) : nullptr;
+}
+
+// The class of an object of this type: `Foo` of `const Foo* const`.
+std::string_view ClassOf(std::string_view type) {
+    constexpr std::string_view qualifier = "const";
+    for (;;) {
+        type = type.substr(0, type.find_last_not_of(" *&") + 1);
+        const std::size_t before = type.size() - std::min(type.size(), qualifier.size());
+        if (!type.ends_with(qualifier) || before == 0 ||
+            std::string_view(" *&").find(type[before - 1]) == none)
+            return ClassOfType(type);
+        type = type.substr(0, before);
+    }
 }
 
 // Names that are kept without a node.
@@ -97,56 +121,39 @@ private:
         if (table.GetMethodName(&node, method) == 0) answers.method = NotEmpty(method);
         const TAPSyntaxe* inner = nullptr; // the block passed last
         for (TAPSyntaxe* around = &node; around->GetParent() != nullptr; around = around->GetParent()) {
+            const TAPSyntaxe* head = HeadOf(around);
+            if (head != nullptr && IsNamespaceHead(*head)) break;
             topLevel = around;
             if (around->GetType() != STYPE_Bloc) continue;
-            TAPSyntaxe* head = HeadOf(around);
-            if (IsClassHead(head)) AskClass(ClassOfHead(*head), inner);
+            if (const std::string_view className = ClassOfBody(*around); !className.empty())
+                AskClass(className, inner);
             inner = around;
         }
         if (topLevel != nullptr) AskTopLevel();
     }
 
     // The body of a method in the class is the block directly below that of the class.
-    void AskClass(const char* className, const TAPSyntaxe* body) {
+    void AskClass(std::string_view className, const TAPSyntaxe* body) {
         if (!answers.className) answers.className = className;
-        const Signature method = body != nullptr ? SignatureOf(HeadOf(body)) : Signature();
-        if (!answers.method && !method.name.empty())
-            answers.method = fmt::format("{}::{}", className, method.name);
+        const std::string method = body != nullptr ? FunctionOfBody(*body).name : std::string();
+        if (!answers.method && !method.empty()) answers.method = fmt::format("{}::{}", className, method);
     }
 
     // The node may stand in the body of a function, or in the head before that.
     void AskTopLevel() {
-        TAPSyntaxe* head = HeadOf(topLevel);
-        if (head == nullptr) {
+        if (topLevel->GetType() != STYPE_Bloc) {
             TAPSyntaxe* next = NextSibling(*topLevel);
             if (next == nullptr || next->GetType() != STYPE_Bloc) return;
-            head = topLevel;
             bodyBehind = next;
         }
-        const Signature function = SignatureOf(head);
+        const FunctionHead function = FunctionOfBody(bodyBehind != nullptr ? *bodyBehind : *topLevel);
         if (!function.className.empty()) answers.className = function.className;
-        if (!answers.method && !function.name.empty()) answers.method = function.Name();
+        if (!answers.method && !function.name.empty()) answers.method = function.FullName();
     }
 
-    // What a head declares or implements; empty for other nodes.
-    struct Signature {
-        std::string className;
-        std::string name;
-        TAPSyntaxe* args = nullptr;
-
-        std::string Name() const { return className.empty() ? name : className + "::" + name; }
-    };
-
-    Signature SignatureOf(TAPSyntaxe* head) {
-        NUBString first;
-        NUBString second;
-        TAPSyntaxe* args = nullptr;
-        if (table.IsMethodImplementation(head, first, second, args) != 0)
-            return {std::string(first.View()), std::string(second.View()), args};
-        if (table.IsFunctionImplementation(head, second, args = nullptr) != 0 ||
-            table.IsFunctionDeclaration(head, first, second, args = nullptr) == 2)
-            return {"", std::string(second.View()), args};
-        return {};
+    FunctionHead FunctionOfBody(const TAPSyntaxe& body) {
+        TAPSyntaxe* head = HeadOfBody(body);
+        return head != nullptr ? FunctionOfHead(table, *head) : FunctionHead();
     }
 
     void AskObject() {
@@ -162,6 +169,10 @@ private:
         answers.isAccess = access != nullptr;
         belongs = scope != nullptr || access != nullptr;
         if (belongs) return AskOwner(LeftSide(scope != nullptr ? *scope : *access));
+        AskPlainName();
+    }
+
+    void AskPlainName() {
         AskBlocks();
         if (!IsKnown()) AskClassIndex();
         if (!IsKnown() && answers.className) AskRecords(*answers.className);
@@ -174,13 +185,21 @@ private:
         if (left == nullptr) return;
         if (!answers.isAccess) return AskRecords(left->GetLastLeaf()->GetContent());
         const Text type = answers.object ? answers.object->type : TypeOf(*left);
-        if (type) AskRecords(std::string(ClassOfType(*type)));
+        if (type) AskRecords(std::string(ClassOf(*type)));
     }
 
     bool IsKnown() const { return !answers.declared.empty(); }
 
     void Add(TAPSyntaxe* declared, std::string as, std::string_view type = {}) {
-        answers.declared.push_back({declared, std::move(as), std::string(type)});
+        answers.declared.push_back({declared, std::move(as), InOrder(type, declared, name)});
+    }
+
+    // The type of a variable in the order in which its declaration has it.
+    static std::string InOrder(std::string_view type, const TAPSyntaxe* declared, std::string_view variable) {
+        if (declared == nullptr || type.empty()) return std::string(type);
+        for (const DeclaredName& each : ReadDeclaration(TrimmedTextOf(*declared), false).names)
+            if (each.name == variable) return AsWritten(type, each);
+        return std::string(type);
     }
 
     void AskBlocks() {
@@ -194,39 +213,62 @@ private:
         }
         if (found == nullptr) return;
         const TAPSyntaxe& parent = *found->GetParent();
-        const TAPSyntaxe* head = HeadOf(&parent);
-        if (IsClassHead(head)) return AskRecords(ClassOfHead(*head));
-        Add(found, parent.GetType() == STYPE_ListOfArgs ? "argument" : "variable", type.View());
-        if (answers.method) AskGoesBack(bodyBehind != nullptr ? *bodyBehind : node);
+        const std::string className(ClassOfBody(parent));
+        if (!className.empty()) AskRecords(className);
+        if (IsKnown()) return;
+        if (!className.empty()) return Add(found, fmt::format("member of {}", className), type.View());
+        const bool isArgument = parent.GetType() == STYPE_ListOfArgs && !IsCaught(parent);
+        Add(found, isArgument ? "argument" : "variable", type.View());
+        if (!answers.method) return;
+        AskGoesBack(bodyBehind != nullptr ? *bodyBehind : node, isArgument ? found : nullptr);
+        if (IsCaught(parent)) answers.goesBack = GoesBack{answers.goesBack->isReturned, 0, 0};
     }
 
     // Of a function whose head or body the node is.
     TAPSyntaxe* FindInArguments(TAPSyntaxe& headOrBody, NUBString& type) {
-        TAPSyntaxe* head = HeadOf(&headOrBody);
-        const TAPSyntaxe* args = SignatureOf(head != nullptr ? head : &headOrBody).args;
+        TAPSyntaxe* head = headOrBody.GetType() == STYPE_Bloc ? HeadOfBody(headOrBody) : nullptr;
+        const TAPSyntaxe* args = FunctionOfHead(table, head != nullptr ? *head : headOrBody).args;
         NUBString declared;
-        for (int i = 1; args != nullptr && i <= args->ChildCount(); ++i)
+        for (int i = 1; args != nullptr && i <= args->ChildCount(); ++i) {
             if (table.GetArgType(args->Child(i), type, declared) != 0 && declared == name.c_str())
                 return args->Child(i);
+            if (const std::string written = TypeInText(*args->Child(i), name); !written.empty()) {
+                type = NUBString(written);
+                return args->Child(i);
+            }
+        }
         return nullptr;
     }
 
-    // What a loop declares between its parentheses is in the tree beside its body. A body without braces can
-    // be a loop or a condition itself.
-    TAPSyntaxe* FindInLoops(const TAPSyntaxe& body, NUBString& type) {
-        TAPSyntaxe* found = nullptr;
-        const TAPSyntaxe* before = PreviousSibling(body);
-        while (found == nullptr && before != nullptr && before->GetType() == STYPE_Instruction &&
-               before->ChildCount() > 0 && before->Child(1)->GetType() == STYPE_Bloc) {
-            found = table.FindDeclare(&node, type, before->Child(1), 0);
-            before = PreviousSibling(*before);
+    // In the parentheses of a loop around the node, which may stand in them itself.
+    TAPSyntaxe* FindInLoops(TAPSyntaxe& around, NUBString& type) {
+        if (around.GetType() == STYPE_Bloc)
+            if (TAPSyntaxe* each = FindEach(around, type)) return each;
+        for (TAPSyntaxe* loop : LoopsAround(around)) {
+            if (TAPSyntaxe* found = table.FindDeclare(&node, type, loop, 0)) return found;
+            if (TAPSyntaxe* each = FindEach(*loop, type)) return each;
         }
-        return found;
+        return nullptr;
     }
 
-    void AskGoesBack(TAPSyntaxe& from) {
+    // `const Ship& each: ships`, which the library doesn't read.
+    TAPSyntaxe* FindEach(const TAPSyntaxe& loop, NUBString& type) const {
+        TAPSyntaxe* first = loop.ChildCount() == 1 ? loop.Child(1) : nullptr;
+        if (first == nullptr || TextOf(*first).find(':') == none) return nullptr;
+        const std::string written = TypeInText(*first, name);
+        if (written.empty()) return nullptr;
+        type = NUBString(written);
+        return first;
+    }
+
+    // An argument is one wherever the library sees no function.
+    void AskGoesBack(TAPSyntaxe& from, const TAPSyntaxe* argument) {
         int arguments = 0;
-        const int result = table.IsReturned(&from, name.c_str(), arguments, 0);
+        int result = table.IsReturned(&from, name.c_str(), arguments, 0);
+        if (result == 0 && argument != nullptr) {
+            result = argument->GetPosInFather();
+            arguments = argument->GetParent()->ChildCount();
+        }
         answers.goesBack = GoesBack{result == -1, std::max(result, 0), result > 0 ? arguments : 0};
     }
 
@@ -261,9 +303,14 @@ private:
         NUBString type;
         for (int i = 1; i <= parent.ChildCount() && !IsKnown(); ++i) {
             TAPSyntaxe* statement = parent.Child(i);
+            const bool isOne =
+                statement->GetType() == STYPE_Instruction || statement->GetType() == STYPE_Declaration;
+            if (!isOne || TextOf(*statement).find(name) == none) continue;
             if (statement->GetType() == STYPE_Instruction &&
                 table.FindDeclare(&node, type, statement, 0) != nullptr)
                 Add(statement, as, type.View());
+            else if (const std::string written = TypeInText(*statement, name); !written.empty())
+                Add(statement, as, written);
         }
     }
 
@@ -286,7 +333,9 @@ private:
 
     // What stands on the file's own level, and the functions that the table knows.
     void AskFile() {
-        AskStatements(topLevel != nullptr ? *topLevel->GetParent() : node, "variable of the file");
+        for (const TAPSyntaxe* level = topLevel != nullptr ? topLevel->GetParent() : &node; level != nullptr;
+             level = level->GetParent())
+            AskStatements(*level, "variable of the file");
         TAPSyntaxe* function = table.GetFunctionDeclarationLocation(name.c_str());
         if (!IsKnown() && function != nullptr) Add(function, "function");
     }
@@ -306,9 +355,17 @@ private:
 
     // The library reads the type of a name from the blocks around it. That isn't asked for a name on the
     // right of an operator, which the blocks don't declare.
-    void AskType() {
+    void AskType() { answers.type = belongs ? DeclaredType() : TypeOfNode(node).value_or(DeclaredType()); }
+
+    // As the library reads it.
+    std::optional<Text> TypeOfNode(TAPSyntaxe& asked) {
         NUBString type;
-        answers.type = !belongs && table.GetType(&node, type) == 0 ? NotEmpty(type) : DeclaredType();
+        if (table.GetType(&asked, type) != 0) return std::nullopt;
+        const TAPSyntaxe* word = asked.GetLastLeaf();
+        if (TextOf(*word) != TextOf(asked)) return NotEmpty(type);
+        NUBString declaredType;
+        const TAPSyntaxe* declared = table.FindDeclare(&asked, declaredType, nullptr, 0);
+        return Text(InOrder(type.View(), declared, TextOf(asked)));
     }
 
     // The type in which all declarations agree.
@@ -322,14 +379,17 @@ private:
         return agree ? Text(declared.front().type) : std::nullopt;
     }
 
-    // Of an object: as the library reads it, or as the class around has it as a member.
+    Text TypeOfPlainName() {
+        AskAround();
+        AskPlainName();
+        return DeclaredType();
+    }
+
+    // Of an object: as the library reads it, or as the declaration of its name has it.
     Text TypeOf(TAPSyntaxe& object) {
-        NUBString type;
-        if (table.GetType(&object, type) == 0) return NotEmpty(type);
-        if (!answers.className) return std::nullopt;
-        Asking member(table, object);
-        member.AskRecords(*answers.className);
-        return member.DeclaredType();
+        if (const std::optional<Text> type = TypeOfNode(object)) return *type;
+        TAPSyntaxe* word = object.GetLastLeaf();
+        return TextOf(*word) == TextOf(object) ? Asking(table, *word).TypeOfPlainName() : std::nullopt;
     }
 
     TAPSymbolTable& table;

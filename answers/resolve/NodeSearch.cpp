@@ -17,12 +17,8 @@ struct Around {
     int exact = nowhere;  // at the place
     int before = nowhere; // the last one before it on its line
     int behind = nowhere; // the first one behind it
-    int last = nowhere;   // of the file
 
-    int Nearest() const {
-        if (before != nowhere) return before;
-        return behind != nowhere ? behind : last;
-    }
+    int Nearest() const { return before != nowhere ? before : behind; }
 };
 
 // Blanks don't count: they hold no code, and one can stand for the end of a line.
@@ -32,7 +28,6 @@ Around LookAround(const TAPSourceFile& file, Place asked) {
     for (int pos = 0; pos < file.GetSize(); ++pos) {
         if (file.GetStream()[pos] == ' ') continue;
         const TAPSyntaxePoint point = file.GetPoint(pos);
-        around.last = pos;
         const bool isBehind =
             point.GetLine() > asked.line || (point.GetLine() == asked.line && point.GetCol() > column);
         if (isBehind) {

@@ -27,8 +27,8 @@ struct NodeAt {
 
 // The innermost node that holds the character at the place; the braces of a block belong to it. Column 0
 // means the first character of the line. At a blank, in a comment, in a directive and where a line holds
-// nothing, the nearest character of the line counts, the one before it first; else the next one behind it,
-// else the last of the file. None for a tree without text.
+// nothing, the nearest character of the line counts, the one before it first; else the next one behind it.
+// None where no code stands on the line or behind.
 std::optional<NodeAt> FindNodeAt(TAPSyntaxe& root, Place asked);
 
 } // namespace ostraka::answers

@@ -141,7 +141,10 @@ void Answer(const Request& request, const std::string& asked, Result& result) {
     if (!at) {
         ++result.notFound;
         if (root != nullptr)
-            AppendMessage(result.err, place.file, std::nullopt, "error", "holds no code",
+            AppendMessage(result.err, place.file, std::nullopt, "error",
+                          root->GetSize() == 0
+                              ? "holds no code"
+                              : fmt::format("no code on line {} or behind", place.place.line),
                           request.colorErrors);
         return;
     }

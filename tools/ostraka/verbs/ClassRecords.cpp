@@ -16,6 +16,9 @@ namespace ostraka::tool {
 
 namespace {
 
+// What the record of a file says that lies in none.
+constexpr std::string_view noFramework = "NotInAframework";
+
 struct Shown {
     std::string file;
     Place place;
@@ -33,8 +36,15 @@ std::string PlaceText(const Request& request, const Session& session, const TAPS
     return PlaceText(request, shown.file, shown.place);
 }
 
-const char* FrameworkOf(const TAPDefClass& record) {
-    return record.source != nullptr && record.source->framework != nullptr ? record.source->framework : "";
+std::string_view FrameworkOf(const TAPDefClass& record) {
+    if (record.source == nullptr || record.source->framework == nullptr) return "";
+    const std::string_view framework = record.source->framework;
+    return framework == noFramework ? "" : framework;
+}
+
+std::string FrameworkText(const TAPDefClass& record) {
+    const std::string_view framework = FrameworkOf(record);
+    return framework.empty() ? "" : fmt::format("  [{}]", framework);
 }
 
 const char* BaseOf(const TAPDefClass& record) {

@@ -28,7 +28,10 @@ TAPDefClass* FindClass(const Session& session, const std::string& name, Result& 
 // "" where none is known, as where the head of a class breaks off behind the colon.
 const char* BaseOf(const TAPDefClass& record);
 bool HasBase(const TAPDefClass& record);
-const char* FrameworkOf(const TAPDefClass& record);
+
+// "" for a class outside of all frameworks; the text stands behind a class in a list.
+std::string_view FrameworkOf(const TAPDefClass& record);
+std::string FrameworkText(const TAPDefClass& record);
 
 // Where the class stands between its bases and those derived from it.
 struct Kin {

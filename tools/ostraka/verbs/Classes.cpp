@@ -35,7 +35,7 @@ void PrintClassLine(const Request& request, const Session& session, const TAPDef
     fmt::format_to(std::back_inserter(out), "{}: {} {}", PlaceText(request, session, record.path),
                    Colored(request, colorClass, KindOf(record)), record.name);
     if (HasBase(record)) fmt::format_to(std::back_inserter(out), " : {}", record.parent);
-    fmt::format_to(std::back_inserter(out), "  [{}]\n", FrameworkOf(record));
+    out += FrameworkText(record) + "\n";
 }
 
 // A base needn't be loaded to be one.

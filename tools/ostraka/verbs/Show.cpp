@@ -26,9 +26,9 @@ void PrintRelation(const Request& request, const Session& session, const char* w
 
 void PrintHead(const Request& request, const Session& session, const TAPDefClass& record, const Kin& kin,
                std::string& out) {
-    fmt::format_to(std::back_inserter(out), "{} {}  [{}]\n  {:<9} {}\n",
-                   Colored(request, colorClass, KindOf(record)), record.name, FrameworkOf(record), "declared",
-                   PlaceText(request, session, record.path));
+    fmt::format_to(std::back_inserter(out), "{} {}{}\n  {:<9} {}\n",
+                   Colored(request, colorClass, KindOf(record)), record.name, FrameworkText(record),
+                   "declared", PlaceText(request, session, record.path));
     for (const TAPDefClass* base : kin.bases) PrintRelation(request, session, "base", *base, out);
     const TAPDefClass& last = kin.bases.empty() ? record : *kin.bases.back();
     if (kin.inCircle) {
