@@ -11,8 +11,6 @@ namespace ostraka::answers {
 
 namespace {
 
-constexpr std::string_view ruleNames[] = {"exported", "twin", "generated", "beside"};
-
 // Patterns behind a root, for headers that other files don't see, and those of other operating systems.
 constexpr const char* elsewhere[] = {
     "*/PrivateInterfaces",  "*/PrivateGenerated/*", "*/*/LocalInterfaces",
@@ -51,10 +49,6 @@ std::vector<std::string> FilesElsewhere(const TAPSymbolTable& table, const std::
 }
 
 } // namespace
-
-std::string_view NameOf(HeaderRule rule) {
-    return ruleNames[static_cast<int>(rule)];
-}
 
 HeaderAnswer FindHeader(const TAPSymbolTable& table, const std::string& from, const std::string& name) {
     HeaderTrace trace = table.TraceHeaderFile(from.c_str(), name.c_str());

@@ -5,7 +5,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include <ostraka/symbols/HeaderTrace.h>
@@ -13,9 +12,6 @@
 class TAPSymbolTable;
 
 namespace ostraka::answers {
-
-// "exported", "twin", "generated", "beside".
-std::string_view NameOf(HeaderRule rule);
 
 // A file, and the place at which it was found.
 struct HeaderFile {

@@ -167,6 +167,11 @@ private:
 
 } // namespace
 
+std::string_view ostraka::NameOf(HeaderRule rule) {
+    constexpr std::string_view names[] = {"exported", "twin", "generated", "beside"};
+    return names[static_cast<int>(rule)];
+}
+
 void TAPSymbolTable::SetConcatenation(const TAFileName& list) {
     Split(NUBString(list), concatenation, ":");
     rootsStart = GetWorkDir();

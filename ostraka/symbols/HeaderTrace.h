@@ -3,8 +3,10 @@
 // Why an include means the file that it means: the places at which TAPSymbolTable::SearchHeaderFile looks.
 
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include <ostraka/Export.h>
 #include <ostraka/foundation/TAFileName.h>
 
 namespace ostraka {
@@ -16,6 +18,9 @@ enum class HeaderRule {
     Generated, // made from something else and shown to all
     Beside,    // in a private or local directory around the file that includes it
 };
+
+// "exported", "twin", "generated", "beside".
+OSTRAKA_EXPORT std::string_view NameOf(HeaderRule rule);
 
 // One place of the search: a pattern of four parts.
 struct HeaderPlace {

@@ -18,7 +18,7 @@ namespace {
 std::string Described(const Session& session, const HeaderFile& file) {
     if (!file.place) return "unknown";
     std::string text =
-        fmt::format("{}, in {} of {}", answers::NameOf(file.place->rule), file.place->directory, OwnerOf(file));
+        fmt::format("{}, in {} of {}", NameOf(file.place->rule), file.place->directory, OwnerOf(file));
     if (!file.place->root.empty()) text += fmt::format(", workspace {}", session.Shown(file.place->root));
     return text;
 }
@@ -49,7 +49,7 @@ JsonValue ToJson(const Session& session, const HeaderFile& file) {
                         {"owner", nullptr},
                         {"workspace", nullptr}};
     if (!file.place) return object;
-    object["rule"] = answers::NameOf(file.place->rule);
+    object["rule"] = NameOf(file.place->rule);
     object["directory"] = file.place->directory;
     object["owner"] = OwnerOf(file);
     if (!file.place->root.empty()) object["workspace"] = session.Shown(file.place->root);
@@ -64,7 +64,7 @@ JsonValue ToJson(const Session& session, const HeaderAnswer& answer, const std::
     for (const HeaderFile& file : answer.hidden) hidden.push_back(ToJson(session, file));
     JsonValue& places = document["places"] = JsonValue::array();
     for (const HeaderPlace& place : answer.places)
-        places.push_back({{"rule", answers::NameOf(place.rule)}, {"pattern", session.Shown(place.Pattern())}});
+        places.push_back({{"rule", NameOf(place.rule)}, {"pattern", session.Shown(place.Pattern())}});
     JsonValue& unseen = document["unseen"] = JsonValue::array();
     for (const std::string& path : answer.unseen) unseen.push_back(session.Shown(path));
     return document;
