@@ -1,6 +1,7 @@
 #pragma once
 
-// Texts of files without characters that would break a line or a terminal. Both add to the text they are given.
+// Texts of files without characters that would break a line or a terminal. Both add to the text they are
+// given.
 
 #include <string>
 #include <string_view>
