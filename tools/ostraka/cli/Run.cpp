@@ -84,7 +84,8 @@ int Run::Close() {
     std::string line;
     for (const Counts& each : counts)
         if (each.failed > 0)
-            line += fmt::format("{}{} of {} {}s", line.empty() ? "" : " and ", each.failed, each.all, each.sort);
+            line +=
+                fmt::format("{}{} of {} {}s", line.empty() ? "" : " and ", each.failed, each.all, each.sort);
     if (!request.quiet) console.Err(fmt::format("ostraka: {} failed\n", line));
     return ExitFailed;
 }

@@ -6,15 +6,16 @@
 #include <string>
 #include <vector>
 
+#include <answers/facts/Place.h>
 #include <answers/reports/ReportModel.h>
+#include <nlohmann/json.hpp>
 
 #include "cli/Console.h"
 #include "cli/Request.h"
-#include "formats/Json.h"
 
 namespace ostraka::tool {
 
-using Json = JsonValue;
+using Json = nlohmann::ordered_json;
 
 // Bytes that aren't UTF-8 become the replacement character.
 std::string Printed(const Json& json);

@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include <fmt/format.h>
-#include <nlohmann/json.hpp>
 
 namespace ostraka::tool {
 
@@ -21,17 +20,6 @@ std::string Shortened(std::string_view text, std::size_t limit) {
     std::size_t cut = limit - 3;
     while (cut > limit - 6 && ContinuesCharacter(text[cut])) --cut;
     return std::string(text.substr(0, cut)) + "...";
-}
-
-void AppendJson(std::string& out, std::string_view text) {
-    const auto plain = [](char c) { return c >= 0x20 && c <= 0x7e && c != '"' && c != '\\'; };
-    if (!std::all_of(text.begin(), text.end(), plain)) {
-        out += nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
-        return;
-    }
-    out += '"';
-    out += text;
-    out += '"';
 }
 
 std::string Colored(const Request& request, std::string_view color, std::string_view text) {

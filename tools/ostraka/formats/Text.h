@@ -17,9 +17,6 @@ namespace ostraka::tool {
 // cut.
 std::string Shortened(std::string_view text, std::size_t limit);
 
-// Adds a JSON string to the text. Bytes that aren't UTF-8 become the replacement character.
-void AppendJson(std::string& out, std::string_view text);
-
 // The text, and "file:line:column", as the request wants them on standard output.
 std::string Colored(const Request& request, std::string_view color, std::string_view text);
 std::string PlaceText(const Request& request, std::string_view file, const Place& place);

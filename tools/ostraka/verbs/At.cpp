@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/Options.h"
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
 #include <answers/resolve/NodeAnswers.h>
@@ -96,41 +96,56 @@ private:
     std::string& out;
 };
 
-JsonValue NodeJson(const TAPSyntaxe& node) {
+void NodeJson(JsonWriter& json, const TAPSyntaxe& node) {
     const Place place = PlaceOf(node);
-    return {{"node", PathOf(node)},   {"class", ClassNameOf(node)},
-            {"kind", KindOf(node)},   {"line", place.line},
-            {"column", place.column}, {"text", Shortened(TrimmedTextOf(node), shownText)}};
+    json.BeginObject();
+    json.Member("node", PathOf(node));
+    json.Member("class", ClassNameOf(node));
+    json.Member("kind", KindOf(node));
+    json.Member("line", place.line);
+    json.Member("column", place.column);
+    json.Member("text", Shortened(TrimmedTextOf(node), shownText));
+    json.EndObject();
 }
 
-JsonValue DeclaredJson(const Session& session, const Declaration& declared) {
-    JsonValue object = {{"as", declared.as}, {"type", nullptr}};
-    if (!declared.type.empty()) object["type"] = declared.type;
-    if (declared.node != nullptr) PutPlace(object, FileOf(session, *declared.node), PlaceOf(*declared.node));
-    return object;
+void DeclaredJson(JsonWriter& json, const Session& session, const Declaration& declared) {
+    json.BeginObject();
+    json.Member("as", declared.as);
+    json.Member("type", OrNull(declared.type));
+    if (declared.node != nullptr) json.PlaceMembers(FileOf(session, *declared.node), PlaceOf(*declared.node));
+    json.EndObject();
 }
 
-JsonValue ToJson(const Session& session, const NodeAt& at, const NodeAnswers& answers) {
-    JsonValue document = {{"file", FileOf(session, *at.node)},
-                          {"nearest", at.isNearest},
-                          {"node", NodeJson(*at.node)},
-                          {"type", OrNull(answers.type)}};
-    JsonValue& declared = document["declared"] = JsonValue::array();
-    for (const Declaration& each : answers.declared) declared.push_back(DeclaredJson(session, each));
-    document["class"] = OrNull(answers.className);
-    document["method"] = OrNull(answers.method);
-    document["object"] = nullptr;
-    if (answers.object) {
-        JsonValue& object = document["object"] = {{"text", ShownText(*answers.object->node)},
-                                                  {"type", OrNull(answers.object->type)}};
-        PutPlace(object, FileOf(session, *answers.object->node), PlaceOf(*answers.object->node));
-    }
-    document["returned"] = nullptr;
-    if (answers.goesBack)
-        document["returned"] = {{"byReturn", answers.goesBack->isReturned},
-                                {"argument", answers.goesBack->argument},
-                                {"arguments", answers.goesBack->arguments}};
-    return document;
+void ObjectJson(JsonWriter& json, const Session& session, const Object& object) {
+    json.BeginObject();
+    json.Member("text", ShownText(*object.node));
+    json.Member("type", object.type);
+    json.PlaceMembers(FileOf(session, *object.node), PlaceOf(*object.node));
+    json.EndObject();
+}
+
+void ReturnedJson(JsonWriter& json, const GoesBack& answer) {
+    json.BeginObject();
+    json.Member("byReturn", answer.isReturned);
+    json.Member("argument", answer.argument);
+    json.Member("arguments", answer.arguments);
+    json.EndObject();
+}
+
+void AnswerMembers(JsonWriter& json, const Session& session, const NodeAt& at, const NodeAnswers& answers) {
+    json.Member("file", FileOf(session, *at.node));
+    json.Member("nearest", at.isNearest);
+    json.Key("node");
+    NodeJson(json, *at.node);
+    json.Member("type", answers.type);
+    json.List("declared", answers.declared,
+              [&](const Declaration& each) { DeclaredJson(json, session, each); });
+    json.Member("class", answers.className);
+    json.Member("method", answers.method);
+    json.Key("object");
+    answers.object ? ObjectJson(json, session, *answers.object) : json.Value(nullptr);
+    json.Key("returned");
+    answers.goesBack ? ReturnedJson(json, *answers.goesBack) : json.Value(nullptr);
 }
 
 void Answer(const Request& request, const std::string& asked, Result& result) {
@@ -150,7 +165,8 @@ void Answer(const Request& request, const std::string& asked, Result& result) {
     }
     const NodeAnswers answers = AskAbout(session.Table(), *at->node);
     if (request.format == Format::Json) {
-        result.out += Document("at", ToJson(session, *at, answers));
+        WriteAnswer(request, result.out,
+                    [&](JsonWriter& json) { AnswerMembers(json, session, *at, answers); });
     } else {
         AtText(request, session, result.out).Print(*at, answers);
     }

@@ -63,36 +63,35 @@ std::vector<TAPDefClass*> ClassesOf(const TAPSymbolTable& table) {
     return classes;
 }
 
-JsonValue JsonOf(const Session& session, const TAPDefClass& record) {
-    JsonValue item = {{"name", record.name}, {"kind", KindOf(record)}, {"base", nullptr}};
-    if (HasBase(record)) item["base"] = record.parent;
-    item["framework"] = FrameworkOf(record);
+void ClassMembers(JsonWriter& json, const Session& session, const TAPDefClass& record) {
+    json.Member("name", record.name);
+    json.Member("kind", KindOf(record));
+    json.Member("base", OrNull(BaseOf(record)));
+    json.Member("framework", FrameworkOf(record));
     const Shown shown = ShownPlace(session, record.path);
-    PutPlace(item, shown.file, shown.place);
-    return item;
+    json.PlaceMembers(shown.file, shown.place);
 }
 
-JsonValue JsonPlace(const std::string& file, const Place& place) {
-    JsonValue object = JsonValue::object();
-    PutPlace(object, file, place);
-    return object;
+void PlaceJson(JsonWriter& json, const std::string& file, const Place& place) {
+    json.BeginObject();
+    json.PlaceMembers(file, place);
+    json.EndObject();
 }
 
-JsonValue JsonPlace(const Session& session, const TAPSyntaxePath* path) {
+void PlaceJson(JsonWriter& json, const Session& session, const TAPSyntaxePath* path) {
     const Shown shown = ShownPlace(session, path);
-    return JsonPlace(shown.file, shown.place);
+    PlaceJson(json, shown.file, shown.place);
 }
 
-JsonValue NamesOf(const std::vector<TAPDefClass*>& classes) {
-    JsonValue names = JsonValue::array();
-    for (const TAPDefClass* record : classes) names.push_back(record->name);
-    return names;
+void NamesJson(JsonWriter& json, std::string_view member, const std::vector<TAPDefClass*>& classes) {
+    json.List(member, classes, [&](const TAPDefClass* record) { json.Value(record->name); });
 }
 
-JsonValue TiesOf(const TAPDefClass& record) {
-    JsonValue names = JsonValue::array();
-    for (int i = 1; i <= record.tied.size; ++i) names.push_back(record.tied[i]->name);
-    return names;
+void TiesJson(JsonWriter& json, const TAPDefClass& record) {
+    json.Key("ties");
+    json.BeginList();
+    for (int i = 1; i <= record.tied.size; ++i) json.Value(record.tied[i]->name);
+    json.EndList();
 }
 
 Kin KinOf(const TAPSymbolTable& table, const TAPDefClass& record) {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "formats/Text.h"
 
 class TAPDefClass;
@@ -46,11 +46,11 @@ Kin KinOf(const TAPSymbolTable& table, const TAPDefClass& record);
 // As it stands in texts.
 std::string PlaceText(const Request& request, const Session& session, const TAPSyntaxePath* path);
 
-// As they stand in documents: a place as "file", "line" and "column", a class with its kind and base.
-JsonValue JsonPlace(const std::string& file, const Place& place);
-JsonValue JsonPlace(const Session& session, const TAPSyntaxePath* path);
-JsonValue JsonOf(const Session& session, const TAPDefClass& record);
-JsonValue NamesOf(const std::vector<TAPDefClass*>& classes);
-JsonValue TiesOf(const TAPDefClass& record);
+// As they stand in documents. A class adds its members to an open object.
+void PlaceJson(JsonWriter& json, const std::string& file, const Place& place);
+void PlaceJson(JsonWriter& json, const Session& session, const TAPSyntaxePath* path);
+void ClassMembers(JsonWriter& json, const Session& session, const TAPDefClass& record);
+void NamesJson(JsonWriter& json, std::string_view member, const std::vector<TAPDefClass*>& classes);
+void TiesJson(JsonWriter& json, const TAPDefClass& record);
 
 } // namespace ostraka::tool

@@ -8,7 +8,7 @@
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
@@ -45,26 +45,35 @@ bool IsSomeBase(const TAPSymbolTable& table, const std::string& name) {
                        [&](const TAPDefClass* record) { return BaseOf(*record) == name; });
 }
 
+std::vector<const TAPDefClass*> Wanted(const Request& request, const TAPSymbolTable& table,
+                                       const std::vector<std::string>& files) {
+    const std::set<std::string_view> wanted(files.begin(), files.end());
+    std::vector<const TAPDefClass*> found;
+    for (const TAPDefClass* record : ClassesOf(table))
+        if (record->path != nullptr && wanted.contains(record->path->filePath.View()) &&
+            IsOfKinds(*record, request.kinds) && IsDerivedFrom(table, *record, request.derivedFrom))
+            found.push_back(record);
+    return found;
+}
+
 void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
             Result& result) {
-    const std::set<std::string_view> wanted(files.begin(), files.end());
     const TAPSymbolTable& table = session.Table();
-    JsonValue list = JsonValue::array();
-    bool found = false;
     if (!request.derivedFrom.empty() && !IsSomeBase(table, request.derivedFrom))
         FindClass(session, request.derivedFrom, result);
-    for (const TAPDefClass* record : ClassesOf(table)) {
-        if (record->path == nullptr || !wanted.contains(record->path->filePath.View())) continue;
-        if (!IsOfKinds(*record, request.kinds) || !IsDerivedFrom(table, *record, request.derivedFrom))
-            continue;
-        found = true;
-        if (request.format == Format::Text) PrintClassLine(request, session, *record, result.out);
-        if (request.format == Format::Json) list.push_back(JsonOf(session, *record));
-        if (request.format == Format::JsonLines)
-            result.out += Document("classes", {{"classes", JsonValue::array({JsonOf(session, *record)})}});
+    const std::vector<const TAPDefClass*> found = Wanted(request, table, files);
+    if (found.empty()) ++result.notFound;
+    if (request.format == Format::Text) {
+        for (const TAPDefClass* record : found) PrintClassLine(request, session, *record, result.out);
+        return;
     }
-    if (request.format == Format::Json) result.out = Document("classes", {{"classes", std::move(list)}});
-    if (!found) ++result.notFound;
+    JsonAnswer answer(request, [&](std::string_view piece) { result.out += piece; });
+    answer.List("classes", found, false, [&](JsonWriter& json, const TAPDefClass* record) {
+        json.BeginObject();
+        ClassMembers(json, session, *record);
+        json.EndObject();
+    });
+    answer.Close();
 }
 
 void RunClasses(Run& run) {

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 
 #include "cli/Options.h"
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
 #include <answers/resolve/HeaderPlaces.h>
@@ -42,32 +42,35 @@ void PrintText(const Request& request, const Session& session, const HeaderAnswe
     for (const std::string& path : answer.unseen) append("  {}\n", session.Shown(path));
 }
 
-JsonValue ToJson(const Session& session, const HeaderFile& file) {
-    JsonValue object = {{"file", session.Shown(file.path)},
-                        {"rule", nullptr},
-                        {"directory", nullptr},
-                        {"owner", nullptr},
-                        {"workspace", nullptr}};
-    if (!file.place) return object;
-    object["rule"] = NameOf(file.place->rule);
-    object["directory"] = file.place->directory;
-    object["owner"] = OwnerOf(file);
-    if (!file.place->root.empty()) object["workspace"] = session.Shown(file.place->root);
-    return object;
+void FileJson(JsonWriter& json, const Session& session, const HeaderFile& file) {
+    const auto tell = [&](std::string_view key, auto of) {
+        json.Member(key, file.place ? std::optional(std::string(of(*file.place))) : std::nullopt);
+    };
+    json.BeginObject();
+    json.Member("file", session.Shown(file.path));
+    tell("rule", [](const HeaderPlace& place) { return NameOf(place.rule); });
+    tell("directory", [](const HeaderPlace& place) { return place.directory; });
+    tell("owner", [&](const HeaderPlace&) { return OwnerOf(file); });
+    json.Member("workspace", file.place && !file.place->root.empty()
+                                 ? std::optional(session.Shown(file.place->root))
+                                 : std::nullopt);
+    json.EndObject();
 }
 
-JsonValue ToJson(const Session& session, const HeaderAnswer& answer, const std::string& name,
-                 const std::string& from) {
-    JsonValue document = {{"name", name}, {"from", session.Shown(from)}, {"found", nullptr}};
-    if (answer.found) document["found"] = ToJson(session, *answer.found);
-    JsonValue& hidden = document["hidden"] = JsonValue::array();
-    for (const HeaderFile& file : answer.hidden) hidden.push_back(ToJson(session, file));
-    JsonValue& places = document["places"] = JsonValue::array();
-    for (const HeaderPlace& place : answer.places)
-        places.push_back({{"rule", NameOf(place.rule)}, {"pattern", session.Shown(place.Pattern())}});
-    JsonValue& unseen = document["unseen"] = JsonValue::array();
-    for (const std::string& path : answer.unseen) unseen.push_back(session.Shown(path));
-    return document;
+void AnswerMembers(JsonWriter& json, const Session& session, const HeaderAnswer& answer,
+                   const std::string& name, const std::string& from) {
+    json.Member("name", name);
+    json.Member("from", session.Shown(from));
+    json.Key("found");
+    answer.found ? FileJson(json, session, *answer.found) : json.Value(nullptr);
+    json.List("hidden", answer.hidden, [&](const HeaderFile& file) { FileJson(json, session, file); });
+    json.List("places", answer.places, [&](const HeaderPlace& place) {
+        json.BeginObject();
+        json.Member("rule", NameOf(place.rule));
+        json.Member("pattern", session.Shown(place.Pattern()));
+        json.EndObject();
+    });
+    json.List("unseen", answer.unseen, [&](const std::string& path) { json.Value(session.Shown(path)); });
 }
 
 void Answer(const Request& request, const std::string& name, Result& result) {
@@ -80,7 +83,8 @@ void Answer(const Request& request, const std::string& name, Result& result) {
     const HeaderAnswer answer = FindHeader(session.Table(), from, name);
     if (!answer.found) ++result.notFound;
     if (request.format == Format::Json) {
-        result.out += Document("header", ToJson(session, answer, name, from));
+        WriteAnswer(request, result.out,
+                    [&](JsonWriter& json) { AnswerMembers(json, session, answer, name, from); });
     } else {
         PrintText(request, session, answer, name, result.out);
     }

@@ -11,7 +11,7 @@
 
 #include "cli/Options.h"
 #include "formats/Dot.h"
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
@@ -144,14 +144,19 @@ std::string DotOf(const Request& request, const std::vector<Branch>& branches) {
     return out + LeftOut(branches.size() - count, "classes") + "}\n";
 }
 
-JsonValue JsonOf(const Session& session, Hierarchy& hierarchy, const Branch& branch) {
-    if (branch.record == nullptr) return {{"name", branch.name}, {"depth", branch.depth}, {"loaded", false}};
-    JsonValue item = JsonOf(session, *branch.record);
-    item["depth"] = branch.depth;
-    item["loaded"] = true;
-    item["ties"] = TiesOf(*branch.record);
-    item["tiedTo"] = NamesOf(hierarchy.TiedTo(branch.record));
-    return item;
+void BranchJson(JsonWriter& json, const Session& session, Hierarchy& hierarchy, const Branch& branch) {
+    json.BeginObject();
+    if (branch.record != nullptr)
+        ClassMembers(json, session, *branch.record);
+    else
+        json.Member("name", branch.name);
+    json.Member("depth", branch.depth);
+    json.Member("loaded", branch.record != nullptr);
+    if (branch.record != nullptr) {
+        TiesJson(json, *branch.record);
+        NamesJson(json, "tiedTo", hierarchy.TiedTo(branch.record));
+    }
+    json.EndObject();
 }
 
 void Answer(const Request& request, const Session& session, const std::vector<std::string>&, Result& result) {
@@ -167,16 +172,15 @@ void Answer(const Request& request, const Session& session, const std::vector<st
     if (branches.empty()) ++result.notFound;
     if (request.format == Format::Dot) {
         result.out = DotOf(request, branches);
-        return;
+    } else if (request.format == Format::Json) {
+        JsonAnswer answer(request, [&](std::string_view piece) { result.out += piece; });
+        answer.List("classes", branches, false, [&](JsonWriter& json, const Branch& branch) {
+            BranchJson(json, session, hierarchy, branch);
+        });
+        answer.Close();
+    } else {
+        for (const Branch& branch : branches) PrintBranch(request, session, hierarchy, branch, result.out);
     }
-    JsonValue list = JsonValue::array();
-    for (const Branch& branch : branches) {
-        if (request.format == Format::Text)
-            PrintBranch(request, session, hierarchy, branch, result.out);
-        else
-            list.push_back(JsonOf(session, hierarchy, branch));
-    }
-    if (request.format == Format::Json) result.out = Document("hierarchy", {{"classes", std::move(list)}});
 }
 
 void RunHierarchy(Run& run) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <iterator>
 #include <string>
 #include <unordered_set>
@@ -7,7 +8,7 @@
 
 #include "cli/Options.h"
 #include "formats/Dot.h"
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
 #include <answers/resolve/IncludeGraph.h>
@@ -140,24 +141,33 @@ void PrintDot(const Session& session, const IncludeGraph& graph, const Request& 
     out += LeftOut(nodes.LeftOut(), "files") + "}\n";
 }
 
-JsonValue ToJson(const Session& session, const IncludeGraph& graph, bool missingOnly) {
-    JsonValue document = {{"file", session.Shown(graph.front().path)}};
-    JsonValue& files = document["files"] = JsonValue::array();
-    for (const IncludedFile& file : graph) {
-        JsonValue object = {{"file", session.Shown(file.path)}, {"loaded", file.hasTree}};
-        JsonValue& includes = object["includes"] = JsonValue::array();
-        for (const Include& include : file.includes) {
-            if (missingOnly && include.target >= 0) continue;
-            JsonValue entry = {{"name", include.name}, {"file", nullptr}};
-            if (include.target >= 0)
-                entry["file"] = session.Shown(graph[static_cast<std::size_t>(include.target)].path);
-            entry["line"] = include.place ? JsonValue(include.place->line) : JsonValue();
-            entry["column"] = include.place ? JsonValue(include.place->column) : JsonValue();
-            includes.push_back(std::move(entry));
-        }
-        if (!missingOnly || !includes.empty()) files.push_back(std::move(object));
-    }
-    return document;
+void IncludeJson(JsonWriter& json, const Session& session, const IncludeGraph& graph,
+                 const Include& include) {
+    const bool isFound = include.target >= 0;
+    json.BeginObject();
+    json.Member("name", include.name);
+    json.Member("file",
+                isFound ? std::optional(session.Shown(graph[static_cast<std::size_t>(include.target)].path))
+                        : std::nullopt);
+    json.Member("line", include.place ? std::optional(include.place->line) : std::nullopt);
+    json.Member("column", include.place ? std::optional(include.place->column) : std::nullopt);
+    json.EndObject();
+}
+
+// With `missingOnly` those includes that weren't found, and the files that have any.
+void AnswerMembers(JsonWriter& json, const Session& session, const IncludeGraph& graph, bool missingOnly) {
+    json.Member("file", session.Shown(graph.front().path));
+    const auto isShown = [=](const Include& include) { return !missingOnly || include.target < 0; };
+    json.List("files", graph, [&](const IncludedFile& file) {
+        if (missingOnly && std::none_of(file.includes.begin(), file.includes.end(), isShown)) return;
+        json.BeginObject();
+        json.Member("file", session.Shown(file.path));
+        json.Member("loaded", file.hasTree);
+        json.List("includes", file.includes, [&](const Include& include) {
+            if (isShown(include)) IncludeJson(json, session, graph, include);
+        });
+        json.EndObject();
+    });
 }
 
 // Those that aren't found never stay unsaid.
@@ -174,7 +184,8 @@ void Answer(const Request& request, const std::string& path, Result& result) {
     if (session.Load(path, result) == nullptr) return;
     const IncludeGraph graph = FollowIncludes(session.Table(), Session::Absolute(path));
     if (request.format == Format::Json) {
-        result.out += Document("includes", ToJson(session, graph, request.missingOnly));
+        WriteAnswer(request, result.out,
+                    [&](JsonWriter& json) { AnswerMembers(json, session, graph, request.missingOnly); });
     } else if (request.format == Format::Dot) {
         PrintDot(session, graph, request, result.out);
     } else if (request.missingOnly) {

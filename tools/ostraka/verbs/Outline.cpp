@@ -9,7 +9,7 @@
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
@@ -48,19 +48,21 @@ void PrintText(const Request& request, const std::string& file, const OutlineEnt
     out += '\n';
 }
 
-JsonValue JsonOf(const OutlineEntry& declaration) {
-    JsonValue item = {{"kind", NameOf(declaration.kind)}, {"name", declaration.name}};
-    if (!declaration.scope.empty()) item["scope"] = declaration.scope;
-    item["text"] = declaration.text;
-    item["line"] = declaration.place.line;
-    item["column"] = declaration.place.column;
+void DeclarationJson(JsonWriter& json, const OutlineEntry& declaration) {
+    json.BeginObject();
+    json.Member("kind", NameOf(declaration.kind));
+    json.Member("name", declaration.name);
+    if (!declaration.scope.empty()) json.Member("scope", declaration.scope);
+    json.Member("text", declaration.text);
+    json.Member("line", declaration.place.line);
+    json.Member("column", declaration.place.column);
     if (const std::string_view visibility = VisibilityOf(declaration.visibility); !visibility.empty())
-        item["visibility"] = visibility;
+        json.Member("visibility", visibility);
     if (declaration.classRecord != nullptr) {
-        item["classKind"] = KindOf(*declaration.classRecord);
-        if (HasBase(*declaration.classRecord)) item["base"] = declaration.classRecord->parent;
+        json.Member("classKind", KindOf(*declaration.classRecord));
+        if (HasBase(*declaration.classRecord)) json.Member("base", declaration.classRecord->parent);
     }
-    return item;
+    json.EndObject();
 }
 
 // A statement stands once, however many names it declares.
@@ -71,28 +73,38 @@ void PrintOutline(const Request& request, const std::string& file,
             PrintText(request, file, declarations[i], out);
 }
 
-JsonValue JsonOf(const std::string& file, const std::vector<OutlineEntry>& declarations) {
-    JsonValue items = JsonValue::array();
-    for (const OutlineEntry& declaration : declarations) items.push_back(JsonOf(declaration));
-    return {{"file", file}, {"declarations", std::move(items)}};
+struct FileOutline {
+    std::string file;
+    std::vector<OutlineEntry> declarations;
+};
+
+void OutlineJson(JsonWriter& json, const FileOutline& outline) {
+    json.BeginObject();
+    json.Member("file", outline.file);
+    json.List("declarations", outline.declarations,
+              [&](const OutlineEntry& declaration) { DeclarationJson(json, declaration); });
+    json.EndObject();
 }
 
 void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
             Result& result) {
-    JsonValue list = JsonValue::array();
     bool found = false;
-    for (const std::string& file : files) {
-        const std::string shown = session.Shown(file);
-        const std::vector<OutlineEntry> declarations = DeclarationsOf(session.Table(), file);
-        found = found || !declarations.empty();
-        if (request.format == Format::Text)
-            PrintOutline(request, shown, declarations, result.out);
-        else if (request.format == Format::JsonLines)
-            result.out += Document("outline", {{"files", JsonValue::array({JsonOf(shown, declarations)})}});
-        else
-            list.push_back(JsonOf(shown, declarations));
+    const auto outlineOf = [&](const std::string& file) {
+        FileOutline outline{session.Shown(file), DeclarationsOf(session.Table(), file)};
+        found = found || !outline.declarations.empty();
+        return outline;
+    };
+    if (request.format == Format::Text) {
+        for (const std::string& file : files) {
+            const FileOutline outline = outlineOf(file);
+            PrintOutline(request, outline.file, outline.declarations, result.out);
+        }
+    } else {
+        JsonAnswer answer(request, [&](std::string_view piece) { result.out += piece; });
+        answer.List("files", files, false,
+                    [&](JsonWriter& json, const std::string& file) { OutlineJson(json, outlineOf(file)); });
+        answer.Close();
     }
-    if (request.format == Format::Json) result.out = Document("outline", {{"files", std::move(list)}});
     if (!found) ++result.notFound;
 }
 

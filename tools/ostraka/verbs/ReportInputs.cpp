@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "cli/Inputs.h"
+#include "formats/Text.h"
 #include <answers/facts/RawFile.h>
 
 namespace ostraka::tool {

@@ -7,7 +7,7 @@
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
-#include "formats/Json.h"
+#include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
@@ -102,62 +102,88 @@ void PrintMethods(const Request& request, const Session& session, const TAPDefCl
     }
 }
 
-JsonValue JsonOf(const TAPDefVar& argument) {
-    JsonValue item = {{"name", nullptr}, {"type", argument.type}};
-    if (argument.name != nullptr) item["name"] = argument.name;
+void ArgumentJson(JsonWriter& json, const TAPDefVar& argument) {
+    json.BeginObject();
+    json.Key("name");
+    argument.name != nullptr ? json.Value(argument.name) : json.Value(nullptr);
+    json.Member("type", argument.type);
     if (const std::string_view word = DirectionOf(argument.direction); !word.empty())
-        item["direction"] = word;
-    return item;
+        json.Member("direction", word);
+    json.EndObject();
+}
+
+// What a member and a method have in common.
+void EntryMembers(JsonWriter& json, const Session& session, const TAPDefClass& record,
+                  const OutlineEntry& entry, std::optional<std::string_view> type) {
+    json.Member("name", entry.name);
+    json.Member("kind", NameOf(entry.kind));
+    json.Member("text", entry.text);
+    json.Member("type", type);
+    if (const std::string_view word = VisibilityOf(entry.visibility); !word.empty())
+        json.Member("visibility", word);
+    json.Key("declared");
+    if (entry.owner != nullptr)
+        PlaceJson(json, session.Shown(record.path->filePath.View()), entry.place);
+    else
+        json.Value(nullptr);
+}
+
+void MemberJson(JsonWriter& json, const Session& session, const TAPDefClass& record,
+                const OutlineEntry& entry) {
+    json.BeginObject();
+    EntryMembers(json, session, record, entry, OrNull(entry.type));
+    json.EndObject();
 }
 
 // What a record says of a method; a method without one has its text.
-void PutRecord(JsonValue& item, const Session& session, TAPDefMethod& method) {
-    if (method.returnedType != nullptr) item["type"] = method.returnedType;
+void RecordMembers(JsonWriter& json, const Session& session, TAPDefMethod& method) {
+    json.Key("arguments");
     if (method.path != nullptr) {
-        item["arguments"] = JsonValue::array();
-        for (int i = 1; i <= method.args.size; ++i) item["arguments"].push_back(JsonOf(*method.args[i]));
+        json.BeginList();
+        for (int i = 1; i <= method.args.size; ++i) ArgumentJson(json, *method.args[i]);
+        json.EndList();
+    } else {
+        json.Value(nullptr);
     }
-    if (const std::string_view word = BindingOf(method); !word.empty()) item["binding"] = word;
-    item["inline"] = method.inlined != 0;
-    if (method.implPath == nullptr) return;
-    item["implemented"] = JsonPlace(session, method.implPath);
-    item["lines"] = method.GetImpLine();
+    json.Key("implemented");
+    if (method.implPath != nullptr)
+        PlaceJson(json, session, method.implPath);
+    else
+        json.Value(nullptr);
+    if (const std::string_view word = BindingOf(method); !word.empty()) json.Member("binding", word);
+    json.Member("inline", method.inlined != 0);
+    if (method.implPath != nullptr) json.Member("lines", method.GetImpLine());
 }
 
-JsonValue JsonOf(const Session& session, const TAPDefClass& record, const OutlineEntry& entry) {
-    JsonValue item = {{"name", entry.name}, {"kind", NameOf(entry.kind)}, {"text", entry.text}};
-    item["type"] = entry.type.empty() ? JsonValue() : JsonValue(entry.type);
-    if (const std::string_view word = VisibilityOf(entry.visibility); !word.empty())
-        item["visibility"] = word;
-    item["declared"] = nullptr;
-    if (entry.owner != nullptr)
-        item["declared"] = JsonPlace(session.Shown(record.path->filePath.View()), entry.place);
-    return item;
+void MethodJson(JsonWriter& json, const Session& session, const TAPDefClass& record,
+                const OutlineEntry& entry) {
+    std::optional<std::string_view> type = OrNull(entry.type);
+    if (entry.method != nullptr && entry.method->returnedType != nullptr) type = entry.method->returnedType;
+    json.BeginObject();
+    EntryMembers(json, session, record, entry, type);
+    if (entry.method != nullptr) {
+        RecordMembers(json, session, *entry.method);
+    } else {
+        json.Member("arguments", nullptr);
+        json.Member("implemented", nullptr);
+    }
+    json.EndObject();
 }
 
-JsonValue MethodJson(const Session& session, const TAPDefClass& record, const OutlineEntry& entry) {
-    JsonValue item = JsonOf(session, record, entry);
-    item["arguments"] = nullptr;
-    item["implemented"] = nullptr;
-    if (entry.method != nullptr) PutRecord(item, session, *entry.method);
-    return item;
-}
-
-JsonValue WholeJson(const Session& session, const TAPDefClass& record, const Kin& kin) {
-    JsonValue item = JsonOf(session, record);
-    item["bases"] = NamesOf(kin.bases);
-    item["derived"] = NamesOf(kin.derived);
-    item["ties"] = TiesOf(record);
-    item["tiedTo"] = NamesOf(kin.tiedTo);
-    item["dispatch"] = record.dispatch != 0;
-    item["members"] = JsonValue::array();
-    item["methods"] = JsonValue::array();
+void WholeJson(JsonWriter& json, const Session& session, const TAPDefClass& record, const Kin& kin) {
+    json.BeginObject();
+    ClassMembers(json, session, record);
+    NamesJson(json, "bases", kin.bases);
+    NamesJson(json, "derived", kin.derived);
+    TiesJson(json, record);
+    NamesJson(json, "tiedTo", kin.tiedTo);
+    json.Member("dispatch", record.dispatch != 0);
     const Content content = ContentOf(session.Table(), record);
-    for (const OutlineEntry& member : content.members)
-        item["members"].push_back(JsonOf(session, record, member));
-    for (const OutlineEntry& method : content.methods)
-        item["methods"].push_back(MethodJson(session, record, method));
-    return item;
+    json.List("members", content.members,
+              [&](const OutlineEntry& entry) { MemberJson(json, session, record, entry); });
+    json.List("methods", content.methods,
+              [&](const OutlineEntry& entry) { MethodJson(json, session, record, entry); });
+    json.EndObject();
 }
 
 void Answer(const Request& request, const Session& session, const std::vector<std::string>&, Result& result) {
@@ -165,8 +191,10 @@ void Answer(const Request& request, const Session& session, const std::vector<st
     if (record == nullptr) return;
     const Kin kin = KinOf(session.Table(), *record);
     if (request.format == Format::Json) {
-        result.out = Document("show", {{"class", WholeJson(session, *record, kin)}});
-        return;
+        return WriteAnswer(request, result.out, [&](JsonWriter& json) {
+            json.Key("class");
+            WholeJson(json, session, *record, kin);
+        });
     }
     PrintHead(request, session, *record, kin, result.out);
     const Content content = ContentOf(session.Table(), *record);

@@ -1,9 +1,5 @@
 #include "verbs/SourceRun.h"
 
-#include <iterator>
-
-#include <fmt/format.h>
-
 #include "cli/Inputs.h"
 #include "formats/Text.h"
 
@@ -15,29 +11,56 @@ bool IsJson(const Request& request) {
     return request.format == Format::Json || request.format == Format::JsonLines;
 }
 
-std::string OpenDocument(const Request& request) {
-    return fmt::format("{{\"format\":\"ostraka.{}\",\"version\":1,\"files\":[", request.verb);
+void FailureJson(JsonWriter& json, const Failure& failure) {
+    json.Key("error");
+    json.BeginObject();
+    if (failure.place) {
+        json.Member("line", failure.place->line);
+        json.Member("column", failure.place->column);
+    }
+    json.Member("message", failure.cause);
+    json.EndObject();
 }
 
-void PrintFailureJson(const Failure& failure, std::string& out) {
-    out += ",\"error\":{";
-    if (failure.place)
-        fmt::format_to(std::back_inserter(out), "\"line\":{},\"column\":{},", failure.place->line,
-                       failure.place->column);
-    out += "\"message\":";
-    AppendJson(out, failure.cause);
-    out += '}';
+// The object of a file; one that isn't loaded has no more than its failure.
+void FileJson(JsonWriter& json, const Request& request, const FileOfRun& file, const SourcePrinter& printer,
+              SourceUnit& unit, bool loaded, Result& result) {
+    json.BeginObject();
+    json.Member("file", ShownPath(file.input.path));
+    if (unit.GetFailure()) FailureJson(json, *unit.GetFailure());
+    if (loaded) printer.json(request, file, unit, json, result);
+    json.EndObject();
 }
 
-void PrintJson(const Request& request, const FileOfRun& file, bool loaded, const SourcePrinter& printer,
-               SourceUnit& unit, Result& result) {
-    if (request.format == Format::JsonLines) result.out += OpenDocument(request);
-    if (request.format == Format::Json && file.index > 0) result.out += ",\n";
-    result.out += "{\"file\":";
-    AppendJson(result.out, ShownPath(file.input.path));
-    if (unit.GetFailure()) PrintFailureJson(*unit.GetFailure(), result.out);
-    if (loaded) printer.json(request, file, unit, result);
-    result.out += request.format == Format::JsonLines ? "}]}\n" : "}";
+// One of the objects in the list of the document, or a document on a line.
+void PrintJson(const Request& request, const FileOfRun& file, const SourcePrinter& printer, SourceUnit& unit,
+               bool loaded, Result& result) {
+    if (request.format == Format::JsonLines)
+        return WriteAnswer(request, result.out, [&](JsonWriter& json) {
+            json.Key("files");
+            json.BeginList();
+            FileJson(json, request, file, printer, unit, loaded, result);
+            json.EndList();
+        });
+    if (file.index > 0) result.out += ",\n";
+    JsonWriter json(result.out);
+    FileJson(json, request, file, printer, unit, loaded, result);
+}
+
+// The one document of all files, which come as texts in their order.
+void PrintDocument(Run& run, AnswerFile answer) {
+    std::string text;
+    JsonWriter json(text);
+    json.BeginAnswer(run.request);
+    json.Key("files");
+    json.BeginList();
+    run.console.Out(text + '\n');
+    run.ForEach(CollectInputs(run.request), answer);
+    text.clear();
+    json.BreakLine();
+    json.EndList();
+    json.EndObject();
+    run.console.Out(text + '\n');
 }
 
 } // namespace
@@ -51,15 +74,13 @@ void AnswerSource(const Request& request, const FileOfRun& file, const SourcePri
         result.Warn(request, file.input.path, warning->place, warning->cause);
     if (const auto& failure = unit.GetFailure()) result.Fail(request, file.input.path, *failure);
     if (request.format == Format::Dump) return PrintDump(file.input, unit, result);
-    if (IsJson(request)) return PrintJson(request, file, loaded, printer, unit, result);
+    if (IsJson(request)) return PrintJson(request, file, printer, unit, loaded, result);
     if (loaded) printer.text(request, file, unit, result);
 }
 
 void RunOnSources(Run& run, AnswerFile answer) {
-    const bool isOneDocument = run.request.format == Format::Json;
-    if (isOneDocument) run.console.Out(OpenDocument(run.request) + "\n");
+    if (run.request.format == Format::Json) return PrintDocument(run, answer);
     run.ForEach(CollectInputs(run.request), answer);
-    if (isOneDocument) run.console.Out("\n]}\n");
 }
 
 } // namespace ostraka::tool

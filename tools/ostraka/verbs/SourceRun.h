@@ -5,6 +5,7 @@
 #include <answers/facts/SourceUnit.h>
 
 #include "cli/Run.h"
+#include "formats/JsonWriter.h"
 
 namespace ostraka::tool {
 
@@ -12,7 +13,8 @@ namespace ostraka::tool {
 struct SourcePrinter {
     bool needsTree;
     void (*text)(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result);
-    void (*json)(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result);
+    void (*json)(const Request& request, const FileOfRun& file, SourceUnit& unit, JsonWriter& json,
+                 Result& result);
 };
 
 // Answers for one file of a run.

@@ -68,31 +68,36 @@ void PrintMacros(const TAIndex& macros, std::string& out) {
     }
 }
 
-void PrintPlacesJson(const TAPSourceFile& file, std::string& out) {
-    const char* separator = "";
+void PlacesJson(JsonWriter& json, const TAPSourceFile& file) {
+    json.Key("places");
+    json.BeginList();
     ForEachRun(
         file, [](const TAPSyntaxePoint& point) { return std::max(1, point.GetCol() - 1); },
         [&](int pos, int line, int column) {
-            fmt::format_to(std::back_inserter(out), "{}[{},{},{}]", separator, pos, line, column);
-            separator = ",";
+            json.BeginList();
+            for (const int number : {pos, line, column}) json.Value(number);
+            json.EndList();
         });
+    json.EndList();
 }
 
-void PrintIncludesJson(const TAPSourceFile& file, std::string& out) {
-    for (int i = 0; i < file.includes.size; ++i) {
-        if (i > 0) out += ',';
-        AppendJson(out, file.includes.keys[i]);
-    }
+void IncludesJson(JsonWriter& json, const TAPSourceFile& file) {
+    json.Key("includes");
+    json.BeginList();
+    for (int i = 0; i < file.includes.size; ++i) json.Value(file.includes.keys[i]);
+    json.EndList();
 }
 
-void PrintMacrosJson(const TAIndex& macros, std::string& out) {
+void MacrosJson(JsonWriter& json, const TAIndex& macros) {
+    json.Key("macros");
+    json.BeginList();
     for (int i = 0; i < macros.size; ++i) {
-        out += i > 0 ? ",{\"name\":" : "{\"name\":";
-        AppendJson(out, macros.keys[i]);
-        out += ",\"value\":";
-        AppendJson(out, static_cast<const char*>(macros.values[i]));
-        out += '}';
+        json.BeginObject();
+        json.Member("name", macros.keys[i]);
+        json.Member("value", static_cast<const char*>(macros.values[i]));
+        json.EndObject();
     }
+    json.EndList();
 }
 
 void PrintText(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result) {
@@ -104,20 +109,15 @@ void PrintText(const Request& request, const FileOfRun& file, SourceUnit& unit, 
     if (!lists && !request.map) PrintWhole(unit.File(), result.out);
 }
 
-void PrintJson(const Request&, const FileOfRun&, SourceUnit& unit, Result& result) {
+void PrintJson(const Request&, const FileOfRun&, SourceUnit& unit, JsonWriter& json, Result&) {
     const TAPSourceFile& file = unit.File();
-    std::string& out = result.out;
-    fmt::format_to(std::back_inserter(out),
-                   ",\"size\":{},\"lines\":{},\"codeLines\":{},\"text\":", file.GetSize(), file.GetNbLine(),
-                   file.GetNbCodeLine());
-    AppendJson(out, StreamOf(file));
-    out += ",\"places\":[";
-    PrintPlacesJson(file, out);
-    out += "],\"includes\":[";
-    PrintIncludesJson(file, out);
-    out += "],\"macros\":[";
-    PrintMacrosJson(unit.Macros(), out);
-    out += ']';
+    json.Member("size", file.GetSize());
+    json.Member("lines", file.GetNbLine());
+    json.Member("codeLines", file.GetNbCodeLine());
+    json.Member("text", StreamOf(file));
+    PlacesJson(json, file);
+    IncludesJson(json, file);
+    MacrosJson(json, unit.Macros());
 }
 
 constexpr SourcePrinter printer = {false, PrintText, PrintJson};

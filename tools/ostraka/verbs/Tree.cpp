@@ -88,17 +88,20 @@ private:
     std::size_t placeWidth;
 };
 
-void PrintNodeJson(const Request& request, const TreeWalk& walk, std::string& out) {
+void NodeJson(JsonWriter& json, const Request& request, const TreeWalk& walk) {
     const TAPSyntaxe& node = *walk.Node();
     const Place place = PlaceOf(node);
-    fmt::format_to(std::back_inserter(out), "{{\"node\":\"{}\",\"class\":\"{}\",\"kind\":", walk.Path(),
-                   ClassNameOf(node));
-    AppendJson(out, KindOf(node));
-    fmt::format_to(std::back_inserter(out),
-                   ",\"line\":{},\"column\":{},\"begin\":{},\"size\":{},\"children\":{},\"text\":",
-                   place.line, place.column, node.GetBegin(), node.GetSize(), node.ChildCount());
-    AppendJson(out, Shortened(TextOf(node), TextLimit(request)));
-    out += '}';
+    json.BeginObject();
+    json.Member("node", walk.Path());
+    json.Member("class", ClassNameOf(node));
+    json.Member("kind", KindOf(node));
+    json.Member("line", place.line);
+    json.Member("column", place.column);
+    json.Member("begin", node.GetBegin());
+    json.Member("size", node.GetSize());
+    json.Member("children", node.ChildCount());
+    json.Member("text", Shortened(TextOf(node), TextLimit(request)));
+    json.EndObject();
 }
 
 void PrintText(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result) {
@@ -109,20 +112,19 @@ void PrintText(const Request& request, const FileOfRun& file, SourceUnit& unit, 
         lines.Print(walk);
 }
 
-void PrintJson(const Request& request, const FileOfRun& file, SourceUnit& unit, Result& result) {
-    fmt::format_to(std::back_inserter(result.out), ",\"complete\":{},\"nodes\":[", !unit.GetFailure());
-    TAPSyntaxe* top = FindTop(request, file.input, unit, result);
-    const bool lines = request.format == Format::Json;
-    const char* separator = lines ? "\n" : "";
-    if (top != nullptr) {
+void PrintJson(const Request& request, const FileOfRun& file, SourceUnit& unit, JsonWriter& json,
+               Result& result) {
+    json.Member("complete", !unit.GetFailure());
+    json.Key("nodes");
+    json.BeginList();
+    if (TAPSyntaxe* top = FindTop(request, file.input, unit, result); top != nullptr) {
         for (TreeWalk walk(*top, PathText(request.node), request.depth); walk.Node() != nullptr;
              walk.Next()) {
-            result.out += separator;
-            PrintNodeJson(request, walk, result.out);
-            separator = lines ? ",\n" : ",";
+            if (request.format == Format::Json) json.BreakLine();
+            NodeJson(json, request, walk);
         }
     }
-    result.out += ']';
+    json.EndList();
 }
 
 constexpr SourcePrinter printer = {true, PrintText, PrintJson};

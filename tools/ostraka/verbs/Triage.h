@@ -79,7 +79,7 @@ std::string PlaceOf(const Triage& triage, const reports::StackGroup& group,
                     const std::vector<CallCharge>& charges);
 
 // What is told of a stack besides its calls.
-JsonValue FactsOf(const Triage& triage, const TriageItem& item);
+Json FactsOf(const Triage& triage, const TriageItem& item);
 
 // "charged", "ignored call" and so on.
 const char* NameOf(CallCharge charge);
