@@ -80,7 +80,7 @@ public:
     }
     void operator()(const FormatWord&) const {
         std::vector<const char*> names;
-        for (const Format format : verb.formats) names.push_back(NameOf(format));
+        for (const Format format : verb.formats) names.push_back(FormatName(format));
         const auto take = [&taken = request, names, name = name,
                            formats = verb.formats](const std::string& text) {
             taken.format = formats[PositionOf(name, text, names)];

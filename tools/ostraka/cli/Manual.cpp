@@ -42,7 +42,7 @@ std::vector<std::string> ChoicesOf(const Verb& verb, const Option& option) {
     if (const auto* word = std::get_if<Word>(&option.kind)) return {word->words.begin(), word->words.end()};
     std::vector<std::string> choices;
     if (std::holds_alternative<FormatWord>(option.kind))
-        for (const Format format : verb.formats) choices.emplace_back(NameOf(format));
+        for (const Format format : verb.formats) choices.emplace_back(FormatName(format));
     return choices;
 }
 

@@ -15,7 +15,7 @@ constexpr const char* formatNames[] = {"text", "json",  "jsonl", "dump",
 
 } // namespace
 
-const char* NameOf(Format format) {
+const char* FormatName(Format format) {
     return formatNames[static_cast<int>(format)];
 }
 

@@ -69,6 +69,6 @@ struct Verb {
 };
 
 // The word by which the command line knows a format.
-const char* NameOf(Format format);
+const char* FormatName(Format format);
 
 } // namespace ostraka::tool

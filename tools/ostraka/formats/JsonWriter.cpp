@@ -64,6 +64,17 @@ void JsonWriter::PlaceMembers(std::string_view file, const Place& place) {
     Member("column", place.column);
 }
 
+void JsonWriter::ErrorMember(const Failure& failure) {
+    Key("error");
+    BeginObject();
+    if (failure.place) {
+        Member("line", failure.place->line);
+        Member("column", failure.place->column);
+    }
+    Member("message", failure.cause);
+    EndObject();
+}
+
 void JsonWriter::BeginAnswer(const Request& request) {
     BeginObject();
     Member("format", std::string(schemaPrefix) + request.verb);
@@ -118,6 +129,7 @@ void JsonAnswer::CloseList(bool onLines) {
 void JsonAnswer::Close(const WriteMembers& writeRest) {
     if (OnLinesOnly() && !writeRest) return;
     if (OnLinesOnly()) json.BeginAnswer(request);
+    if (writeRest && !OnLinesOnly()) json.BreakLine();
     if (writeRest) writeRest(json);
     json.EndObject();
     text += '\n';

@@ -61,6 +61,19 @@ public:
         Value(value);
     }
 
+    // A value, or a member, that is an object with the members that `write` writes.
+    template <class Write>
+    void Object(Write write) {
+        BeginObject();
+        write();
+        EndObject();
+    }
+    template <class Write>
+    void Object(std::string_view key, Write write) {
+        Key(key);
+        Object(write);
+    }
+
     // A member that is a list of the values that `each` makes of the elements.
     template <class Elements, class Each>
     void List(std::string_view key, const Elements& elements, Each each) {
@@ -76,6 +89,9 @@ public:
 
     // "file", "line" and "column".
     void PlaceMembers(std::string_view file, const Place& place);
+
+    // "error": what went wrong with a file, and where if that is known.
+    void ErrorMember(const Failure& failure);
 
     // The members that every answer begins with: its format and version.
     void BeginAnswer(const Request& request);
@@ -119,7 +135,7 @@ public:
         CloseList(onLines);
     }
 
-    // Ends the answer, with the members behind the list; null if there are none.
+    // Ends the answer, with the members behind the list on a line of their own; null if there are none.
     void Close(const WriteMembers& writeRest = nullptr);
 
 private:

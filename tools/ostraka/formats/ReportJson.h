@@ -1,30 +1,17 @@
 #pragma once
 
-// What the JSON of the verbs over reports shares. An answer is one object, or with `jsonl` a line for each
-// entry of its list and a last one for the rest; each line is such an object too.
+// What the JSON of the verbs over reports shares.
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include <answers/facts/Place.h>
 #include <answers/reports/ReportModel.h>
-#include <nlohmann/json.hpp>
 
-#include "cli/Console.h"
-#include "cli/Request.h"
+#include "formats/JsonWriter.h"
 
 namespace ostraka::tool {
-
-using Json = nlohmann::ordered_json;
-
-// Bytes that aren't UTF-8 become the replacement character.
-std::string Printed(const Json& json);
-
-// The calls of a stack: function, and source where there is one.
-Json CallsJson(Stack& stack);
-
-// A mask with its type, and which calls of a stack each of its elements took, counted from 1 to the last.
-Json MaskJson(const StackMask& mask, Stack& stack);
 
 // How one report was read.
 struct ReportState {
@@ -33,31 +20,17 @@ struct ReportState {
     std::optional<Failure> failure;
 };
 
-Json ReportsJson(const std::vector<ReportState>& reports);
+// The member "reports".
+void ReportsMember(JsonWriter& json, const std::vector<ReportState>& reports);
 
-class JsonPrinter {
-public:
-    JsonPrinter(const Request& request, Console& console);
+// The member "report": where a group was met first.
+void ReportMember(JsonWriter& json, const std::vector<ReportState>& reports,
+                  const reports::StackGroup& group);
 
-    // The member that has an entry for each of the elements.
-    template <class Elements, class MakeEntry>
-    void List(std::string_view member, const Elements& elements, MakeEntry makeEntry) {
-        Open(member);
-        for (const auto& element : elements) Entry(makeEntry(element));
-        if (!lines) console.Out("\n]");
-    }
-    // The remaining members.
-    void Close(const Json& members);
+// The members of a call: its function, and its source where there is one.
+void CallMembers(JsonWriter& json, const Call& call);
 
-private:
-    void Open(std::string_view member);
-    void Entry(const Json& entry);
-
-    Console& console;
-    bool lines;
-    std::string head; // of an object, up to its data
-    std::string name; // of the list
-    bool first = true;
-};
+// The member "took": which calls of a stack each element of a mask took, counted from 1 to the last.
+void TookMember(JsonWriter& json, const StackMask& mask, Stack& stack);
 
 } // namespace ostraka::tool

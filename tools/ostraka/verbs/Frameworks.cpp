@@ -12,7 +12,7 @@
 #include <ostraka/workspace/FrameworkResponsibility.h>
 
 #include "cli/Options.h"
-#include "formats/ReportJson.h"
+#include "formats/JsonWriter.h"
 #include "formats/Text.h"
 #include "verbs/ReportInputs.h"
 #include "verbs/Verbs.h"
@@ -152,25 +152,33 @@ void PrintText(const Request& request, const Survey& survey, Console& console) {
                             unowned));
 }
 
-Json FrameworkJson(const Survey& survey, const Framework& framework) {
-    Json json{
-        {"name", framework.name}, {"root", framework.root}, {"kind", framework.isTest ? "test" : "code"}};
+void FrameworkJson(JsonWriter& json, const Survey& survey, const Framework& framework) {
+    json.BeginObject();
+    json.Member("name", framework.name);
+    json.Member("root", framework.root);
+    json.Member("kind", framework.isTest ? "test" : "code");
     if (framework.isTest)
-        json["codeFramework"] = framework.tested.empty() ? Json(nullptr) : Json(framework.tested);
+        json.Member("codeFramework", OrNull(framework.tested));
     else
-        json["tests"] = framework.tests;
-    if (survey.ownersKnown) json["owner"] = framework.owner.empty() ? Json(nullptr) : Json(framework.owner);
-    return json;
+        json.List("tests", framework.tests);
+    if (survey.ownersKnown) json.Member("owner", OrNull(framework.owner));
+    json.EndObject();
 }
 
 void PrintJson(const Request& request, const Survey& survey, Console& console) {
-    JsonPrinter printer(request, console);
-    printer.List("frameworks", survey.frameworks,
-                 [&](const Framework& framework) { return FrameworkJson(survey, framework); });
-    Json missing = Json::array();
-    for (const auto& [framework, owner] : survey.missing)
-        missing.push_back({{"framework", framework}, {"owner", owner}});
-    printer.Close({{"ownersOfNothing", survey.idle}, {"unknownFrameworks", missing}});
+    JsonAnswer answer(request, [&](std::string_view piece) { console.Out(piece); });
+    answer.List("frameworks", survey.frameworks, true, [&](JsonWriter& json, const Framework& framework) {
+        FrameworkJson(json, survey, framework);
+    });
+    answer.Close([&](JsonWriter& json) {
+        json.List("ownersOfNothing", survey.idle);
+        json.List("unknownFrameworks", survey.missing, [&](const auto& missing) {
+            json.BeginObject();
+            json.Member("framework", missing.first);
+            json.Member("owner", missing.second);
+            json.EndObject();
+        });
+    });
 }
 
 // The roots of all words, each of which may be a list; none twice.

@@ -92,39 +92,52 @@ void PrintUses(const std::vector<MaskUse>& uses, Console& console) {
     }
 }
 
-Json UseJson(const MaskUse& use) {
-    Json json;
-    if (use.mask->GetType()) json["type"] = use.mask->GetType();
-    json["mask"] = reports::ShownCall(use.mask->GetStackMask());
-    json["elements"] = Json::array();
-    for (int i = 0; i < use.mask->Size(); ++i)
-        json["elements"].push_back(reports::ShownCall(use.mask->GetMaskCall(i)));
-    json["stacks"] = use.stacks;
-    json["records"] = use.records;
-    json["first"] = use.first;
-    return json;
+void UseJson(JsonWriter& json, const MaskUse& use) {
+    json.BeginObject();
+    if (use.mask->GetType() != nullptr) json.Member("type", use.mask->GetType());
+    json.Member("mask", reports::ShownCall(use.mask->GetStackMask()));
+    json.Key("elements");
+    json.BeginList();
+    for (int i = 0; i < use.mask->Size(); ++i) json.Value(reports::ShownCall(use.mask->GetMaskCall(i)));
+    json.EndList();
+    json.Member("stacks", use.stacks);
+    json.Member("records", use.records);
+    json.Member("first", use.first);
+    json.EndObject();
 }
 
-Json MatchJson(const StackMask& mask, const StackGroup& group, const std::vector<ReportState>& reports) {
+void MatchJson(JsonWriter& json, const StackMask& mask, const StackGroup& group,
+               const std::vector<ReportState>& reports) {
     Stack& stack = *group.Calls();
-    Json json{{"type", group.error->GetType()}, {"records", group.records}};
-    json["report"] = {{"file", ShownPath(reports[static_cast<std::size_t>(group.report)].path)},
-                      {"line", group.line}};
-    json["calls"] = CallsJson(stack);
-    json["took"] = MaskJson(mask, stack)["took"];
-    return json;
+    json.BeginObject();
+    json.Member("type", group.error->GetType());
+    json.Member("records", group.records);
+    ReportMember(json, reports, group);
+    json.Key("calls");
+    json.BeginList();
+    for (int i = 0; i < stack.GetSize(); ++i) {
+        json.BeginObject();
+        CallMembers(json, *stack.GetCall(i));
+        json.EndObject();
+    }
+    json.EndList();
+    TookMember(json, mask, stack);
+    json.EndObject();
 }
 
 void PrintJson(const Request& request, const std::vector<MaskUse>& uses,
                const std::vector<ReportState>& reports, Console& console) {
-    JsonPrinter printer(request, console);
-    Json masks = Json::array();
-    for (const MaskUse& use : uses) masks.push_back(UseJson(use));
+    JsonAnswer answer(request, [&](std::string_view piece) { console.Out(piece); });
     // A file of masks is asked for its use only.
     const bool single = request.report.masks.empty();
-    printer.List("stacks", single ? uses.front().matched : std::vector<const StackGroup*>(),
-                 [&](const StackGroup* group) { return MatchJson(*uses.front().mask, *group, reports); });
-    printer.Close({{"masks", masks}, {"reports", ReportsJson(reports)}});
+    answer.List("stacks", single ? uses.front().matched : std::vector<const StackGroup*>(), true,
+                [&](JsonWriter& json, const StackGroup* group) {
+                    MatchJson(json, *uses.front().mask, *group, reports);
+                });
+    answer.Close([&](JsonWriter& json) {
+        json.List("masks", uses, [&](const MaskUse& use) { UseJson(json, use); });
+        ReportsMember(json, reports);
+    });
 }
 
 void PrintText(const Request& request, const std::vector<MaskUse>& uses,

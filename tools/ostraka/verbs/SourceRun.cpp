@@ -11,23 +11,12 @@ bool IsJson(const Request& request) {
     return request.format == Format::Json || request.format == Format::JsonLines;
 }
 
-void FailureJson(JsonWriter& json, const Failure& failure) {
-    json.Key("error");
-    json.BeginObject();
-    if (failure.place) {
-        json.Member("line", failure.place->line);
-        json.Member("column", failure.place->column);
-    }
-    json.Member("message", failure.cause);
-    json.EndObject();
-}
-
 // The object of a file; one that isn't loaded has no more than its failure.
 void FileJson(JsonWriter& json, const Request& request, const FileOfRun& file, const SourcePrinter& printer,
               SourceUnit& unit, bool loaded, Result& result) {
     json.BeginObject();
     json.Member("file", ShownPath(file.input.path));
-    if (unit.GetFailure()) FailureJson(json, *unit.GetFailure());
+    if (unit.GetFailure()) json.ErrorMember(*unit.GetFailure());
     if (loaded) printer.json(request, file, unit, json, result);
     json.EndObject();
 }

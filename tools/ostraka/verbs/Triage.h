@@ -78,8 +78,8 @@ std::string SummaryOf(const Triage& triage);
 std::string PlaceOf(const Triage& triage, const reports::StackGroup& group,
                     const std::vector<CallCharge>& charges);
 
-// What is told of a stack besides its calls.
-Json FactsOf(const Triage& triage, const TriageItem& item);
+// What is told of a stack besides its calls, as members of an open object.
+void FactMembers(JsonWriter& json, const Triage& triage, const TriageItem& item);
 
 // "charged", "ignored call" and so on.
 const char* NameOf(CallCharge charge);

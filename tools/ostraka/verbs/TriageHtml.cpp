@@ -15,12 +15,26 @@ namespace {
 
 constexpr std::string_view mark = "@DATA@";
 
-// Inside of a page, where "<" could end the data.
-std::string Inlined(const Json& json) {
+// JSON inside of a page, where "<" could end the data.
+class InlinedJson {
+public:
+    explicit InlinedJson(Console& theConsole) : console(theConsole) {}
+
+    JsonWriter& Writer() { return json; }
+
+    // What was written so far goes out.
+    void Pass() {
+        std::string inlined;
+        for (const char c : text) c == '<' ? inlined += "\\u003c" : inlined += c;
+        console.Out(inlined);
+        text.clear();
+    }
+
+private:
+    Console& console;
     std::string text;
-    for (const char c : Printed(json)) c == '<' ? text += "\\u003c" : text += c;
-    return text;
-}
+    JsonWriter json{text};
+};
 
 class CallList {
 public:
@@ -37,63 +51,75 @@ private:
     std::vector<Call*> calls;
 };
 
-Json CallJson(Call& call) {
+void CallJson(JsonWriter& json, const Call& call) {
     const reports::ShownParts parts = reports::PartsOf(call);
-    return parts.path.empty() ? Json::array({parts.function})
-                              : Json::array({parts.function, parts.path, parts.line});
-}
-
-template <class Elements, class MakeJson>
-void PrintList(Console& console, const Elements& elements, MakeJson makeJson) {
-    std::string_view separator = "[\n";
-    for (const auto& element : elements) {
-        console.Out(separator);
-        console.Out(Inlined(makeJson(element)));
-        separator = ",\n";
+    json.BeginList();
+    json.Value(parts.function);
+    if (!parts.path.empty()) {
+        json.Value(parts.path);
+        json.Value(parts.line);
     }
-    console.Out(elements.empty() ? "[]" : "]");
+    json.EndList();
 }
 
-Json StackJson(const Triage& triage, const TriageItem& item, CallList& calls) {
+// A member whose entries stand on lines of their own.
+template <class Elements, class Write>
+void PrintList(InlinedJson& page, std::string_view key, const Elements& elements, Write write) {
+    JsonWriter& json = page.Writer();
+    json.Key(key);
+    json.BeginList();
+    for (const auto& element : elements) {
+        json.BreakLine();
+        write(json, element);
+        page.Pass();
+    }
+    json.EndList();
+}
+
+void StackJson(JsonWriter& json, const Triage& triage, const TriageItem& item, CallList& calls) {
     Stack& stack = *item.group->Calls();
     const std::vector<CallCharge> charges = reports::ChargesOf(stack, triage.TablesOf(*item.group));
-    Json json = FactsOf(triage, item);
-    json["place"] = PlaceOf(triage, *item.group, charges);
-    json["calls"] = Json::array();
-    for (int i = 0; i < stack.GetSize(); ++i) json["calls"].push_back(calls.PlaceOf(*stack.GetCall(i)));
-    json["charges"] = charges;
-    return json;
+    json.BeginObject();
+    FactMembers(json, triage, item);
+    json.Member("place", PlaceOf(triage, *item.group, charges));
+    json.Key("calls");
+    json.BeginList();
+    for (int i = 0; i < stack.GetSize(); ++i) json.Value(calls.PlaceOf(*stack.GetCall(i)));
+    json.EndList();
+    json.List("charges", charges, [&](CallCharge charge) { json.Value(static_cast<int>(charge)); });
+    json.EndObject();
 }
 
 // What the page needs besides stacks and calls.
-Json FrameJson(const Triage& triage) {
-    Json json{{"summary", SummaryOf(triage)},
-              {"leftOut", triage.leftOut},
-              {"reports", ReportsJson(triage.reports)},
-              {"by", Json::array()},
-              {"charges", Json::array()}};
+void FrameMembers(JsonWriter& json, const Triage& triage) {
+    json.Member("summary", SummaryOf(triage));
+    json.Member("leftOut", triage.leftOut);
+    ReportsMember(json, triage.reports);
     std::vector<TotalKey> keys = triage.request.report.by;
     if (keys.empty()) keys = {TotalKey::Owner, TotalKey::Framework};
-    for (const TotalKey key : keys) json["by"].push_back(NameOf(key));
+    json.List("by", keys, [&](TotalKey key) { json.Value(NameOf(key)); });
+    json.Key("charges");
+    json.BeginList();
     for (int charge = 0; charge <= static_cast<int>(CallCharge::Behind); ++charge)
-        json["charges"].push_back(NameOf(static_cast<CallCharge>(charge)));
-    return json;
+        json.Value(NameOf(static_cast<CallCharge>(charge)));
+    json.EndList();
 }
 
 } // namespace
 
 void PrintTriageHtml(const Triage& triage, Console& console) {
     const std::size_t data = triagePage.find(mark);
-    std::string frame = Inlined(FrameJson(triage));
-    frame.back() = ',';
     console.Out(triagePage.substr(0, data));
-    console.Out(frame);
+    InlinedJson page(console);
     CallList calls;
-    console.Out("\"stacks\":");
-    PrintList(console, triage.items, [&](const TriageItem& item) { return StackJson(triage, item, calls); });
-    console.Out(",\"calls\":");
-    PrintList(console, calls.Calls(), [](Call* call) { return CallJson(*call); });
-    console.Out("}");
+    page.Writer().Object([&] {
+        FrameMembers(page.Writer(), triage);
+        PrintList(page, "stacks", triage.items,
+                  [&](JsonWriter& json, const TriageItem& item) { StackJson(json, triage, item, calls); });
+        PrintList(page, "calls", calls.Calls(),
+                  [](JsonWriter& json, const Call* call) { CallJson(json, *call); });
+    });
+    page.Pass();
     console.Out(triagePage.substr(data + mark.size()));
 }
 

@@ -1,6 +1,4 @@
-
 #include "formats/ReportJson.h"
-#include "formats/Text.h"
 #include "verbs/Triage.h"
 
 namespace ostraka::tool {
@@ -9,73 +7,98 @@ namespace {
 
 using reports::StackGroup;
 
-Json TextOrNull(const char* text) {
-    return text == nullptr ? Json(nullptr) : Json(text);
+void TallyMembers(JsonWriter& json, const Triage& triage, const Tally& tally) {
+    json.Member("stacks", tally.stacks);
+    json.Member("records", tally.records);
+    json.Member("count", tally.count);
+    json.Member("bytes", tally.bytes);
+    if (triage.HasBaseline()) json.Member("new", tally.newStacks);
 }
 
-Json TallyJson(const Triage& triage, const Tally& tally) {
-    Json json{
-        {"stacks", tally.stacks}, {"records", tally.records}, {"count", tally.count}, {"bytes", tally.bytes}};
-    if (triage.HasBaseline()) json["new"] = tally.newStacks;
-    return json;
-}
-
-Json StackJson(const Triage& triage, const TriageItem& item) {
+void StackJson(JsonWriter& json, const Triage& triage, const TriageItem& item) {
     Stack& stack = *item.group->Calls();
-    Json json = FactsOf(triage, item);
-    json["calls"] = CallsJson(stack);
     const std::vector<CallCharge> charges = reports::ChargesOf(stack, triage.TablesOf(*item.group));
-    for (std::size_t i = 0; i < charges.size(); ++i) json["calls"][i]["charge"] = NameOf(charges[i]);
-    return json;
+    json.BeginObject();
+    FactMembers(json, triage, item);
+    int call = 0;
+    json.List("calls", charges, [&](CallCharge charge) {
+        json.BeginObject();
+        CallMembers(json, *stack.GetCall(call++));
+        json.Member("charge", NameOf(charge));
+        json.EndObject();
+    });
+    json.EndObject();
 }
 
-Json TotalJson(const Triage& triage, const Total& total) {
-    Json json = TallyJson(triage, total.tally);
+void TotalJson(JsonWriter& json, const Triage& triage, const Total& total) {
+    json.BeginObject();
+    TallyMembers(json, triage, total.tally);
     for (std::size_t i = 0; i < total.keys.size(); ++i)
-        json[NameOf(triage.request.report.by[i])] =
-            total.keys[i].empty() ? Json(nullptr) : Json(total.keys[i]);
-    return json;
+        json.Member(NameOf(triage.request.report.by[i]), OrNull(total.keys[i]));
+    json.EndObject();
 }
 
-Json SummaryJson(const Triage& triage) {
-    Json json = TallyJson(triage, triage.all);
-    json["filtered"] = Json::object();
-    for (const auto& [type, tally] : triage.filtered) json["filtered"][type] = tally.stacks;
-    json["tooDeep"] = triage.model.TooDeep();
-    if (triage.HasBaseline()) json["gone"] = triage.gone;
-    return json;
+void SummaryMember(JsonWriter& json, const Triage& triage) {
+    json.Key("summary");
+    json.BeginObject();
+    TallyMembers(json, triage, triage.all);
+    json.Key("filtered");
+    json.BeginObject();
+    for (const auto& [type, tally] : triage.filtered) json.Member(type, tally.stacks);
+    json.EndObject();
+    json.Member("tooDeep", triage.model.TooDeep());
+    if (triage.HasBaseline()) json.List("gone", triage.gone);
+    json.EndObject();
+}
+
+// A mask with its type, and what it took.
+void MaskMember(JsonWriter& json, std::string_view name, const StackMask* mask, Stack& stack) {
+    if (mask == nullptr) return;
+    json.Key(name);
+    json.BeginObject();
+    if (mask->GetType() != nullptr) json.Member("type", mask->GetType());
+    json.Member("mask", reports::ShownCall(mask->GetStackMask()));
+    TookMember(json, *mask, stack);
+    json.EndObject();
+}
+
+std::optional<std::string_view> Known(const char* text) {
+    return text == nullptr ? std::nullopt : std::optional<std::string_view>(text);
 }
 
 } // namespace
 
-Json FactsOf(const Triage& triage, const TriageItem& item) {
+void FactMembers(JsonWriter& json, const Triage& triage, const TriageItem& item) {
     const StackGroup& group = *item.group;
     Stack& stack = *group.Calls();
-    Json json{{"type", group.error->GetType()},
-              {"kind", group.kind},
-              {"leak", group.leak},
-              {"framework", TextOrNull(stack.GetFwResponsible())},
-              {"owner", TextOrNull(reports::OwnerOf(stack))},
-              {"records", group.records},
-              {"count", group.count},
-              {"bytes", group.bytes}};
-    if (triage.HasBaseline()) json["new"] = item.isNew;
-    json["report"] = {{"file", ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path)},
-                      {"line", group.line}};
-    if (group.tooDeep) json["tooDeep"] = true;
+    json.Member("type", group.error->GetType());
+    json.Member("kind", group.kind);
+    json.Member("leak", group.leak);
+    json.Member("framework", Known(stack.GetFwResponsible()));
+    json.Member("owner", Known(reports::OwnerOf(stack)));
+    json.Member("records", group.records);
+    json.Member("count", group.count);
+    json.Member("bytes", group.bytes);
+    if (triage.HasBaseline()) json.Member("new", item.isNew);
+    ReportMember(json, triage.reports, group);
+    if (group.tooDeep) json.Member("tooDeep", true);
     Stack& whole = *group.error->GetLongStack();
-    if (group.filter) json["filter"] = MaskJson(*group.filter, whole);
-    if (group.cut) json["cut"] = MaskJson(*group.cut, whole);
-    return json;
+    MaskMember(json, "filter", group.filter, whole);
+    MaskMember(json, "cut", group.cut, whole);
 }
 
 void PrintTriageJson(const Triage& triage, Console& console) {
-    JsonPrinter printer(triage.request, console);
+    JsonAnswer answer(triage.request, [&](std::string_view piece) { console.Out(piece); });
     if (triage.request.report.by.empty())
-        printer.List("stacks", triage.items, [&](const TriageItem& item) { return StackJson(triage, item); });
+        answer.List("stacks", triage.items, true,
+                    [&](JsonWriter& json, const TriageItem& item) { StackJson(json, triage, item); });
     else
-        printer.List("totals", triage.totals, [&](const Total& total) { return TotalJson(triage, total); });
-    printer.Close({{"reports", ReportsJson(triage.reports)}, {"summary", SummaryJson(triage)}});
+        answer.List("totals", triage.totals, true,
+                    [&](JsonWriter& json, const Total& total) { TotalJson(json, triage, total); });
+    answer.Close([&](JsonWriter& json) {
+        ReportsMember(json, triage.reports);
+        SummaryMember(json, triage);
+    });
 }
 
 } // namespace ostraka::tool

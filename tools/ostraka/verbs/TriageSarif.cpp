@@ -36,40 +36,50 @@ std::string Uri(std::string_view path) {
     return uri;
 }
 
-Json PhysicalLocation(std::string_view path, int line) {
-    Json location{{"artifactLocation", {{"uri", Uri(path)}}}};
-    if (line > 0) location["region"] = {{"startLine", line}};
-    return location;
+void PhysicalLocation(JsonWriter& json, std::string_view path, int line) {
+    json.Object("physicalLocation", [&] {
+        json.Object("artifactLocation", [&] { json.Member("uri", Uri(path)); });
+        if (line > 0) json.Object("region", [&] { json.Member("startLine", line); });
+    });
 }
 
-Json LocationOf(Call& call) {
+void LocationMembers(JsonWriter& json, const Call& call) {
     const reports::ShownParts parts = reports::PartsOf(call);
-    Json location = Json::object();
-    if (!parts.path.empty()) location["physicalLocation"] = PhysicalLocation(parts.path, parts.line);
-    location["logicalLocations"] =
-        Json::array({{{"fullyQualifiedName", parts.function}, {"kind", "function"}}});
-    return location;
+    if (!parts.path.empty()) PhysicalLocation(json, parts.path, parts.line);
+    json.Key("logicalLocations");
+    json.BeginList();
+    json.Object([&] {
+        json.Member("fullyQualifiedName", parts.function);
+        json.Member("kind", "function");
+    });
+    json.EndList();
 }
 
-// The call that is charged, or else the first with a source, or else the place in the report.
-Json ResultLocation(const Triage& triage, const StackGroup& group) {
+// The call that is charged, or else the first with a source; null for none.
+const Call* CallToBlame(const Triage& triage, const StackGroup& group) {
     Stack& stack = *group.Calls();
     const auto charges = reports::ChargesOf(stack, triage.TablesOf(group));
-    Call* best = nullptr;
+    const Call* best = nullptr;
     for (int i = 0; i < stack.GetSize(); ++i) {
-        if (charges[static_cast<std::size_t>(i)] == CallCharge::Charged) return LocationOf(*stack.GetCall(i));
+        if (charges[static_cast<std::size_t>(i)] == CallCharge::Charged) return stack.GetCall(i);
         if (best == nullptr && !reports::PartsOf(*stack.GetCall(i)).path.empty()) best = stack.GetCall(i);
     }
-    if (best != nullptr) return LocationOf(*best);
-    const std::string_view report = ShownPath(triage.reports[static_cast<std::size_t>(group.report)].path);
-    return {{"physicalLocation", PhysicalLocation(report, group.line)}};
+    return best;
 }
 
-Json StackOf(const StackGroup& group) {
-    Json frames = Json::array();
+void ResultLocation(JsonWriter& json, const Triage& triage, const StackGroup& group) {
+    if (const Call* call = CallToBlame(triage, group)) return LocationMembers(json, *call);
+    const auto report = static_cast<std::size_t>(group.report);
+    PhysicalLocation(json, ShownPath(triage.reports[report].path), group.line);
+}
+
+void FramesMember(JsonWriter& json, const StackGroup& group) {
     Stack& stack = *group.Calls();
-    for (int i = 0; i < stack.GetSize(); ++i) frames.push_back({{"location", LocationOf(*stack.GetCall(i))}});
-    return {{"frames", frames}};
+    json.Key("frames");
+    json.BeginList();
+    for (int i = 0; i < stack.GetSize(); ++i)
+        json.Object([&] { json.Object("location", [&] { LocationMembers(json, *stack.GetCall(i)); }); });
+    json.EndList();
 }
 
 std::string MessageOf(const StackGroup& group) {
@@ -85,27 +95,41 @@ std::string MessageOf(const StackGroup& group) {
     return text;
 }
 
-Json ResultJson(const Triage& triage, const TriageItem& item,
-                const std::map<std::string, std::size_t>& rules) {
+// A member that is a list of one object.
+template <class Write>
+void Single(JsonWriter& json, std::string_view key, Write write) {
+    json.Key(key);
+    json.BeginList();
+    json.Object(write);
+    json.EndList();
+}
+
+void ResultMembers(JsonWriter& json, const Triage& triage, const TriageItem& item,
+                   const std::map<std::string, std::size_t>& rules) {
     const StackGroup& group = *item.group;
-    Stack& stack = *group.Calls();
     const std::string type = group.error->GetType();
-    Json result{{"ruleId", type},
-                {"ruleIndex", rules.at(type)},
-                {"level", group.leak ? "warning" : "error"},
-                {"message", {{"text", MessageOf(group)}}},
-                {"locations", Json::array({ResultLocation(triage, group)})},
-                {"stacks", Json::array({StackOf(group)})},
-                {"partialFingerprints", {{"ostrakaStack/v1", Fingerprint(reports::BaselineLine(group))}}}};
-    if (group.count > 0) result["occurrenceCount"] = std::min<std::int64_t>(group.count, 2147483647);
-    if (triage.HasBaseline()) result["baselineState"] = item.isNew ? "new" : "unchanged";
-    if (group.filter)
-        result["suppressions"] =
-            Json::array({{{"kind", "external"}, {"justification", group.filter->GetType()}}});
-    result["properties"] = {{"bytes", group.bytes}, {"records", group.records}};
-    if (stack.GetFwResponsible()) result["properties"]["framework"] = stack.GetFwResponsible();
-    if (reports::OwnerOf(stack)) result["properties"]["owner"] = reports::OwnerOf(stack);
-    return result;
+    json.Member("ruleId", type);
+    json.Member("ruleIndex", rules.at(type));
+    json.Member("level", group.leak ? "warning" : "error");
+    json.Object("message", [&] { json.Member("text", MessageOf(group)); });
+    Single(json, "locations", [&] { ResultLocation(json, triage, group); });
+    Single(json, "stacks", [&] { FramesMember(json, group); });
+    json.Object("partialFingerprints",
+                [&] { json.Member("ostrakaStack/v1", Fingerprint(reports::BaselineLine(group))); });
+    if (group.count > 0) json.Member("occurrenceCount", std::min<std::int64_t>(group.count, 2147483647));
+    if (triage.HasBaseline()) json.Member("baselineState", item.isNew ? "new" : "unchanged");
+    if (group.filter != nullptr)
+        Single(json, "suppressions", [&] {
+            json.Member("kind", "external");
+            json.Member("justification", group.filter->GetType());
+        });
+    json.Object("properties", [&] {
+        Stack& stack = *group.Calls();
+        json.Member("bytes", group.bytes);
+        json.Member("records", group.records);
+        if (const char* framework = stack.GetFwResponsible()) json.Member("framework", framework);
+        if (const char* owner = reports::OwnerOf(stack)) json.Member("owner", owner);
+    });
 }
 
 std::map<std::string, std::size_t> RulesOf(const Triage& triage) {
@@ -116,40 +140,63 @@ std::map<std::string, std::size_t> RulesOf(const Triage& triage) {
     return rules;
 }
 
-Json InvocationJson(const Triage& triage) {
-    Json invocation{{"executionSuccessful", true}};
-    Json notifications = Json::array();
-    for (const ReportState& report : triage.reports) {
-        if (!report.failure) continue;
-        invocation["executionSuccessful"] = false;
-        const int line = report.failure->place ? report.failure->place->line : 0;
-        notifications.push_back(
-            {{"level", "error"},
-             {"message", {{"text", report.failure->cause}}},
-             {"locations",
-              Json::array({{{"physicalLocation", PhysicalLocation(ShownPath(report.path), line)}}})}});
-    }
-    if (!notifications.empty()) invocation["toolExecutionNotifications"] = notifications;
-    return invocation;
+void FailureJson(JsonWriter& json, const ReportState& report) {
+    json.Object([&] {
+        json.Member("level", "error");
+        json.Object("message", [&] { json.Member("text", report.failure->cause); });
+        Single(json, "locations", [&] {
+            PhysicalLocation(json, ShownPath(report.path),
+                             report.failure->place ? report.failure->place->line : 0);
+        });
+    });
+}
+
+void InvocationMembers(JsonWriter& json, const Triage& triage) {
+    std::vector<const ReportState*> failed;
+    for (const ReportState& report : triage.reports)
+        if (report.failure) failed.push_back(&report);
+    json.Member("executionSuccessful", failed.empty());
+    if (failed.empty()) return;
+    json.List("toolExecutionNotifications", failed,
+              [&](const ReportState* report) { FailureJson(json, *report); });
+}
+
+void DriverMembers(JsonWriter& json, const std::map<std::string, std::size_t>& rules) {
+    json.Member("name", "ostraka");
+    json.Member("version", OSTRAKA_VERSION);
+    json.List("rules", rules, [&](const auto& rule) { json.Object([&] { json.Member("id", rule.first); }); });
 }
 
 } // namespace
 
 void PrintTriageSarif(const Triage& triage, Console& console) {
     const auto rules = RulesOf(triage);
-    Json driver{{"name", "ostraka"}, {"version", OSTRAKA_VERSION}, {"rules", Json::array()}};
-    for (const auto& [type, place] : rules) driver["rules"].push_back({{"id", type}});
-    console.Out(fmt::format("{{\"$schema\":\"https://json.schemastore.org/"
-                            "sarif-2.1.0.json\",\"version\":\"2.1.0\",\"runs\":[{{\"tool\":{{\"driver\":{}}},"
-                            "\"invocations\":[{}],\"columnKind\":\"utf16CodeUnits\",\"results\":[",
-                            Printed(driver), Printed(InvocationJson(triage))));
-    std::string_view separator = "\n";
-    for (const TriageItem& item : triage.items) {
-        console.Out(separator);
-        console.Out(Printed(ResultJson(triage, item, rules)));
-        separator = ",\n";
-    }
-    console.Out("\n]}]}\n");
+    std::string text;
+    JsonWriter json(text);
+    const auto pass = [&] {
+        console.Out(text);
+        text.clear();
+    };
+    json.BeginObject();
+    json.Member("$schema", "https://json.schemastore.org/sarif-2.1.0.json");
+    json.Member("version", "2.1.0");
+    Single(json, "runs", [&] {
+        json.Object("tool", [&] { json.Object("driver", [&] { DriverMembers(json, rules); }); });
+        Single(json, "invocations", [&] { InvocationMembers(json, triage); });
+        json.Member("columnKind", "utf16CodeUnits");
+        json.Key("results");
+        json.BeginList();
+        for (const TriageItem& item : triage.items) {
+            json.BreakLine();
+            json.Object([&] { ResultMembers(json, triage, item, rules); });
+            pass();
+        }
+        json.BreakLine();
+        json.EndList();
+    });
+    json.EndObject();
+    text += '\n';
+    pass();
 }
 
 } // namespace ostraka::tool
