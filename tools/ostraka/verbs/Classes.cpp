@@ -56,13 +56,36 @@ std::vector<const TAPDefClass*> Wanted(const Request& request, const TAPSymbolTa
     return found;
 }
 
+// What is in namespaces has no record in the table.
+std::int64_t CountInNamespaces(const Session& session, const std::vector<std::string>& files) {
+    std::int64_t count = 0;
+    for (const std::string& file : files) {
+        const std::vector<OutlineEntry> entries = DeclarationsOf(session.Table(), file);
+        count += std::count_if(entries.begin(), entries.end(), [](const OutlineEntry& entry) {
+            return !entry.scope.empty() && entry.scopeKind == DeclarationKind::Namespace;
+        });
+    }
+    return count;
+}
+
+void TellNothingFound(const Request& request, const Session& session, const std::vector<std::string>& files,
+                      Result& result) {
+    ++result.notFound;
+    const bool isFiltered = !request.kinds.empty() || !request.derivedFrom.empty();
+    std::string line = fmt::format("no {}class in {}", isFiltered ? "such " : "",
+                                   Counted(static_cast<std::int64_t>(files.size()), "file"));
+    if (const std::int64_t count = CountInNamespaces(session, files); count > 0)
+        line += fmt::format(" ({} in namespaces)", Counted(count, "declaration"));
+    result.Note(request, line);
+}
+
 void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
             Result& result) {
     const TAPSymbolTable& table = session.Table();
     if (!request.derivedFrom.empty() && !IsSomeBase(table, request.derivedFrom))
         FindClass(session, request.derivedFrom, result);
     const std::vector<const TAPDefClass*> found = Wanted(request, table, files);
-    if (found.empty()) ++result.notFound;
+    if (found.empty()) TellNothingFound(request, session, files, result);
     if (request.format == Format::Text) {
         for (const TAPDefClass* record : found) PrintClassLine(request, session, *record, result.out);
         return;
