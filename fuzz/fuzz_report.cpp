@@ -16,20 +16,28 @@ namespace {
 class Dump : public RecordTaker {
 public:
     void Take(const ReportRecord& record) override {
-        CHECK(record.calls.Kept() <= CallTexts::most && record.calls.Kept() <= record.calls.Told());
         text += record.type + record.kind + std::to_string(record.line) + (record.leak ? "leak" : "") +
                 std::to_string(record.bytes) + "," + std::to_string(record.count);
-        for (int i = 0; i < record.calls.Kept(); ++i) {
-            const std::string call = record.calls[i];
-            CHECK(std::strlen(record.calls[i]) == call.size());
-            text += "\n" + call;
-        }
-        text += "\n" + std::to_string(record.calls.Told()) + "\n";
+        CHECK(record.others.size() <= ReportRecord::mostOthers);
+        Append(record.title, record.calls);
+        for (const TitledCalls& other : record.others) Append(other.title, other.calls);
     }
     void Recount(std::uint64_t unique, std::int64_t count) override {
         text += std::to_string(unique) + "=" + std::to_string(count) + "\n";
     }
     std::string text;
+
+private:
+    void Append(const std::string& title, const CallTexts& calls) {
+        CHECK(calls.Kept() <= CallTexts::most && calls.Kept() <= calls.Told());
+        text += title;
+        for (int i = 0; i < calls.Kept(); ++i) {
+            const std::string call = calls[i];
+            CHECK(std::strlen(calls[i]) == call.size());
+            text += "\n" + call;
+        }
+        text += "\n" + std::to_string(calls.Told()) + "\n";
+    }
 };
 
 std::string DumpOf(std::string_view report, std::size_t pieceSize) {
@@ -48,5 +56,7 @@ std::string DumpOf(std::string_view report, std::size_t pieceSize) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string_view report(reinterpret_cast<const char*>(data), size);
     CHECK(DumpOf(report, size + 1) == DumpOf(report, 1));
+    const auto [form, cause] = Recognise(report);
+    CHECK((form == ReportForm::None) == !cause.empty());
     return 0;
 }

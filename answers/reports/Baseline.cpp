@@ -9,6 +9,16 @@ namespace {
 constexpr std::string_view head = "# ostraka baseline 1";
 constexpr std::string_view explanation = ": the type and the calls of each known stack\n";
 
+// With a tab in front, and nothing for a stack without calls.
+std::string FunctionsOf(const Stack& stack) {
+    std::string functions;
+    for (int i = 0; i < stack.GetSize(); ++i) {
+        functions += i == 0 ? '\t' : '!';
+        functions += PartsOf(*stack.GetCall(i)).function;
+    }
+    return functions;
+}
+
 } // namespace
 
 std::optional<ReportFault> Baseline::Read(std::string_view text) {
@@ -32,12 +42,11 @@ std::string Baseline::Text() const {
 }
 
 std::string BaselineLine(const StackGroup& group) {
+    std::vector<std::string> stacks;
+    for (const Stack* stack : group.AllCalls()) stacks.push_back(FunctionsOf(*stack));
+    std::sort(stacks.begin(), stacks.end());
     std::string line = group.error->GetType();
-    Stack& stack = *group.Calls();
-    for (int i = 0; i < stack.GetSize(); ++i) {
-        line += i == 0 ? '\t' : '!';
-        line += PartsOf(*stack.GetCall(i)).function;
-    }
+    for (const std::string& stack : stacks) line += stack;
     // One line, whatever bytes a name holds; and no comment.
     std::replace_if(
         line.begin(), line.end(), [](char c) { return c == '\n' || c == '\r'; }, '?');

@@ -2,7 +2,7 @@
 
 // What was known before: a text file with a line for each known stack, sorted, so that a change of it reads
 // well in a review. A line holds the type and the functions of the calls, without files and lines, which move
-// with every edit.
+// with every edit; of several stacks in an order of their own.
 
 #include <optional>
 #include <set>

@@ -18,13 +18,6 @@ bool TakeNumber(std::string_view& text, std::int64_t& number) {
     return text.empty() || text.front() == ' ';
 }
 
-// "==123== Memcheck, a memory error detector"
-bool IsValgrindText(std::string_view line) {
-    const std::size_t past = line.find_first_not_of("0123456789", 2);
-    return line.starts_with("==") && past > 2 && past != std::string_view::npos &&
-           line.substr(past).starts_with("== ");
-}
-
 class FrameLineReader : public LineReader {
 public:
     explicit FrameLineReader(RecordTaker& theTaker) : taker(theTaker) {}
@@ -32,7 +25,7 @@ public:
 private:
     void TakeLine(std::string_view line) override {
         if (IsValgrindText(line)) {
-            fault = {LineNumber(), 1, "is the text of Valgrind, which has to run with --xml=yes"};
+            fault = {LineNumber(), 1, valgrindTextCause};
             return;
         }
         if (line.find_first_not_of(" \t") == std::string_view::npos) return TakeEnd();
@@ -52,19 +45,12 @@ private:
     }
 
     bool TakeHead(std::string_view line) {
-        const std::string_view code = line.substr(0, codeLength);
-        std::string_view rest = line.substr(code.size());
-        if (code.size() < codeLength ||
-            !std::all_of(code.begin(), code.end(), [](char c) { return c >= 'A' && c <= 'Z'; }))
-            return false;
-        std::int64_t count = 1;
-        std::int64_t bytes = 0;
-        if (!rest.empty() && (rest.front() != ' ' || !TakeNumber(rest, count))) return false;
-        if (!rest.empty() && (!TakeNumber(rest, bytes) || !rest.empty())) return false;
-        record.type = record.kind = code;
-        record.leak = code.ends_with("LK");
-        record.count = count;
-        record.bytes = bytes;
+        const auto head = ReadFrameHead(line);
+        if (!head) return false;
+        record.type = record.kind = head->type;
+        record.leak = head->type.ends_with("LK");
+        record.count = head->count;
+        record.bytes = head->bytes;
         return true;
     }
 
@@ -74,6 +60,23 @@ private:
 };
 
 } // namespace
+
+std::optional<FrameHead> ReadFrameHead(std::string_view line) {
+    FrameHead head{line.substr(0, codeLength)};
+    std::string_view rest = line.substr(head.type.size());
+    const bool isCode =
+        std::all_of(head.type.begin(), head.type.end(), [](char c) { return c >= 'A' && c <= 'Z'; });
+    if (head.type.size() < codeLength || !isCode) return std::nullopt;
+    if (!rest.empty() && (rest.front() != ' ' || !TakeNumber(rest, head.count))) return std::nullopt;
+    if (!rest.empty() && (!TakeNumber(rest, head.bytes) || !rest.empty())) return std::nullopt;
+    return head;
+}
+
+bool IsValgrindText(std::string_view line) {
+    const std::size_t past = line.find_first_not_of("0123456789", 2);
+    return line.starts_with("==") && past > 2 && past != std::string_view::npos &&
+           line.substr(past).starts_with("== ");
+}
 
 std::unique_ptr<ReportReader> MakeFrameLineReader(RecordTaker& taker) {
     return std::make_unique<FrameLineReader>(taker);

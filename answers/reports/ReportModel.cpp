@@ -4,7 +4,10 @@
 #include "ReportModel.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
 #include <limits>
+#include <utility>
 
 namespace ostraka::reports {
 
@@ -37,6 +40,12 @@ std::int64_t Sum(std::int64_t a, std::int64_t b) {
     return __builtin_add_overflow(a, b, &sum) ? std::numeric_limits<std::int64_t>::max() : sum;
 }
 
+std::vector<Stack*> StackGroup::AllCalls() const {
+    std::vector<Stack*> all{Calls()};
+    for (const TitledStack& other : others) all.push_back(other.Calls());
+    return all;
+}
+
 ReportModel::ReportModel()
     : tables{SideTables{TAPIndexContainer::ErrorLongStackIndex,
                         TAPIndexContainer::ErrorMediumStackIndex,
@@ -57,7 +66,7 @@ ReportModel::ReportModel()
 
 std::size_t ReportModel::HashKey::operator()(const Key& key) const {
     std::size_t hash = std::hash<const void*>()(key.stack);
-    for (const void* part : {key.filter, static_cast<const void*>(key.type.data())})
+    for (const void* part : {key.others, key.filter, static_cast<const void*>(key.type.data())})
         hash = hash * 31 + std::hash<const void*>()(part);
     return hash;
 }
@@ -108,16 +117,45 @@ const ReportModel::Judged& ReportModel::Judge(Stack* stack, SideTables& side) {
     return judged[number] = verdict;
 }
 
+std::vector<TitledStack> ReportModel::StacksOf(const ReportRecord& record, SideTables& side) {
+    std::vector<TitledStack> taken;
+    taken.push_back({record.others.empty() ? "" : record.title, Intern(record.calls, side)});
+    for (const TitledCalls& other : record.others) taken.push_back({other.title, Intern(other.calls, side)});
+    const auto rank = [&](const TitledStack& stack) {
+        if (Judge(stack.whole, side).filter != nullptr) return 0;
+        return stack.Calls()->GetFwResponsible() != nullptr ? 1 : 2;
+    };
+    const auto first = std::min_element(taken.begin(), taken.end(), [&](const auto& left, const auto& right) {
+        return rank(left) < rank(right);
+    });
+    std::rotate(taken.begin(), first, first + 1);
+    return taken;
+}
+
+ReportModel::Key ReportModel::KeyOf(const std::vector<TitledStack>& taken, const StackMask* filter,
+                                    const std::string& type) {
+    Key key{taken.front().Calls(), nullptr, filter, *words.insert(type).first};
+    if (taken.size() == 1) return key;
+    std::vector<const Stack*> sorted;
+    for (const TitledStack& stack : taken) sorted.push_back(stack.Calls());
+    std::sort(sorted.begin(), sorted.end(), std::less<>());
+    key.stack = sorted.front();
+    key.others = &*combinations.insert(std::move(sorted)).first;
+    return key;
+}
+
 StackGroup& ReportModel::GroupOf(const ReportRecord& record, SideTables& side) {
-    Stack* stack = Intern(record.calls, side);
-    const Judged verdict = Judge(stack, side);
-    const Stack* kept = stack->GetMetaStack() ? stack->GetMetaStack() : stack;
-    const Key key{kept, verdict.filter, *words.insert(record.type).first};
-    const auto [place, isNew] = places.try_emplace(key, groups.size());
+    std::vector<TitledStack> taken = StacksOf(record, side);
+    const TitledStack first = taken.front();
+    const Judged verdict = Judge(first.whole, side);
+    const auto [place, isNew] = places.try_emplace(KeyOf(taken, verdict.filter, record.type), groups.size());
     if (isNew) {
         StackGroup& group = groups.emplace_back();
-        const char* framework = kept->fwResponsible;
-        group.error = &errors.emplace_back(NUBString(), NUBString(framework), record.type.c_str(), stack, 0);
+        const char* framework = first.Calls()->GetFwResponsible();
+        group.error =
+            &errors.emplace_back(NUBString(), NUBString(framework), record.type.c_str(), first.whole, 0);
+        group.title = first.title;
+        group.others.assign(std::next(taken.begin()), taken.end());
         Store(group.error, record.leak);
         group.kind = *words.insert(record.kind).first;
         group.filter = verdict.filter;
@@ -131,7 +169,7 @@ StackGroup& ReportModel::GroupOf(const ReportRecord& record, SideTables& side) {
 
 void ReportModel::Take(const ReportRecord& record) {
     StackGroup& group = GroupOf(record, Tables(record.leak ? Side::Leaks : Side::Errors));
-    const bool deep = record.calls.Told() > record.calls.Kept();
+    const bool deep = record.IsTooDeep();
     ++records;
     tooDeep += deep ? 1 : 0;
     group.tooDeep = group.tooDeep || deep;

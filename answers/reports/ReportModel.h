@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -42,10 +43,23 @@ struct SideTables {
 // Of numbers that reports tell, none of which is negative; at most the greatest there is.
 std::int64_t Sum(std::int64_t a, std::int64_t b);
 
-// Reports that tell the same: of one type, with the same calls, and treated by the same filter.
+// A stack of a record that has several, with what the report calls it.
+struct TitledStack {
+    std::string title; // empty where there is only one
+    Stack* whole = nullptr;
+
+    // The calls that count: the medium stack where there is one.
+    Stack* Calls() const { return whole->GetMetaStack() ? whole->GetMetaStack() : whole; }
+};
+
+// Reports that tell the same: of one type, with the same calls, and treated by the same filter. Where several
+// stacks took part, in whatever order, the first is that which a filter took, or else one that charges
+// somebody.
 struct StackGroup {
-    Error* error = nullptr; // its long stack is that of the first report
-    std::string_view kind;  // of the first
+    Error* error = nullptr; // its long stack is the first one
+    std::string title;
+    std::vector<TitledStack> others;
+    std::string_view kind; // of the first
     const StackMask* filter = nullptr;
     const StackMask* cut = nullptr; // why there is a medium stack, if a mask is the reason
     bool leak = false;
@@ -56,8 +70,9 @@ struct StackGroup {
     int report = 0; // where the first one stands
     int line = 0;
 
-    // The calls that count: the medium stack where there is one.
+    // The calls of the first stack that count, and those of all.
     Stack* Calls() const { return error->GetMediumStack() ? error->GetMediumStack() : error->GetLongStack(); }
+    std::vector<Stack*> AllCalls() const;
 };
 
 class ReportModel : public RecordTaker {
@@ -86,6 +101,7 @@ private:
     };
     struct Key {
         const Stack* stack;
+        const void* others; // in `combinations`, or null for a single stack
         const void* filter;
         std::string_view type; // held by `words`
         bool operator==(const Key&) const = default;
@@ -97,6 +113,8 @@ private:
     Stack* Intern(const CallTexts& texts, SideTables& side);
     Stack* InternStack(Call* const* taken, int size, TAIndexB& index, SideTables& side);
     const Judged& Judge(Stack* stack, SideTables& side);
+    std::vector<TitledStack> StacksOf(const ReportRecord& record, SideTables& side);
+    Key KeyOf(const std::vector<TitledStack>& taken, const StackMask* filter, const std::string& type);
     StackGroup& GroupOf(const ReportRecord& record, SideTables& side);
 
     std::array<SideTables, 2> tables;
@@ -107,8 +125,9 @@ private:
     std::deque<Call> calls;
     std::deque<Stack> stacks;
     std::deque<Error> errors;
-    std::vector<Judged> judged;            // by the serial number of the stack
-    std::unordered_set<std::string> words; // types and kinds
+    std::vector<Judged> judged;                       // by the serial number of the stack
+    std::unordered_set<std::string> words;            // types and kinds
+    std::set<std::vector<const Stack*>> combinations; // of stacks that took part in one record
     std::unordered_map<Key, std::size_t, HashKey> places;
     std::unordered_map<std::uint64_t, std::size_t> byUnique; // of the present report
     std::vector<StackGroup> groups;

@@ -33,18 +33,12 @@ void LineReader::Cut(std::string_view line) {
     TakeLine(line);
 }
 
-ReportForm TellForm(std::string_view beginning) {
-    const std::size_t first = beginning.find_first_not_of("\xef\xbb\xbf \t\r\n");
-    const std::string_view text = first == std::string_view::npos ? "" : beginning.substr(first);
-    if (text.starts_with("<?xml") || text.starts_with("<valgrindoutput")) return ReportForm::Valgrind;
-    for (const std::string_view sign : {"Sanitizer: ", "Direct leak of ", "Indirect leak of "})
-        if (text.find(sign) != std::string_view::npos) return ReportForm::Sanitizer;
-    return ReportForm::FrameLines;
-}
-
 std::unique_ptr<ReportReader> MakeReader(ReportForm form, RecordTaker& taker) {
-    if (form == ReportForm::Valgrind) return MakeValgrindReader(taker);
-    return form == ReportForm::Sanitizer ? MakeSanitizerReader(taker) : MakeFrameLineReader(taker);
+    switch (form) {
+    case ReportForm::Valgrind: return MakeValgrindReader(taker);
+    case ReportForm::Sanitizer: return MakeSanitizerReader(taker);
+    default: return MakeFrameLineReader(taker);
+    }
 }
 
 } // namespace ostraka::reports

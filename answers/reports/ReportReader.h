@@ -12,7 +12,8 @@
 
 namespace ostraka::reports {
 
-// Why a report couldn't be read to its end, and where; lines and columns count from 1.
+// Why a report couldn't be read to its end, and where; lines and columns count from 1, and are 0 for a file
+// that is no report.
 struct ReportFault {
     int line = 1;
     int column = 1;
@@ -32,16 +33,24 @@ protected:
 };
 
 enum class ReportForm {
+    None,
     Valgrind,   // Valgrind's XML
-    Sanitizer,  // the text of the address and leak sanitizers, in whatever else a program printed
+    Sanitizer,  // the text of sanitizers, in whatever else a program printed
     FrameLines, // calls, one a line
 };
 
-// Bytes of a report that tell its form.
+// What a file is, by as many of its first bytes.
 constexpr std::size_t formLength = 1 << 20;
-ReportForm TellForm(std::string_view beginning);
+struct Recognised {
+    ReportForm form;
+    std::string cause; // of none: what it is instead
+};
+Recognised Recognise(std::string_view beginning);
 
-// The reader hands its records to `taker`, which has to outlive it.
+// A reader for a form that isn't `None`. It hands its records to `taker`, which has to outlive it.
+//
+// A sanitizer's text without any report in it ends in a fault. An access or a lock that has to do with
+// several stacks, as a data race has, is one record with all of them.
 //
 // Frame lines: each line is a call, a line of blanks ends a stack. Before a stack may stand a line with its
 // type in three capitals and, if it is known, how often it happened and how many bytes it lost: "MLK 3 120".

@@ -158,6 +158,24 @@ void ReportRecord::Clear() {
     unique = noNumber;
     line = 0;
     calls.Clear();
+    title.clear();
+    others.clear();
+    othersLeftOut = false;
+}
+
+CallTexts* ReportRecord::AddStack(std::string_view theTitle) {
+    othersLeftOut = others.size() >= mostOthers;
+    if (othersLeftOut) return nullptr;
+    if (title.empty()) title = kind;
+    others.push_back({std::string(theTitle), {}});
+    return &others.back().calls;
+}
+
+bool ReportRecord::IsTooDeep() const {
+    const auto isCut = [](const CallTexts& texts) { return texts.Told() > texts.Kept(); };
+    return othersLeftOut || isCut(calls) ||
+           std::any_of(others.begin(), others.end(),
+                       [&](const TitledCalls& other) { return isCut(other.calls); });
 }
 
 } // namespace ostraka::reports

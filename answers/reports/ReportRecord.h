@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ostraka::reports {
 
@@ -54,6 +55,12 @@ int CompareCallTexts(const char* a, const char* b);
 
 constexpr std::uint64_t noNumber = ~std::uint64_t{0};
 
+// A stack of a record with several, and what the report calls it.
+struct TitledCalls {
+    std::string title;
+    CallTexts calls;
+};
+
 struct ReportRecord {
     std::string type; // a three-letter code, or the kind where no code says it
     std::string kind; // the report's own word
@@ -63,8 +70,17 @@ struct ReportRecord {
     std::uint64_t unique = noNumber; // under which the report may count it again
     int line = 0;                    // where in the report it begins, from 1
     CallTexts calls;
+    std::string title;               // of these calls, where there are others
+    std::vector<TitledCalls> others; // that took part, at most `mostOthers`
+    bool othersLeftOut = false;
+
+    static constexpr std::size_t mostOthers = 40;
 
     void Clear();
+    // A further stack to fill, or null when there are as many as can be.
+    CallTexts* AddStack(std::string_view theTitle);
+    // More calls or stacks than are kept.
+    bool IsTooDeep() const;
 };
 
 class RecordTaker {

@@ -20,12 +20,17 @@ using reports::StackGroup;
 
 constexpr std::size_t elementWidth = 30;
 
+struct Match {
+    const StackGroup* group;
+    Stack* stack; // one of its stacks
+};
+
 struct MaskUse {
     std::unique_ptr<StackMask> mask;
     std::int64_t stacks = 0; // that it matches
     std::int64_t records = 0;
     std::int64_t first = 0; // stacks that no mask before it matches
-    std::vector<const StackGroup*> matched;
+    std::vector<Match> matches;
 };
 
 std::vector<MaskUse> ReadMasks(Run& run) {
@@ -38,19 +43,22 @@ std::vector<MaskUse> ReadMasks(Run& run) {
     return uses;
 }
 
-void Count(const std::vector<StackGroup>& groups, std::vector<MaskUse>& uses) {
-    for (const StackGroup& group : groups) {
-        Stack& stack = *group.Calls();
-        bool taken = false;
-        for (MaskUse& use : uses) {
-            if (use.mask->MatchMask(stack.calls, stack.GetSize()) < 0) continue;
-            ++use.stacks;
-            use.records += group.records;
-            use.first += taken ? 0 : 1;
-            use.matched.push_back(&group);
-            taken = true;
-        }
+void CountStack(const StackGroup& group, Stack& stack, std::vector<MaskUse>& uses) {
+    bool taken = false;
+    for (MaskUse& use : uses) {
+        if (use.mask->MatchMask(stack.calls, stack.GetSize()) < 0) continue;
+        const bool isNext = use.matches.empty() || use.matches.back().group != &group;
+        ++use.stacks;
+        use.records += isNext ? group.records : 0;
+        use.first += taken ? 0 : 1;
+        use.matches.push_back({&group, &stack});
+        taken = true;
     }
+}
+
+void Count(const std::vector<StackGroup>& groups, std::vector<MaskUse>& uses) {
+    for (const StackGroup& group : groups)
+        for (Stack* stack : group.AllCalls()) CountStack(group, *stack, uses);
 }
 
 // The element that took the call, from 0, or -1.
@@ -61,9 +69,10 @@ int ElementOf(const std::vector<CallRange>& taken, int call) {
     return found == taken.end() ? -1 : static_cast<int>(found - taken.begin());
 }
 
-void AppendStack(std::string& out, const Request& request, const StackMask& mask, const StackGroup& group,
+void AppendStack(std::string& out, const Request& request, const StackMask& mask, const Match& match,
                  const std::string& report) {
-    Stack& stack = *group.Calls();
+    const StackGroup& group = *match.group;
+    Stack& stack = *match.stack;
     const std::vector<CallRange> taken = reports::TakenBy(mask, stack);
     std::string path;
     AppendOneLine(path, ShownPath(report));
@@ -106,13 +115,13 @@ void UseJson(JsonWriter& json, const MaskUse& use) {
     json.EndObject();
 }
 
-void MatchJson(JsonWriter& json, const StackMask& mask, const StackGroup& group,
+void MatchJson(JsonWriter& json, const StackMask& mask, const Match& match,
                const std::vector<ReportState>& reports) {
-    Stack& stack = *group.Calls();
+    Stack& stack = *match.stack;
     json.BeginObject();
-    json.Member("type", group.error->GetType());
-    json.Member("records", group.records);
-    ReportMember(json, reports, group);
+    json.Member("type", match.group->error->GetType());
+    json.Member("records", match.group->records);
+    ReportMember(json, reports, *match.group);
     json.Key("calls");
     json.BeginList();
     for (int i = 0; i < stack.GetSize(); ++i) {
@@ -130,10 +139,9 @@ void PrintJson(const Request& request, const std::vector<MaskUse>& uses,
     JsonAnswer answer(request, [&](std::string_view piece) { console.Out(piece); });
     // A file of masks is asked for its use only.
     const bool single = request.report.masks.empty();
-    answer.List("stacks", single ? uses.front().matched : std::vector<const StackGroup*>(), true,
-                [&](JsonWriter& json, const StackGroup* group) {
-                    MatchJson(json, *uses.front().mask, *group, reports);
-                });
+    answer.List(
+        "stacks", single ? uses.front().matches : std::vector<Match>(), true,
+        [&](JsonWriter& json, const Match& match) { MatchJson(json, *uses.front().mask, match, reports); });
     answer.Close([&](JsonWriter& json) {
         json.List("masks", uses, [&](const MaskUse& use) { UseJson(json, use); });
         ReportsMember(json, reports);
@@ -143,10 +151,10 @@ void PrintJson(const Request& request, const std::vector<MaskUse>& uses,
 void PrintText(const Request& request, const std::vector<MaskUse>& uses,
                const std::vector<ReportState>& reports, Console& console) {
     if (!request.report.masks.empty()) return PrintUses(uses, console);
-    for (const StackGroup* group : uses.front().matched) {
+    for (const Match& match : uses.front().matches) {
         std::string out;
-        AppendStack(out, request, *uses.front().mask, *group,
-                    reports[static_cast<std::size_t>(group->report)].path);
+        AppendStack(out, request, *uses.front().mask, match,
+                    reports[static_cast<std::size_t>(match.group->report)].path);
         console.Out(out);
     }
 }

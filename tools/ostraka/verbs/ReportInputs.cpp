@@ -91,7 +91,10 @@ public:
         ssize_t size = 0;
         while (beginning.size() < reports::formLength && (size = ReadPiece()) > 0)
             beginning.append(piece, 0, static_cast<std::size_t>(size));
-        const auto reader = reports::MakeReader(reports::TellForm(beginning), model);
+        isBlank = size == 0 && beginning.find_first_not_of(" \t\r\n") == std::string::npos;
+        const auto [form, cause] = reports::Recognise(beginning);
+        if (form == reports::ReportForm::None) return Failure{std::nullopt, cause};
+        const auto reader = reports::MakeReader(form, model);
         bool going = reader->Feed(beginning);
         while (going && size > 0 && (size = ReadPiece()) > 0) {
             going = reader->Feed(std::string_view(piece).substr(0, static_cast<std::size_t>(size)));
@@ -99,11 +102,17 @@ public:
         }
         if (size < 0) return Failure{std::nullopt, std::generic_category().message(errno)};
         if (going) reader->End();
-        const auto& fault = reader->Fault();
-        return fault ? std::optional(Failure{Place{fault->line, fault->column}, fault->cause}) : std::nullopt;
+        return FailureOf(reader->Fault());
     }
+    bool IsBlank() const { return isBlank; }
 
 private:
+    static std::optional<Failure> FailureOf(const std::optional<reports::ReportFault>& fault) {
+        if (!fault) return std::nullopt;
+        const Place place{fault->line, fault->column};
+        return Failure{fault->line > 0 ? std::optional(place) : std::nullopt, fault->cause};
+    }
+
     ssize_t ReadPiece() {
         ssize_t size = 0;
         do size = read(descriptor, piece.data(), piece.size());
@@ -114,6 +123,7 @@ private:
     int descriptor;
     ReportModel& model;
     std::string piece;
+    bool isBlank = false;
 };
 
 std::size_t SizeOf(const std::string& path) {
@@ -208,10 +218,13 @@ std::vector<ReportState> ReadReports(Run& run, ReportModel& model) {
         if (descriptor < 0) {
             state.failure = Failure{std::nullopt, problem};
         } else {
-            state.failure = ReportFeed(descriptor, model).Run([&](std::size_t size) {
+            ReportFeed feed(descriptor, model);
+            state.failure = feed.Run([&](std::size_t size) {
                 done += size;
                 run.console.ShowProgress(done / megabyte, all / megabyte + 1, "MB");
             });
+            // Whoever has nothing to report may well write nothing; but so may one that couldn't.
+            if (!state.failure && feed.IsBlank()) run.Warn(input.path, "is empty");
         }
         state.records = model.Records() - before;
         if (state.failure) run.Fail(reportSort, input.path, *state.failure);

@@ -78,8 +78,10 @@ std::string SummaryOf(const Triage& triage);
 std::string PlaceOf(const Triage& triage, const reports::StackGroup& group,
                     const std::vector<CallCharge>& charges);
 
-// What is told of a stack besides its calls, as members of an open object.
+// What is told of a stack besides its calls, and of a further stack of the same record, as members of an open
+// object.
 void FactMembers(JsonWriter& json, const Triage& triage, const TriageItem& item);
+void OtherMembers(JsonWriter& json, const reports::TitledStack& other);
 
 // "charged", "ignored call" and so on.
 const char* NameOf(CallCharge charge);

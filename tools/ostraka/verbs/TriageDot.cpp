@@ -71,13 +71,13 @@ std::string NameOf(const StackGroup& group, Call& call, const std::vector<TotalK
     return name;
 }
 
-void AddStack(Picture& picture, const StackGroup& group, const std::vector<CallCharge>& charges,
+void AddStack(Picture& picture, const StackGroup& group, Stack& stack, const std::vector<CallCharge>& charges,
               const std::vector<TotalKey>& by) {
     picture.all.Add(group);
     std::vector<std::size_t> road; // from the innermost call on
     bool charged = false;
     for (std::size_t i = 0; i < charges.size(); ++i) {
-        Call& call = *group.Calls()->GetCall(static_cast<int>(i));
+        Call& call = *stack.GetCall(static_cast<int>(i));
         const std::string name = NameOf(group, call, by);
         if (name.empty()) continue;
         road.push_back(picture.NodeOf(name));
@@ -145,8 +145,9 @@ std::string DotOf(const Picture& picture, const Triage& triage) {
 void PrintTriageDot(const Triage& triage, Console& console) {
     Picture picture;
     for (const TriageItem& item : triage.items)
-        AddStack(picture, *item.group, reports::ChargesOf(*item.group->Calls(), triage.TablesOf(*item.group)),
-                 triage.request.report.by);
+        for (Stack* stack : item.group->AllCalls())
+            AddStack(picture, *item.group, *stack, reports::ChargesOf(*stack, triage.TablesOf(*item.group)),
+                     triage.request.report.by);
     console.Out(DotOf(picture, triage));
 }
 

@@ -76,17 +76,32 @@ void PrintList(InlinedJson& page, std::string_view key, const Elements& elements
     json.EndList();
 }
 
-void StackJson(JsonWriter& json, const Triage& triage, const TriageItem& item, CallList& calls) {
-    Stack& stack = *item.group->Calls();
-    const std::vector<CallCharge> charges = reports::ChargesOf(stack, triage.TablesOf(*item.group));
-    json.BeginObject();
-    FactMembers(json, triage, item);
-    json.Member("place", PlaceOf(triage, *item.group, charges));
+void StackMembers(JsonWriter& json, const Stack& stack, const std::vector<CallCharge>& charges,
+                  CallList& calls) {
     json.Key("calls");
     json.BeginList();
     for (int i = 0; i < stack.GetSize(); ++i) json.Value(calls.PlaceOf(*stack.GetCall(i)));
     json.EndList();
     json.List("charges", charges, [&](CallCharge charge) { json.Value(static_cast<int>(charge)); });
+}
+
+void StackJson(JsonWriter& json, const Triage& triage, const TriageItem& item, CallList& calls) {
+    const reports::StackGroup& group = *item.group;
+    const auto chargesOf = [&](const Stack& stack) {
+        return reports::ChargesOf(stack, triage.TablesOf(group));
+    };
+    const std::vector<CallCharge> charges = chargesOf(*group.Calls());
+    json.BeginObject();
+    FactMembers(json, triage, item);
+    json.Member("place", PlaceOf(triage, group, charges));
+    StackMembers(json, *group.Calls(), charges, calls);
+    if (!group.others.empty())
+        json.List("others", group.others, [&](const reports::TitledStack& other) {
+            json.BeginObject();
+            OtherMembers(json, other);
+            StackMembers(json, *other.Calls(), chargesOf(*other.Calls()), calls);
+            json.EndObject();
+        });
     json.EndObject();
 }
 

@@ -15,18 +15,28 @@ void TallyMembers(JsonWriter& json, const Triage& triage, const Tally& tally) {
     if (triage.HasBaseline()) json.Member("new", tally.newStacks);
 }
 
-void StackJson(JsonWriter& json, const Triage& triage, const TriageItem& item) {
-    Stack& stack = *item.group->Calls();
-    const std::vector<CallCharge> charges = reports::ChargesOf(stack, triage.TablesOf(*item.group));
-    json.BeginObject();
-    FactMembers(json, triage, item);
+void CallsMember(JsonWriter& json, const Triage& triage, const StackGroup& group, const Stack& stack) {
     int call = 0;
-    json.List("calls", charges, [&](CallCharge charge) {
+    json.List("calls", reports::ChargesOf(stack, triage.TablesOf(group)), [&](CallCharge charge) {
         json.BeginObject();
         CallMembers(json, *stack.GetCall(call++));
         json.Member("charge", NameOf(charge));
         json.EndObject();
     });
+}
+
+void StackJson(JsonWriter& json, const Triage& triage, const TriageItem& item) {
+    const StackGroup& group = *item.group;
+    json.BeginObject();
+    FactMembers(json, triage, item);
+    CallsMember(json, triage, group, *group.Calls());
+    if (!group.others.empty())
+        json.List("others", group.others, [&](const reports::TitledStack& other) {
+            json.BeginObject();
+            OtherMembers(json, other);
+            CallsMember(json, triage, group, *other.Calls());
+            json.EndObject();
+        });
     json.EndObject();
 }
 
@@ -82,9 +92,16 @@ void FactMembers(JsonWriter& json, const Triage& triage, const TriageItem& item)
     if (triage.HasBaseline()) json.Member("new", item.isNew);
     ReportMember(json, triage.reports, group);
     if (group.tooDeep) json.Member("tooDeep", true);
+    if (!group.title.empty()) json.Member("title", group.title);
     Stack& whole = *group.error->GetLongStack();
     MaskMember(json, "filter", group.filter, whole);
     MaskMember(json, "cut", group.cut, whole);
+}
+
+void OtherMembers(JsonWriter& json, const reports::TitledStack& other) {
+    json.Member("title", other.title);
+    json.Member("framework", Known(other.Calls()->GetFwResponsible()));
+    json.Member("owner", Known(reports::OwnerOf(*other.Calls())));
 }
 
 void PrintTriageJson(const Triage& triage, Console& console) {

@@ -73,12 +73,22 @@ void ResultLocation(JsonWriter& json, const Triage& triage, const StackGroup& gr
     PhysicalLocation(json, ShownPath(triage.reports[report].path), group.line);
 }
 
-void FramesMember(JsonWriter& json, const StackGroup& group) {
-    Stack& stack = *group.Calls();
-    json.Key("frames");
+void StackJson(JsonWriter& json, const std::string& title, const Stack& stack) {
+    json.Object([&] {
+        json.Key("frames");
+        json.BeginList();
+        for (int i = 0; i < stack.GetSize(); ++i)
+            json.Object([&] { json.Object("location", [&] { LocationMembers(json, *stack.GetCall(i)); }); });
+        json.EndList();
+        if (!title.empty()) json.Object("message", [&] { json.Member("text", title); });
+    });
+}
+
+void StacksMember(JsonWriter& json, const StackGroup& group) {
+    json.Key("stacks");
     json.BeginList();
-    for (int i = 0; i < stack.GetSize(); ++i)
-        json.Object([&] { json.Object("location", [&] { LocationMembers(json, *stack.GetCall(i)); }); });
+    StackJson(json, group.title, *group.Calls());
+    for (const reports::TitledStack& other : group.others) StackJson(json, other.title, *other.Calls());
     json.EndList();
 }
 
@@ -113,7 +123,7 @@ void ResultMembers(JsonWriter& json, const Triage& triage, const TriageItem& ite
     json.Member("level", group.leak ? "warning" : "error");
     json.Object("message", [&] { json.Member("text", MessageOf(group)); });
     Single(json, "locations", [&] { ResultLocation(json, triage, group); });
-    Single(json, "stacks", [&] { FramesMember(json, group); });
+    StacksMember(json, group);
     json.Object("partialFingerprints",
                 [&] { json.Member("ostrakaStack/v1", Fingerprint(reports::BaselineLine(group))); });
     if (group.count > 0) json.Member("occurrenceCount", std::min<std::int64_t>(group.count, 2147483647));

@@ -56,10 +56,10 @@ void AppendExplanation(std::string& out, const StackGroup& group) {
                    *group.cut, stack);
 }
 
-void AppendCalls(std::string& out, const Triage& triage, const StackGroup& group,
+void AppendCalls(std::string& out, const Triage& triage, Stack& stack,
                  const std::vector<CallCharge>& charges) {
     for (std::size_t i = 0; i < charges.size(); ++i) {
-        Call& call = *group.Calls()->GetCall(static_cast<int>(i));
+        Call& call = *stack.GetCall(static_cast<int>(i));
         out += charges[i] == CallCharge::Charged ? "  > " : "    ";
         AppendOneLine(out, reports::ShownCall(call.GetCall()));
         const std::string reason =
@@ -67,28 +67,48 @@ void AppendCalls(std::string& out, const Triage& triage, const StackGroup& group
         if (!reason.empty()) AppendOneLine(out, "  <- " + reason);
         out += '\n';
     }
-    if (group.tooDeep) out += "    ... and further calls, which a stack hasn't room for\n";
+}
+
+// "Ships, Tomas.Nansen.TNA."
+void AppendCharged(std::string& out, const Stack& stack) {
+    const char* framework = stack.GetFwResponsible();
+    const char* owner = reports::OwnerOf(stack);
+    AppendOneLine(out, framework ? framework : nobody[static_cast<int>(TotalKey::Framework)]);
+    if (framework)
+        AppendOneLine(out, fmt::format(", {}", owner ? owner : nobody[static_cast<int>(TotalKey::Owner)]));
+}
+
+// The stacks of a group that has several, each under its title.
+void AppendOthers(std::string& out, const Triage& triage, const StackGroup& group) {
+    for (const reports::TitledStack& other : group.others) {
+        AppendOneLine(out, fmt::format("  {}; ", other.title));
+        AppendCharged(out, *other.Calls());
+        out += '\n';
+        AppendCalls(out, triage, *other.Calls(), reports::ChargesOf(*other.Calls(), triage.TablesOf(group)));
+    }
 }
 
 void AppendItem(std::string& out, const Triage& triage, const TriageItem& item) {
     const StackGroup& group = *item.group;
     const std::vector<CallCharge> charges = reports::ChargesOf(*group.Calls(), triage.TablesOf(group));
     const bool color = triage.request.colorOutput;
-    const char* framework = group.Calls()->GetFwResponsible();
-    const char* owner = reports::OwnerOf(*group.Calls());
     std::string head =
         fmt::format("{}{}:{} {}{}{} {}, {}; ", Color(color, colorPlace), PlaceOf(triage, group, charges),
                     Color(color, colorOff), Color(color, colorError), group.error->GetType(),
                     Color(color, colorOff), Happened(group), Counted(group.records, "record"));
     out += head;
-    AppendOneLine(out, framework ? framework : nobody[static_cast<int>(TotalKey::Framework)]);
-    if (framework)
-        AppendOneLine(out, fmt::format(", {}", owner ? owner : nobody[static_cast<int>(TotalKey::Owner)]));
+    AppendCharged(out, *group.Calls());
     if (item.isNew) out += "; new";
     if (group.filter) AppendOneLine(out, fmt::format("; filtered as {}", group.filter->GetType()));
     out += '\n';
     if (triage.request.report.explain) AppendExplanation(out, group);
-    AppendCalls(out, triage, group, charges);
+    if (!group.others.empty()) {
+        AppendOneLine(out, "  " + group.title);
+        out += '\n';
+    }
+    AppendCalls(out, triage, *group.Calls(), charges);
+    AppendOthers(out, triage, group);
+    if (group.tooDeep) out += "    ... and further calls, which a stack hasn't room for\n";
 }
 
 void AppendTotals(std::string& out, const Triage& triage) {
