@@ -270,5 +270,5 @@ public:
 };
 
 // Comparator over two pointers to TAPSyntaxe*: -1 when the first node doesn't begin behind the second,
-// else 1.
+// else 1. For QuickSort of a list of nodes.
 OSTRAKA_EXPORT int compare(const void* a, const void* b);

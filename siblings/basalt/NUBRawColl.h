@@ -150,4 +150,9 @@ public:
             return order(static_cast<X*>(b), static_cast<X*>(a)) > 0;
         });
     }
+    // The same with a comparator like those of `qsort`, which is given the addresses of two entries.
+    void QuickSort(int (*order)(const void*, const void*)) {
+        std::stable_sort(first(), past(),
+                         [order](void* const& a, void* const& b) { return order(&b, &a) > 0; });
+    }
 };

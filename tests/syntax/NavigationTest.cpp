@@ -110,6 +110,12 @@ TEST(Navigation, NeighboursAndPlaces) {
     TAPSyntaxe* nodes[] = {root->Child(2), root->Child(1)};
     EXPECT_EQ(compare(&nodes[0], &nodes[1]), 1);
     EXPECT_EQ(compare(&nodes[1], &nodes[0]), -1);
+    NUBListPtrTAPSyntaxe list;
+    for (int i : {4, 2, 6, 2, 1}) list.Append(root->Child(i));
+    list.QuickSort(compare);
+    std::string names;
+    for (int i = 1; i <= list.Size(); ++i) names += std::to_string(list[i]->posInFather);
+    EXPECT_EQ(names, "12246");
 }
 
 TEST(Paths, OutliveTheirTree) {
