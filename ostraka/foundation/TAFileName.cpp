@@ -47,23 +47,27 @@ std::size_t endOfAncestor(std::string_view text, int level) {
 }
 
 // Goes back to the present working directory when it dies. It holds the directory and not its path, which may
-// have changed by then or be longer than the system takes.
+// have changed by then or be longer than the system takes; the path serves where no descriptor is free.
 class Return {
 public:
-    Return() : directory(open(".", openToReturn)) {}
+    Return() : directory(open(".", openToReturn)) {
+        if (directory < 0) path = ::GetWorkDir();
+        possible = directory >= 0 || (path != "." && ::SetWorkDir(path) == 0);
+    }
     ~Return() {
-        if (directory < 0) return;
         // It could be entered a moment ago; there is nothing to be done if it no longer can.
-        [[maybe_unused]] const int result = fchdir(directory);
-        close(directory);
+        if (possible) static_cast<void>(directory < 0 ? ::SetWorkDir(path) : fchdir(directory));
+        if (directory >= 0) close(directory);
     }
     Return(const Return&) = delete;
     Return& operator=(const Return&) = delete;
 
-    bool isPossible() const { return directory >= 0; }
+    bool isPossible() const { return possible; }
 
 private:
     int directory;
+    NUBString path; // only without a descriptor
+    bool possible;
 };
 
 } // namespace

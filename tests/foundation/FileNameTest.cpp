@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <support/TemporaryFolder.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -107,6 +108,15 @@ TEST(TAFileName, FullPathComesBackToTheWorkingDirectory) {
         EXPECT_EQ(textOf(TAFileName::GetWorkDir()), folder.path);
     }
     EXPECT_EQ(textOf((TAFileName(folder.path.c_str()) + "link/x").GetFullPath()), folder.path + "/sub/x");
+
+    rlimit files = {};
+    getrlimit(RLIMIT_NOFILE, &files);
+    const rlimit none = {0, files.rlim_max};
+    setrlimit(RLIMIT_NOFILE, &none);
+    const TAFileName full = TAFileName("link/x").GetFullPath();
+    setrlimit(RLIMIT_NOFILE, &files);
+    EXPECT_EQ(textOf(full), folder.path + "/sub/x") << "without a free descriptor";
+    EXPECT_EQ(textOf(TAFileName::GetWorkDir()), folder.path);
 
     folder.sink();
     const std::string deepest = std::filesystem::current_path();
