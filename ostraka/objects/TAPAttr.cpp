@@ -1,16 +1,16 @@
 #include <ostraka/objects/TAPAttr.h>
 
 #include <ostraka/foundation/Fatal.h>
+#include <ostraka/objects/Releases.h>
 #include <ostraka/objects/TAPObject.h>
 
-#include <cstdlib>
 #include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
 
-// Lists may lie in lists and objects in objects without an end that the stack could bear, so copies,
-// comparisons and releases keep what is left to do in a list of their own.
+// Lists may lie in lists and objects in objects without an end that the stack could bear, so copies
+// and comparisons keep what is left to do in a list of their own.
 
 namespace {
 
@@ -69,39 +69,6 @@ std::intptr_t copyOf(const TAPAttr& attr) {
     case TAPATTR_Path: return wordOf(shared(heldBy<TAPPath>(attr)));
     default: return attr.value;
     }
-}
-
-// An object without another holder, or a list: what may release more of its kind as it goes.
-struct Nest {
-    TAPObject* object;
-    List* list;
-
-    void end() const {
-        if (object != nullptr) object->Release();
-        delete list;
-    }
-};
-
-// The nests that wait for the one that is just ending; null while there is none.
-constinit std::vector<Nest>* waiting = nullptr;
-
-void end(Nest nest) {
-    if (waiting != nullptr) return waiting->push_back(nest);
-    std::vector<Nest> inner;
-    waiting = &inner;
-    nest.end();
-    while (!inner.empty()) {
-        nest = inner.back();
-        inner.pop_back();
-        nest.end();
-    }
-    waiting = nullptr;
-}
-
-void release(TAPObject* object) {
-    if (object == nullptr) return;
-    if (object->count > 1) return object->Release();
-    end({object, nullptr});
 }
 
 const char* textOf(const TAPAttr& attr) {
@@ -177,16 +144,7 @@ TAPAttr& TAPAttr::operator=(TAPAttr&& other) noexcept {
 }
 
 void TAPAttr::release() {
-    switch (type) {
-    case TAPATTR_String: return std::free(heldBy<char>(*this));
-    case TAPATTR_FileName: delete heldBy<TAFileName>(*this); return;
-    case TAPATTR_Object: return ::release(heldBy<TAPObject>(*this));
-    case TAPATTR_List: return end({nullptr, heldBy<List>(*this)});
-    case TAPATTR_Path:
-        if (value != 0) heldBy<TAPPath>(*this)->Release();
-        return;
-    default: return;
-    }
+    ostraka::detail::ReleaseContent(*this);
 }
 
 int TAPAttr::GetInteger() const {

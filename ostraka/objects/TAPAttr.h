@@ -9,8 +9,10 @@
 // another content or dies.
 //
 // Lists may nest, and objects may hold each other, as deep as memory allows: copying, comparing and releasing
-// need no deeper stack for it. When a release takes further objects and lists with it, those go after the
-// outermost one, and all of them before the call ends.
+// need no deeper stack for it. What a release takes with it goes before the call ends: the attributes of an
+// object in their order and then its path, the elements of a list from the last to the first, each with all
+// that it holds before the next. Only where about a hundred of their destructors stand above each other on
+// the machine stack does what the innermost one lets go of wait until that one has returned.
 
 #include <basalt/NUBString.h>
 #include <ostraka/Export.h>

@@ -1,6 +1,11 @@
 #include <ostraka/objects/TAPObject.h>
 
+#include <ostraka/foundation/Ref.h>
+#include <ostraka/objects/Releases.h>
+
 #include <utility>
+
+using ostraka::detail::Ref;
 
 namespace {
 
@@ -17,19 +22,16 @@ int wrappedSum(int a, int b) {
 } // namespace
 
 TAPObject::~TAPObject() {
-    for (int i = 0; i < attributes.size; ++i) delete static_cast<TAPAttr*>(attributes.values[i]);
-    SetPath(nullptr);
+    ostraka::detail::ReleaseAttributesAndPath(attributes, path);
 }
 
 void TAPObject::SetPath(TAPPath* newPath) {
-    if (newPath != nullptr) newPath->AddRef();
-    if (path != nullptr) path->Release();
-    path = newPath;
+    const auto former = Ref<TAPPath>::Adopt(path);
+    path = Ref<TAPPath>::Retain(newPath).HandOver();
 }
 
 TAPPath* TAPObject::GetPath() const {
-    if (path != nullptr) path->AddRef();
-    return path;
+    return Ref<TAPPath>::Retain(path).HandOver();
 }
 
 int TAPObject::HasAttribute(const char* name) const {
@@ -52,11 +54,9 @@ void TAPObject::SetAttribute(const char* name, TAPAttr value) {
 }
 
 void TAPObject::givePlace(TAPObject* child, const char* name) const {
-    auto* last = new TAPName(name);
-    auto* place = new TAPPath(path, last);
-    child->SetPath(place);
-    place->Release();
-    last->Release();
+    const auto last = Ref<TAPName>::Adopt(new TAPName(name));
+    const auto place = Ref<TAPPath>::Adopt(new TAPPath(path, last.Get()));
+    child->SetPath(place.Get());
 }
 
 int TAPObject::RemoveAttribute(const char* name) {
@@ -97,6 +97,5 @@ TAPObject* TAPObject::GetObject(const TAPPath* way) const {
     const TAPObject* from = this;
     for (int i = 0; way != nullptr && i < way->Size() && from != nullptr; ++i)
         from = reached = objectIn(from->find(way->names[i]->GetName()));
-    if (reached != nullptr) reached->AddRef();
-    return reached;
+    return Ref<TAPObject>::Retain(reached).HandOver();
 }

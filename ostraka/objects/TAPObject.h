@@ -25,8 +25,9 @@ public:
 
 // The names from the root down; at least one. A path never changes.
 //
-// It holds one reference to each of its names. Past 256 names it may share the row of its parent instead,
-// row and references, so that a chain of n objects costs n names and not the square.
+// It holds one reference to each of its names. A path that adds to one of 256 names or more may share the
+// row of names with that one, and one reference to each name, so that a chain of n objects costs n names and
+// not the square. Either way a name goes with the last path that has it.
 class OSTRAKA_EXPORT TAPPath : public TARefCounter {
 public:
     int size;
@@ -45,8 +46,6 @@ public:
 
 private:
     struct Row;
-
-    TAPPath(Row* ownRow, int ofSize);
 
     Row* row;
 };

@@ -5,6 +5,10 @@
 #include <new>
 #include <vector>
 
+#include <ostraka/foundation/Ref.h>
+
+using ostraka::detail::Ref;
+
 namespace {
 
 constexpr int longPath = 256;
@@ -20,63 +24,63 @@ TAPName::~TAPName() {
 }
 
 // The names of one path; or of a long path and of others that each go on where the one before ends, as long
-// as there is room. No two paths of a row have the same size.
+// as there is room. No two paths of a row have the same size. The row ends with its longest path.
 struct TAPPath::Row {
-    int holders = 1;
     std::vector<TAPName*> held;
+    std::vector<bool> ends; // for each name, whether it is the last of a path
 
     Row(const TAPPath* path, std::size_t room) {
         held.reserve(room);
-        for (int i = 0; path != nullptr && i < path->size; ++i) add(path->names[i]);
-    }
-    ~Row() {
-        while (!held.empty()) dropLast();
+        for (int i = 0; path != nullptr && i < path->size; ++i) Add(path->names[i]);
     }
     Row(const Row&) = delete;
     Row& operator=(const Row&) = delete;
 
-    void add(TAPName* name) {
-        name->AddRef();
-        held.push_back(name);
+    void Add(TAPName* name) {
+        held.push_back(Ref<TAPName>::Retain(name).HandOver());
+        ends.push_back(false);
     }
-    void dropLast() {
-        held.back()->Release();
-        held.pop_back();
-    }
-    bool canGoOn(int end) const {
+    bool CanGoOn(int end) const {
         return end >= longPath && held.size() == static_cast<std::size_t>(end) &&
                held.size() < held.capacity();
+    }
+    // Gives back the names that no path reaches any more. The row is empty when the last one has gone.
+    void Leave(int end) {
+        ends[static_cast<std::size_t>(end) - 1] = false;
+        while (!ends.empty() && !ends.back()) {
+            const auto last = Ref<TAPName>::Adopt(held.back());
+            held.pop_back();
+            ends.pop_back();
+        }
     }
 };
 
 TAPPath::TAPPath(TAPName* name) : TAPPath(nullptr, name) {}
 
-TAPPath::TAPPath(Row* ownRow, int ofSize) : size(ofSize), names(ownRow->held.data()), row(ownRow) {}
-
 TAPPath::TAPPath(const TAPPath& other)
-    : TAPPath(new Row(&other, static_cast<std::size_t>(other.size)), other.size) {}
+    : size(other.size), row(new Row(&other, static_cast<std::size_t>(other.size))) {
+    names = row->held.data();
+    row->ends.back() = true;
+}
 
 TAPPath::TAPPath(const TAPPath* parent, TAPName* name) : size(parent != nullptr ? parent->size + 1 : 1) {
-    if (parent != nullptr && parent->row->canGoOn(parent->size)) {
+    if (parent != nullptr && parent->row->CanGoOn(parent->size)) {
         row = parent->row;
-        ++row->holders;
     } else {
         const auto room = static_cast<std::size_t>(size);
         row = new Row(parent, size < longPath ? room : 2 * room);
     }
-    row->add(name);
+    row->Add(name);
+    row->ends.back() = true;
     names = row->held.data();
 }
 
 TAPPath::~TAPPath() {
-    if (--row->holders == 0)
-        delete row;
-    else if (row->held.size() == static_cast<std::size_t>(size))
-        row->dropLast();
+    row->Leave(size);
+    if (row->held.empty()) delete row;
 }
 
 TAPName* TAPPath::operator[](int i) const {
     FATAL(i < 1 || i > size, "TAPPath::[] : bad index");
-    names[i - 1]->AddRef();
-    return names[i - 1];
+    return Ref<TAPName>::Retain(names[i - 1]).HandOver();
 }

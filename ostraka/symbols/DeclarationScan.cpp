@@ -11,6 +11,7 @@
 #include <string>
 #include <unordered_map>
 
+#include <ostraka/foundation/Ref.h>
 #include <ostraka/foundation/TAFileBuffer.h>
 #include <ostraka/foundation/TAFileName.h>
 #include <ostraka/symbols/NodeShape.h>
@@ -78,26 +79,24 @@ private:
     // The first declaration of a class wins. A handle class only makes known what it is a handle on.
     void DefineClass(const NUBString& name, TAPSyntaxe& head, TAPSyntaxe& body) {
         if (Holds(table.classIndex, name.View())) return;
-        auto* record = new TAPDefClass(&head, &body, &source, &table);
+        const auto record = Ref<TAPDefClass>::Adopt(new TAPDefClass(&head, &body, &source, &table));
         const NUBString referred(BeforeHandle(name.View()));
         if (referred == name) {
-            Register(name, *record);
+            Register(name, record);
         } else if (referred.Length() > 0) {
             Enter(table.classNames, referred);
             Enter(table.types, referred);
         }
-        record->Release();
     }
 
-    void Register(const NUBString& name, TAPDefClass& record) {
+    void Register(const NUBString& name, const Ref<TAPDefClass>& record) {
         if (full) {
-            table.classIndex.Append(name.CastToCharPtr(), &record, 0);
-            record.AddRef();
-            source.AddDefClass(&record);
+            table.classIndex.Append(name.CastToCharPtr(), Ref(record).HandOver(), 0);
+            source.AddDefClass(record.Get());
         }
         Enter(table.types, name);
-        record.SearchMethods(&table);
-        Enter(record.kind == kindInterface ? table.interfaceNames : table.classNames, name);
+        record->SearchMethods(&table);
+        Enter(record->kind == kindInterface ? table.interfaceNames : table.classNames, name);
     }
 
     void DeclareForward(const NUBString& name) {
@@ -138,11 +137,11 @@ private:
             source.AddImplMethod(method);
             return;
         }
-        method = new TAPDefMethod(nullptr, &head, methodName.CastToCharPtr(), owner, &table);
-        owner->AddMethod(method);
-        source.AddImplMethod(method);
-        declared.Add(method);
-        method->Release();
+        const auto added = Ref<TAPDefMethod>::Adopt(
+            new TAPDefMethod(nullptr, &head, methodName.CastToCharPtr(), owner, &table));
+        owner->AddMethod(added.Get());
+        source.AddImplMethod(added.Get());
+        declared.Add(added.Get());
     }
 
     ArgTypes TypesOfArgs(const TAPSyntaxe* argsNode) {
@@ -166,8 +165,7 @@ private:
         TAPDefClass* owner = FindClass(table, TextOf(*call->Child(2)));
         TAPDefClass* tied = owner != nullptr ? FindClass(table, word.substr(tieMark.size())) : nullptr;
         if (tied == nullptr) return;
-        tied->AddRef();
-        owner->tied.Append(tied);
+        AppendShared(owner->tied, tied);
     }
 
     void ScanFunction(int i) {

@@ -11,6 +11,7 @@
 
 #include <basalt/NUBUnicodeString.h>
 #include <gneiss/qxContext.h>
+#include <ostraka/foundation/Ref.h>
 #include <ostraka/symbols/DeclarationScan.h>
 #include <ostraka/symbols/FileLoading.h>
 #include <ostraka/symbols/NodeShape.h>
@@ -69,28 +70,26 @@ private:
         const int position = table.classIndex.IsIn(name.CastToCharPtr());
         if (position < 0) return true;
         if (!std::string_view("IDispatch").starts_with(name.View())) return false;
-        auto* former = static_cast<TAPDefClass*>(table.classIndex.values[position]);
+        const auto former =
+            Ref<TAPDefClass>::Adopt(static_cast<TAPDefClass*>(table.classIndex.values[position]));
         table.classIndex.RemovePosition(position);
-        former->Release();
         return true;
     }
 
     void define(const NUBString& name, TAPSyntaxe& head, TAPSyntaxe& body) {
-        auto* record = new TAPDefClass(&head, &body, &source, &table);
+        const auto record = Ref<TAPDefClass>::Adopt(new TAPDefClass(&head, &body, &source, &table));
         const bool handle = name.FindPosition("_var") >= 0;
         if (!handle) {
             record->kind = kindInterface;
-            if (full) keep(name, *record);
+            if (full) keep(name, record);
         }
         enterNames(name);
         if (!handle) record->SearchIdlMethods(&table);
-        record->Release();
     }
 
-    void keep(const NUBString& name, TAPDefClass& record) {
-        record.AddRef();
-        table.classIndex.Append(name.CastToCharPtr(), &record, 0);
-        source.AddDefClass(&record);
+    void keep(const NUBString& name, Ref<TAPDefClass> record) {
+        source.AddDefClass(record.Get());
+        table.classIndex.Append(name.CastToCharPtr(), record.HandOver(), 0);
     }
 
     // A handle makes known what it is a handle on, if anything.

@@ -7,6 +7,7 @@
 #include <malloc.h>
 #endif
 
+#include <ostraka/foundation/Ref.h>
 #include <ostraka/symbols/DeclarationScan.h>
 #include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/Ties.h>
@@ -56,9 +57,8 @@ void dropClassesOf(const TAPDefSource& source, TAIndex& classIndex) {
     for (int i = classIndex.size - 1; i >= 0; --i)
         if (isDeclaredIn(valueAt<TAPDefClass>(classIndex, i), source)) positions.push_back(i);
     for (int position : positions) {
-        auto* cls = valueAt<TAPDefClass>(classIndex, position);
+        const auto cls = Ref<TAPDefClass>::Adopt(valueAt<TAPDefClass>(classIndex, position));
         classIndex.RemovePosition(position);
-        cls->Release();
     }
 }
 
@@ -93,20 +93,17 @@ int TAPSymbolTable::LightLoadFile(const NUBString& name) {
     FATAL(trees.IsIn(path) >= 0, "Internal error in TAPSymbolTable::LightLoadFile, file already loaded");
     auto* buffer = new TAFileBuffer(path, 0);
     const bool unreadable = buffer->GetBuffer() == nullptr;
-    auto* file = new TAPSourceFile(buffer);
+    const auto file = Ref<TAPSourceFile>::Adopt(new TAPSourceFile(buffer));
     if (unreadable || file->Process(macros) != 0) {
         errMsg = unreadable ? NUBString(lightLoadProblem) : file->GetErrMsg();
-        file->Release();
         return 2;
     }
-    auto* root = new TAPSyntaxe(STYPE_File, file, 0, file->GetSize(), -1);
-    file->Release();
+    auto root = Ref<TAPSyntaxe>::Adopt(new TAPSyntaxe(STYPE_File, file.Get(), 0, file->GetSize(), -1));
     if (root->Build() != 0) {
         errMsg = root->GetErrMsg();
-        root->Release();
         return 3;
     }
-    AddSyntaxeInTable(name, root);
+    AddSyntaxeInTable(name, root.HandOver());
     return 1;
 }
 

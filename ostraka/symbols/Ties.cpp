@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include <ostraka/foundation/Ref.h>
+#include <ostraka/foundation/ReleaseQueue.h>
+
 namespace ostraka::detail {
 
 namespace {
@@ -89,41 +92,31 @@ std::vector<TAPDefClass*> TiedClassesOf(const std::vector<TAPDefSource*>& source
     return classes;
 }
 
+constinit ReleaseQueue<Ref<TAPDefClass>> releases;
+
 } // namespace
 
 void BreakCirclesOfTies(const std::vector<TAPDefSource*>& sources) {
     const std::vector<TAPDefClass*> classes = TiedClassesOf(sources);
     CircleSearch search;
     for (TAPDefClass* cls : classes) search.WalkFrom(cls);
-    std::vector<TAPDefClass*> untied;
+    std::vector<Ref<TAPDefClass>> untied; // which go when no tie is looked at any more
     for (TAPDefClass* cls : classes) {
         for (int i = cls->tied.size; i >= 1; --i) {
             TAPDefClass* target = cls->tied[i];
             if (target == nullptr || !search.LieOnOneCircle(cls, target)) continue;
             cls->tied.RemovePosition(i);
-            untied.push_back(target);
+            untied.push_back(Ref<TAPDefClass>::Adopt(target));
         }
     }
-    for (TAPDefClass* target : untied) target->Release();
 }
 
 void ReleaseTies(NUBListPtrTAPDefClass& tied) {
-    // Null unless a release further down the machine stack is at work, which then takes these ties too.
-    static thread_local std::vector<TAPDefClass*>* waiting = nullptr;
     if (tied.size == 0) return;
-    std::vector<TAPDefClass*> own;
-    std::vector<TAPDefClass*>& queue = waiting != nullptr ? *waiting : own;
-    for (int i = 1; i <= tied.size; ++i)
-        if (tied[i] != nullptr) queue.push_back(tied[i]);
-    tied.RemoveAll(0);
-    if (waiting != nullptr) return;
-    waiting = &own;
-    while (!own.empty()) {
-        TAPDefClass* last = own.back();
-        own.pop_back();
-        last->Release();
-    }
-    waiting = nullptr;
+    releases.Release([&tied](auto& waiting) {
+        for (int i = 1; i <= tied.size; ++i) waiting.push_back(Ref<TAPDefClass>::Adopt(tied[i]));
+        tied.RemoveAll(0);
+    });
 }
 
 } // namespace ostraka::detail

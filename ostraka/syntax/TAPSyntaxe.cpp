@@ -8,9 +8,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <new>
-#include <vector>
 
 #include <ostraka/foundation/Fatal.h>
+#include <ostraka/foundation/Ref.h>
+#include <ostraka/foundation/ReleaseQueue.h>
 #include <ostraka/syntax/NodePool.h>
 #include <ostraka/syntax/TreeBuilder.h>
 
@@ -27,16 +28,7 @@ std::size_t EntriesFor(int capacity) {
     return std::bit_ceil(static_cast<std::size_t>(capacity));
 }
 
-// The children of a node that is being destroyed, taken over from it.
-struct ReleasedChildren {
-    TAPSyntaxe* inlined[inlineChildren];
-    TAPSyntaxe** array; // owned; null if the children are inlined
-    int count;
-    int next;
-};
-
-// Children that wait for their release, those of the innermost node last; null unless one is under way.
-std::vector<ReleasedChildren>* releasing = nullptr;
+constinit ostraka::detail::ReleaseQueue<ostraka::detail::Ref<TAPSyntaxe>> releases;
 
 } // namespace
 
@@ -47,22 +39,12 @@ void TAPSyntaxe::FreeContent() {
 // The outermost node of a tree releases every node below it, in the order in which destructors that call each
 // other would: a node's own children come before its next sibling.
 void TAPSyntaxe::ReleaseChildren() {
-    const bool outermost = releasing == nullptr;
-    std::vector<ReleasedChildren> waiting;
-    if (outermost) releasing = &waiting;
-    releasing->push_back({{firstChildren[0], firstChildren[1]}, moreChildren, childCount, 0});
-    if (!outermost) return;
-    while (!waiting.empty()) {
-        ReleasedChildren& top = waiting.back();
-        if (top.next == top.count) {
-            std::free(top.array);
-            waiting.pop_back();
-            continue;
-        }
-        TAPSyntaxe* const* children = top.array != nullptr ? top.array : top.inlined;
-        children[top.next++]->Release();
-    }
-    releasing = nullptr;
+    releases.Release([this](auto& waiting) {
+        TAPSyntaxe* const* children = moreChildren != nullptr ? moreChildren : firstChildren;
+        for (int i = childCount; i > 0; --i)
+            waiting.push_back(ostraka::detail::Ref<TAPSyntaxe>::Adopt(children[i - 1]));
+    });
+    std::free(moreChildren);
 }
 
 void TAPSyntaxe::Append(TAPSyntaxe* child) {

@@ -187,6 +187,98 @@ TEST(TAPObject, DeepTreesNeedNoStack) {
     });
 }
 
+// Writes its letter when it dies, and lets go of its first attribute before.
+class Leaving : public TAPObject {
+public:
+    Leaving(char c, std::string& text) : letter(c), told(text) {}
+    ~Leaving() override {
+        RemoveAttribute("first");
+        told += letter;
+    }
+
+private:
+    char letter;
+    std::string& told;
+};
+
+// What dies tells it in the order that destructors would give that end one thing after the other, and what a
+// destructor lets go of itself is gone when it goes on.
+TEST(TAPObject, DiesInOrder) {
+    std::string told;
+    const auto make = [&told](char letter,
+                              std::initializer_list<std::pair<const char*, TAPAttr>> attributes) {
+        auto* object = new Leaving(letter, told);
+        for (const auto& [name, value] : attributes) object->SetAttribute(name, value);
+        TAPAttr holder(object);
+        object->Release();
+        return holder;
+    };
+    const auto list = [](const std::vector<TAPAttr>& elements) {
+        NUBListValTAPAttr made;
+        for (const TAPAttr& element : elements) made.Append(element);
+        return TAPAttr(made);
+    };
+    std::tuple<TAPAttr, std::string, const char*> rows[] = {
+        {make('a', {{"first", make('b', {})}, {"next", make('c', {})}}), "bac",
+         "let go by hand, then the rest"},
+        {make('a', {{"m", make('b', {{"x", make('c', {})}})}, {"n", make('d', {})}}), "abcd",
+         "by name, each with its own"},
+        {make('a', {{"first", make('b', {{"first", make('c', {{"first", make('d', {})}})}})}}), "dcba",
+         "by hand in a row"},
+        {list({make('a', {{"x", make('b', {})}}), make('c', {}), list({make('d', {}), make('e', {})})}),
+         "edcab", "a list from its end, one inside it too"},
+        {make('a', {{"first", list({make('b', {}), make('c', {})})}}), "cba", "a list let go by hand"},
+    };
+    for (auto& [value, expected, what] : rows) {
+        told.clear();
+        value = TAPAttr();
+        EXPECT_EQ(told, expected) << what;
+    }
+}
+
+// Destructors that let go of the next object themselves stand above each other, but not without end.
+TEST(TAPObject, DestructorsThatLetGoNeedLittleStack) {
+    RunOnSmallStack([] {
+        std::string told;
+        TAPAttr chain;
+        for (int i = 0; i < 100000; ++i) {
+            auto* object = new Leaving(i < 50 ? 'x' : '.', told);
+            object->SetAttribute("first", std::exchange(chain, TAPAttr()));
+            chain = TAPAttr(object);
+            object->Release();
+        }
+        chain = TAPAttr();
+        EXPECT_EQ(told.size(), 100000u);
+    });
+}
+
+// A name goes with the last path that has it, also where longer and shorter paths share a row of names.
+TEST(TAPPath, NameGoesWithItsLastPath) {
+    TAPPath* path = nullptr;
+    for (int i = 0; i < 300; ++i) {
+        auto* name = new TAPName("n");
+        TAPPath* shorter = std::exchange(path, new TAPPath(path, name));
+        if (shorter != nullptr) shorter->Release();
+        name->Release();
+    }
+    auto* middle = new TAPName("m");
+    auto* end = new TAPName("e");
+    auto* second = new TAPPath(path, middle);
+    auto* third = new TAPPath(second, end);
+    auto* copy = new TAPPath(*third);
+    EXPECT_TRUE(middle->count == 3 && end->count == 3);
+    second->Release();
+    EXPECT_EQ(middle->count, 3) << "the third has it";
+    third->Release();
+    EXPECT_TRUE(middle->count == 2 && end->count == 2) << "only the copy has them";
+    copy->Release();
+    EXPECT_TRUE(middle->count == 1 && end->count == 1);
+    EXPECT_EQ(Text(path).size(), 600u);
+    path->Release();
+    middle->Release();
+    end->Release();
+}
+
 // Long paths share their rows; what branches off or comes back to a shorter one doesn't see the others.
 TEST(TAPPath, BranchesOfLongPathsAreApart) {
     auto* root = new Counted;
