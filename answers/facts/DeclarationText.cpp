@@ -527,7 +527,10 @@ bool BelongsBehindArguments(std::string_view text) {
 
 std::string TypeOf(const DeclaredName& name) {
     std::string type(name.type);
-    type += name.marks;
+    for (const char c : name.marks) {
+        if (IsWordCharacter(c) && !type.empty() && (type.back() == '*' || type.back() == '&')) type += ' ';
+        type += c;
+    }
     return type.append(static_cast<std::size_t>(name.indexes), '*');
 }
 

@@ -77,6 +77,8 @@ FunctionHead ReadFunction(const TAPSyntaxe& head) {
 
 TAPSyntaxe* HeadOfBody(const TAPSyntaxe& block) {
     TAPSyntaxe* head = detail::HeadOf(&block);
+    const bool isStatement = block.GetType() == STYPE_Instruction || block.GetType() == STYPE_Declaration;
+    if (isStatement && IsInBetween(block)) head = detail::PreviousSibling(block);
     if (head == nullptr || !IsInBetween(*head) || !HoldsFunctions(*block.GetParent())) return head;
     while (head != nullptr && IsInBetween(*head)) head = detail::PreviousSibling(*head);
     return head;
@@ -126,8 +128,9 @@ std::vector<TAPSyntaxe*> LoopsAround(const TAPSyntaxe& statement) {
 }
 
 std::string TypeInText(const TAPSyntaxe& declaration, std::string_view name) {
-    const std::string_view text = TrimmedTextOf(declaration);
-    for (const DeclaredName& declared : ReadDeclaration(text, false).names)
+    const DeclarationReading reading = ReadDeclaration(TrimmedTextOf(declaration), false);
+    if (reading.kind != DeclarationKind::Variable || reading.isTypedef) return {};
+    for (const DeclaredName& declared : reading.names)
         if (declared.name == name) return TypeOf(declared);
     return {};
 }

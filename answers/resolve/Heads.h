@@ -12,8 +12,8 @@ class TAPSyntaxe;
 
 namespace ostraka::answers {
 
-// The head of the block, or null. Before the body of a function its initialisers are passed over, before a
-// handler what it guards.
+// The head of a block; null for other nodes. Before the body of a function its initialisers are passed over,
+// before a handler what it guards; what stands there has the same head.
 TAPSyntaxe* HeadOfBody(const TAPSyntaxe& block);
 
 // The class, struct or union whose head this is; empty for any other.

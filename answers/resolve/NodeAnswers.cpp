@@ -29,6 +29,7 @@ using detail::PreviousSibling;
 
 using Text = std::optional<std::string>;
 
+constexpr const char* ofTheFile = "variable of the file";
 constexpr std::size_t none = std::string_view::npos;
 
 Text NotEmpty(const NUBString& text) {
@@ -40,6 +41,15 @@ Text NotEmpty(const NUBString& text) {
 std::string_view ClassOfBody(const TAPSyntaxe& block) {
     const TAPSyntaxe* head = detail::HeadOf(&block);
     return head != nullptr ? ClassOfHead(*head) : std::string_view();
+}
+
+bool IsNamespace(const TAPSyntaxe& block) {
+    const TAPSyntaxe* head = HeadOf(&block);
+    return head != nullptr && IsNamespaceHead(*head);
+}
+
+bool LiesIn(const TAPSyntaxe& node, const TAPSyntaxe& around) {
+    return node.GetBegin() >= around.GetBegin() && node.GetBegin() < around.GetBegin() + around.GetSize();
 }
 
 // Whether the list of arguments is what a handler catches.
@@ -121,20 +131,20 @@ private:
         if (table.GetMethodName(&node, method) == 0) answers.method = NotEmpty(method);
         const TAPSyntaxe* inner = nullptr; // the block passed last
         for (TAPSyntaxe* around = &node; around->GetParent() != nullptr; around = around->GetParent()) {
-            const TAPSyntaxe* head = HeadOf(around);
-            if (head != nullptr && IsNamespaceHead(*head)) break;
+            if (IsNamespace(*around)) break;
             topLevel = around;
             if (around->GetType() != STYPE_Bloc) continue;
             if (const std::string_view className = ClassOfBody(*around); !className.empty())
-                AskClass(className, inner);
+                AskClass(className, *around, inner);
             inner = around;
         }
         if (topLevel != nullptr) AskTopLevel();
     }
 
     // The body of a method in the class is the block directly below that of the class.
-    void AskClass(std::string_view className, const TAPSyntaxe* body) {
+    void AskClass(std::string_view className, const TAPSyntaxe& classBody, const TAPSyntaxe* body) {
         if (!answers.className) answers.className = className;
+        if (bodyOfClass == nullptr) bodyOfClass = &classBody;
         const std::string method = body != nullptr ? FunctionOfBody(*body).name : std::string();
         if (!answers.method && !method.empty()) answers.method = fmt::format("{}::{}", className, method);
     }
@@ -176,6 +186,8 @@ private:
         AskBlocks();
         if (!IsKnown()) AskClassIndex();
         if (!IsKnown() && answers.className) AskRecords(*answers.className);
+        if (!IsKnown() && bodyOfClass != nullptr)
+            AskStatements(*bodyOfClass, fmt::format("member of {}", *answers.className));
         if (!IsKnown()) AskFile();
         if (!IsKnown()) AskIndexes();
     }
@@ -204,19 +216,14 @@ private:
 
     void AskBlocks() {
         NUBString type;
-        TAPSyntaxe* found = table.FindDeclare(&node, type, nullptr, 0);
-        if (found == nullptr && bodyBehind != nullptr) found = table.FindDeclare(&node, type, bodyBehind, 0);
-        for (TAPSyntaxe* around = &node; found == nullptr && around->GetParent() != nullptr;
-             around = around->GetParent()) {
-            found = FindInLoops(*around, type);
-            if (found == nullptr) found = FindInArguments(*around, type);
-        }
+        TAPSyntaxe* found = FindAround(type);
         if (found == nullptr) return;
         const TAPSyntaxe& parent = *found->GetParent();
         const std::string className(ClassOfBody(parent));
         if (!className.empty()) AskRecords(className);
         if (IsKnown()) return;
         if (!className.empty()) return Add(found, fmt::format("member of {}", className), type.View());
+        if (IsNamespace(parent)) return Add(found, ofTheFile, type.View());
         const bool isArgument = parent.GetType() == STYPE_ListOfArgs && !IsCaught(parent);
         Add(found, isArgument ? "argument" : "variable", type.View());
         if (!answers.method) return;
@@ -224,10 +231,26 @@ private:
         if (IsCaught(parent)) answers.goesBack = GoesBack{answers.goesBack->isReturned, 0, 0};
     }
 
-    // Of a function whose head or body the node is.
-    TAPSyntaxe* FindInArguments(TAPSyntaxe& headOrBody, NUBString& type) {
-        TAPSyntaxe* head = headOrBody.GetType() == STYPE_Bloc ? HeadOfBody(headOrBody) : nullptr;
-        const TAPSyntaxe* args = FunctionOfHead(table, head != nullptr ? *head : headOrBody).args;
+    // What the library finds in the blocks around, unless a loop or the arguments have the name nearer to it.
+    TAPSyntaxe* FindAround(NUBString& type) {
+        NUBString inBlocks;
+        TAPSyntaxe* found = table.FindDeclare(&node, inBlocks, nullptr, 0);
+        for (TAPSyntaxe* around = &node; around->GetParent() != nullptr; around = around->GetParent()) {
+            if (found != nullptr && around->GetType() == STYPE_Bloc && LiesIn(*found, *around)) break;
+            TAPSyntaxe* nearer = FindInLoops(*around, type);
+            if (nearer == nullptr) nearer = FindInArguments(*around, type);
+            if (nearer != nullptr) return nearer;
+        }
+        if (found == nullptr && bodyBehind != nullptr)
+            found = table.FindDeclare(&node, inBlocks, bodyBehind, 0);
+        type = inBlocks;
+        return found;
+    }
+
+    // Of a function whose head or body the node is, or what stands between the two.
+    TAPSyntaxe* FindInArguments(TAPSyntaxe& around, NUBString& type) {
+        TAPSyntaxe* head = HeadOfBody(around);
+        const TAPSyntaxe* args = FunctionOfHead(table, head != nullptr ? *head : around).args;
         NUBString declared;
         for (int i = 1; args != nullptr && i <= args->ChildCount(); ++i) {
             if (table.GetArgType(args->Child(i), type, declared) != 0 && declared == name.c_str())
@@ -335,7 +358,7 @@ private:
     void AskFile() {
         for (const TAPSyntaxe* level = topLevel != nullptr ? topLevel->GetParent() : &node; level != nullptr;
              level = level->GetParent())
-            AskStatements(*level, "variable of the file");
+            AskStatements(*level, ofTheFile);
         TAPSyntaxe* function = table.GetFunctionDeclarationLocation(name.c_str());
         if (!IsKnown() && function != nullptr) Add(function, "function");
     }
@@ -353,19 +376,17 @@ private:
         }
     }
 
-    // The library reads the type of a name from the blocks around it. That isn't asked for a name on the
-    // right of an operator, which the blocks don't declare.
-    void AskType() { answers.type = belongs ? DeclaredType() : TypeOfNode(node).value_or(DeclaredType()); }
+    // What the declaration says, else what the library reads. It reads the type of a name from the blocks
+    // around it, and isn't asked for a name on the right of an operator, which those don't declare.
+    void AskType() {
+        answers.type = DeclaredType();
+        if (!answers.type && !belongs) answers.type = TypeOfNode(node);
+    }
 
     // As the library reads it.
-    std::optional<Text> TypeOfNode(TAPSyntaxe& asked) {
+    Text TypeOfNode(TAPSyntaxe& asked) {
         NUBString type;
-        if (table.GetType(&asked, type) != 0) return std::nullopt;
-        const TAPSyntaxe* word = asked.GetLastLeaf();
-        if (TextOf(*word) != TextOf(asked)) return NotEmpty(type);
-        NUBString declaredType;
-        const TAPSyntaxe* declared = table.FindDeclare(&asked, declaredType, nullptr, 0);
-        return Text(InOrder(type.View(), declared, TextOf(asked)));
+        return table.GetType(&asked, type) == 0 ? NotEmpty(type) : std::nullopt;
     }
 
     // The type in which all declarations agree.
@@ -385,20 +406,22 @@ private:
         return DeclaredType();
     }
 
-    // Of an object: as the library reads it, or as the declaration of its name has it.
+    // Of an object.
     Text TypeOf(TAPSyntaxe& object) {
-        if (const std::optional<Text> type = TypeOfNode(object)) return *type;
         TAPSyntaxe* word = object.GetLastLeaf();
-        return TextOf(*word) == TextOf(object) ? Asking(table, *word).TypeOfPlainName() : std::nullopt;
+        const Text declared =
+            TextOf(*word) == TextOf(object) ? Asking(table, *word).TypeOfPlainName() : std::nullopt;
+        return declared ? declared : TypeOfNode(object);
     }
 
     TAPSymbolTable& table;
     TAPSyntaxe& node;
     const std::string name; // what the node reads, where it can be a name
     NodeAnswers answers;
-    TAPSyntaxe* topLevel = nullptr;   // the node itself or the one around it on the file's own level
-    TAPSyntaxe* bodyBehind = nullptr; // for a node that stands in the head of a block
-    bool belongs = false;             // the name stands on the right of an operator
+    TAPSyntaxe* topLevel = nullptr;          // the node itself or the one around it on the file's own level
+    const TAPSyntaxe* bodyOfClass = nullptr; // the innermost around the node
+    TAPSyntaxe* bodyBehind = nullptr;        // for a node that stands in the head of a block
+    bool belongs = false;                    // the name stands on the right of an operator
 };
 
 } // namespace
