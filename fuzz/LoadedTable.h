@@ -124,6 +124,16 @@ private:
     }
 };
 
+// A node that was answered is part of a tree that stands; null is a good answer too.
+inline void CheckStands(const TAPSymbolTable& table, TAPSyntaxe* node) {
+    if (node == nullptr) return;
+    while (TAPSyntaxe* parent = node->GetParent()) {
+        CHECK(parent->Child(node->GetPosInFather()) == node);
+        node = parent;
+    }
+    CHECK(table.trees[node->GetSource().CastToCharPtr()] == node);
+}
+
 // Loads, unloads in both ways, and loads again, fully and for the types alone.
 inline void CheckLoads(const InputFiles& files, int (TAPSymbolTable::*load)(const char*, int)) {
     const char* path = files.path.c_str();

@@ -42,15 +42,7 @@ public:
     }
 
 private:
-    // Whether a node that was answered is part of a tree that stands; null is a good answer too.
-    void CheckNode(TAPSyntaxe* node) {
-        if (node == nullptr) return;
-        while (TAPSyntaxe* parent = node->GetParent()) {
-            CHECK(parent->Child(node->GetPosInFather()) == node);
-            node = parent;
-        }
-        CHECK(table.trees[node->GetSource().CastToCharPtr()] == node);
-    }
+    void CheckNode(TAPSyntaxe* node) const { CheckStands(table, node); }
 
     void CheckAndRelease(NUBListPtrTAPDefVar& vars) {
         for (int i = 1; i <= vars.Size(); ++i) {

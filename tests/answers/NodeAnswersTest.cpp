@@ -6,9 +6,9 @@
 #include <answers/resolve/NodeText.h>
 #include <gtest/gtest.h>
 
-#include "MarkedText.h"
 #include "support/HostileTexts.h"
 #include "support/LoadedText.h"
+#include "support/MarkedText.h"
 
 namespace {
 

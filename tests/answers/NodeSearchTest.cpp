@@ -4,7 +4,7 @@
 #include <answers/resolve/NodeText.h>
 #include <gtest/gtest.h>
 
-#include "MarkedText.h"
+#include "support/MarkedText.h"
 #include "support/Source.h"
 
 namespace {
