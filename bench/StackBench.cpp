@@ -24,7 +24,7 @@ constexpr int callCount = 50000;
 constexpr int frames = 12;
 
 // Frame lines of 200 frameworks with 20 files each, of which every fourth is of code that belongs to none.
-std::string frameLine(int number) {
+std::string FrameLine(int number) {
     const std::string n = std::to_string(number);
     const std::string function =
         "Space" + std::to_string(number % 97) + "::Class" + n + "::Method(const char*, int)";
@@ -48,7 +48,7 @@ struct Run {
             TAPIndexContainer::respForFwIndex.Append(framework.c_str(), responsible, 0);
         }
         for (int i = 0; i < callCount; ++i) {
-            held.push_back(std::make_unique<Call>(frameLine(i).c_str(), &TAPIndexContainer::LongCallIndex));
+            held.push_back(std::make_unique<Call>(FrameLine(i).c_str(), &TAPIndexContainer::LongCallIndex));
             calls.push_back(held.back().get());
         }
         for (const char* owner : {"Owner1", "Owner2"}) ignoredResponsibles.Append(owner, nullptr, 0);
@@ -59,16 +59,16 @@ struct Run {
         }
     }
 
-    static Run& only() {
+    static Run& Only() {
         static Run run;
         return run;
     }
 };
 
 // `count` stacks drawn from `kinds` different ones, frame after frame.
-std::vector<Call*> drawStacks(int count, int kinds) {
+std::vector<Call*> DrawStacks(int count, int kinds) {
     std::mt19937 random(3);
-    const auto& calls = Run::only().calls;
+    const auto& calls = Run::Only().calls;
     std::vector<Call*> drawn;
     for (int i = 0; i < kinds * frames; ++i) drawn.push_back(calls[random() % callCount]);
     for (int i = kinds; i < count; ++i) {
@@ -82,10 +82,10 @@ struct SortedIndex {
     TAIndexBStack index{20};
 
     // Grows with each stack that is new.
-    static std::size_t known() { return static_cast<std::size_t>(Stack::globalId); }
+    static std::size_t Known() { return static_cast<std::size_t>(Stack::globalId); }
 
-    std::unique_ptr<Stack> enter(Call** calls) {
-        Run& run = Run::only();
+    std::unique_ptr<Stack> Enter(Call** calls) {
+        Run& run = Run::Only();
         return std::make_unique<Stack>(nullptr, calls, frames, &index, &run.ignoredResponsibles,
                                        &run.ignoredCalls, nullptr, 0);
     }
@@ -109,13 +109,13 @@ struct OrderedMap {
         const TAIndex& known = TAPIndexContainer::respForFwIndex;
         for (int i = 0; i < known.size; ++i)
             owners[known.keys[i]] = static_cast<const char*>(known.values[i]);
-        const Run& run = Run::only();
+        const Run& run = Run::Only();
         for (int i = 0; i < run.ignoredResponsibles.size; ++i)
             ignoredOwners[run.ignoredResponsibles.keys[i]] = 1;
         for (int i = 0; i < run.ignoredCalls.size; ++i) ignoredCalls[run.ignoredCalls.keys[i]] = 1;
     }
 
-    bool isCharged(const Call& call) const {
+    bool IsCharged(const Call& call) const {
         if (call.GetFwResponsible() == nullptr) return false;
         if (ignoredOwners.count(owners.find(std::string_view(call.GetFwResponsible()))->second) > 0)
             return false;
@@ -124,9 +124,9 @@ struct OrderedMap {
         return ignoredCalls.count(text) == 0;
     }
 
-    std::size_t known() const { return index.size(); }
+    std::size_t Known() const { return index.size(); }
 
-    std::unique_ptr<Record> enter(Call** calls) {
+    std::unique_ptr<Record> Enter(Call** calls) {
         auto record = std::make_unique<Record>();
         record->size = record->toExtend = frames;
         std::array<std::intptr_t, 20> key{};
@@ -138,7 +138,7 @@ struct OrderedMap {
         record->key = &entry->first;
         record->id = isNew ? static_cast<int>(index.size()) : entry->second->id;
         for (int i = 0; i < frames && record->framework == nullptr; ++i)
-            if (isCharged(*calls[i])) record->framework = calls[i]->GetFwResponsible();
+            if (IsCharged(*calls[i])) record->framework = calls[i]->GetFwResponsible();
         return record;
     }
 };
@@ -149,17 +149,17 @@ template <class Table>
 void InternStacks(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(state.range(0));
     const auto kinds = static_cast<std::size_t>(state.range(1));
-    auto drawn = drawStacks(static_cast<int>(count), static_cast<int>(kinds));
+    auto drawn = DrawStacks(static_cast<int>(count), static_cast<int>(kinds));
     for (auto _ : state) {
         state.PauseTiming();
         auto table = std::make_unique<Table>();
-        std::vector<decltype(table->enter(nullptr))> entered;
+        std::vector<decltype(table->Enter(nullptr))> entered;
         entered.reserve(kinds);
         state.ResumeTiming();
         for (std::size_t i = 0; i < count; ++i) {
-            const std::size_t before = table->known();
-            auto stack = table->enter(&drawn[i * frames]);
-            if (table->known() > before) entered.push_back(std::move(stack));
+            const std::size_t before = table->Known();
+            auto stack = table->Enter(&drawn[i * frames]);
+            if (table->Known() > before) entered.push_back(std::move(stack));
         }
         state.PauseTiming();
         if (entered.size() != kinds) state.SkipWithError("stacks were mixed up");
@@ -179,7 +179,7 @@ BENCHMARK(InternStacks<OrderedMap>)->Apply(Sizes);
 void InternLines(benchmark::State& state) {
     constexpr int repeats = 4;
     std::vector<std::string> lines;
-    for (int i = 0; i < callCount; ++i) lines.push_back(frameLine(i));
+    for (int i = 0; i < callCount; ++i) lines.push_back(FrameLine(i));
     std::shuffle(lines.begin(), lines.end(), std::mt19937(2));
     for (auto _ : state) {
         TAIndexCall index;
@@ -192,7 +192,7 @@ BENCHMARK(InternLines)->Unit(benchmark::kMillisecond);
 
 // Masks as people write them for the leaks that they know: the function that allocates, what it is called
 // from.
-std::vector<std::unique_ptr<StackMask>> usualMasks() {
+std::vector<std::unique_ptr<StackMask>> UsualMasks() {
     std::vector<std::unique_ptr<StackMask>> masks;
     for (int i = 0; i < 200; ++i) {
         const std::string n = std::to_string(i * 211);
@@ -207,8 +207,8 @@ std::vector<std::unique_ptr<StackMask>> usualMasks() {
 
 void MatchUsualMasks(benchmark::State& state) {
     constexpr int count = 5000;
-    const auto masks = usualMasks();
-    auto drawn = drawStacks(count, count);
+    const auto masks = UsualMasks();
+    auto drawn = DrawStacks(count, count);
     for (auto _ : state)
         for (std::size_t i = 0; i < count; ++i)
             for (const auto& mask : masks)

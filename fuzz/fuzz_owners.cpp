@@ -24,7 +24,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         behind = behind || line.empty();
     }
     MakeFrameworkOwnerDico(people, lines, table);
-    CHECK(table.Size() <= 2 * lines.Size());
+    FrameworkOwners owners(people);
+    NUBListValNUBString entries;
+    for (const NUBString& line : lines) CHECK(owners.AppendEntries(line, entries) <= 2);
+    entries.QuickSort(CompareTAStrings);
+    CHECK(entries.Size() == table.Size());
+    for (int i = 1; i <= table.Size(); ++i) CHECK(entries[i] == table[i]);
     for (int i = 1; i <= table.Size(); ++i) {
         CHECK(i == 1 || table[i - 1] <= table[i]);
         CHECK(Split(table[i], fields, " ", 2) == 2);

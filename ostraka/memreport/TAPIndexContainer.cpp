@@ -30,32 +30,32 @@ struct ListsEnd {
 EARLIEST ListsEnd listsEnd;
 
 // The codes are only read, whatever their declared type allows.
-constexpr char* code(const char* text) {
+constexpr char* Code(const char* text) {
     return const_cast<char*>(text);
 }
 
-void giveRoom(Error**& list, int oldRoom, int room) {
+void GiveRoom(Error**& list, int oldRoom, int room) {
     void* block = std::realloc(list, static_cast<std::size_t>(room) * sizeof(Error*));
     if (block == nullptr) throw std::bad_alloc();
     list = static_cast<Error**>(block);
     std::fill(list + std::min(oldRoom, room), list + room, nullptr);
 }
 
-void initList(Error**& list, int& maxSize) {
+void InitList(Error**& list, int& maxSize) {
     if (list != nullptr) return;
-    giveRoom(list, 0, TAPIndexContainer::incSize + 1);
+    GiveRoom(list, 0, TAPIndexContainer::incSize + 1);
     maxSize = TAPIndexContainer::incSize;
 }
 
 // Splits into the two fragments that an entry has to have.
-bool isPair(const NUBString& entry, const char* separator, NUBListValNUBString& fragments) {
+bool IsPair(const NUBString& entry, const char* separator, NUBListValNUBString& fragments) {
     return Split(entry, fragments, separator) == 2;
 }
 
-void addMasks(const NUBListValNUBString& entries, NUBListPtrStackMask& filter) {
+void AddMasks(const NUBListValNUBString& entries, NUBListPtrStackMask& filter) {
     NUBListValNUBString parts;
     for (int i = entries.Size(); i >= 1; --i) {
-        if (!isPair(entries[i], "@@@", parts)) continue;
+        if (!IsPair(entries[i], "@@@", parts)) continue;
         masks.push_back(std::make_unique<StackMask>(parts[2].CastToCharPtr(), parts[1].CastToCharPtr()));
         filter.Append(masks.back().get());
     }
@@ -104,32 +104,32 @@ int TAPIndexContainer::ErrorListMaxSize = 0;
 int TAPIndexContainer::LeaksListMaxSize = 0;
 
 constinit char* TAPIndexContainer::ErrorTypes[26] = {
-    code("ABR"), code("ABW"), code("BRK"), code("BSR"), code("BSW"), code("COR"), code("FMM"),
-    code("FMR"), code("FMW"), code("FNH"), code("FUM"), code("IPR"), code("IPW"), code("MRE"),
-    code("MSE"), code("NPR"), code("NPW"), code("PAR"), code("SBR"), code("SBW"), code("SOF"),
-    code("UMC"), code("UMR"), code("ZPR"), code("ZPW"), nullptr};
-constinit char* TAPIndexContainer::LeakTypes[3] = {code("MLK"), code("PLK"), nullptr};
+    Code("ABR"), Code("ABW"), Code("BRK"), Code("BSR"), Code("BSW"), Code("COR"), Code("FMM"),
+    Code("FMR"), Code("FMW"), Code("FNH"), Code("FUM"), Code("IPR"), Code("IPW"), Code("MRE"),
+    Code("MSE"), Code("NPR"), Code("NPW"), Code("PAR"), Code("SBR"), Code("SBW"), Code("SOF"),
+    Code("UMC"), Code("UMR"), Code("ZPR"), Code("ZPW"), nullptr};
+constinit char* TAPIndexContainer::LeakTypes[3] = {Code("MLK"), Code("PLK"), nullptr};
 
 int TAPIndexContainer::incSize = 100000;
 
 void TAPIndexContainer::InitStatic() {
-    initList(ErrorList, ErrorListMaxSize);
-    initList(LeaksList, LeaksListMaxSize);
+    InitList(ErrorList, ErrorListMaxSize);
+    InitList(LeaksList, LeaksListMaxSize);
 }
 
 void TAPIndexContainer::IncreaseListMaxSize(Error**& list, int& size, int& maxSize) {
     if (incSize * 10LL < static_cast<long long>(size) + incSize) incSize *= 5;
     const int oldRoom = list != nullptr ? maxSize + 1 : 0;
     maxSize += incSize;
-    giveRoom(list, oldRoom, maxSize + 1);
+    GiveRoom(list, oldRoom, maxSize + 1);
 }
 
 void TAPIndexContainer::SetErrorCallStackFilter(const NUBListValNUBString& entries) {
-    addMasks(entries, ErrorCallStackFilter);
+    AddMasks(entries, ErrorCallStackFilter);
 }
 
 void TAPIndexContainer::SetLeaksCallStackFilter(const NUBListValNUBString& entries) {
-    addMasks(entries, LeaksCallStackFilter);
+    AddMasks(entries, LeaksCallStackFilter);
 }
 
 void TAPIndexContainer::SetRespForFwIndex(const NUBListValNUBString& people,
@@ -137,7 +137,7 @@ void TAPIndexContainer::SetRespForFwIndex(const NUBListValNUBString& people,
     NUBListValNUBString pairs, parts;
     MakeFrameworkOwnerDico(people, lines, pairs);
     for (int i = pairs.Size(); i >= 1; --i) {
-        if (!isPair(pairs[i], " ", parts)) continue;
+        if (!IsPair(pairs[i], " ", parts)) continue;
         const char* responsible = responsibleIndex.Append(parts[2].CastToCharPtr(), nullptr, 0);
         respForFwIndex.Append(parts[1].CastToCharPtr(), responsible, 0);
     }

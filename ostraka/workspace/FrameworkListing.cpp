@@ -13,27 +13,27 @@
 
 namespace {
 
-NUBListValTAFileName cardsOf(const NUBString& workspace, const char* frameworks) {
+NUBListValTAFileName CardsOf(const NUBString& workspace, const char* frameworks) {
     NUBListValTAFileName cards;
     ReadDirectory(workspace + frameworks + "/IdentityCard", cards);
     return cards;
 }
 
-bool isCodeName(const NUBString& name) {
+bool IsCodeName(const NUBString& name) {
     NUBListValNUBString parts;
     return Split(name, parts, ".") == 1;
 }
 
-int appendNames(const NUBListValTAFileName& cards, NUBListValNUBString& out, bool codeOnly) {
+int AppendNames(const NUBListValTAFileName& cards, NUBListValNUBString& out, bool codeOnly) {
     for (int i = cards.Size(); i >= 1; --i) {
         const NUBString name(cards[i].dirname(1).basename(1));
-        if (!codeOnly || isCodeName(name)) out.Append(name);
+        if (!codeOnly || IsCodeName(name)) out.Append(name);
     }
     return cards.Size() == 0;
 }
 
 // The name as one word of the shell, whatever is in it.
-std::string wordOf(const NUBString& name) {
+std::string WordOf(const NUBString& name) {
     constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_./-+:@%,";
     const std::string_view text = name.View();
     if (text.find_first_not_of(plain) == std::string_view::npos) return std::string(text);
@@ -59,7 +59,7 @@ public:
     Output& operator=(const Output&) = delete;
 
     // The next line without its line feed; false at the end, and for a last line that has none.
-    bool read(std::string_view& line) {
+    bool Read(std::string_view& line) {
         if (pipe == nullptr) return false;
         const ssize_t length = getline(&buffer, &room, pipe);
         if (length <= 0 || buffer[length - 1] != '\n') return false;
@@ -73,18 +73,18 @@ private:
     std::size_t room = 0;
 };
 
-std::string_view withoutBlanks(std::string_view line) {
+std::string_view WithoutBlanks(std::string_view line) {
     return line.substr(std::min(line.find_first_not_of(' '), line.size()));
 }
 
 } // namespace
 
 int GetFWCodeList(const NUBString& workspace, NUBListValNUBString& out, int pureCode) {
-    return appendNames(cardsOf(workspace, "/*"), out, pureCode != 0);
+    return AppendNames(CardsOf(workspace, "/*"), out, pureCode != 0);
 }
 
 int GetFWTestList(const NUBString& workspace, NUBListValNUBString& out, int testOnly) {
-    return appendNames(cardsOf(workspace, testOnly != 0 ? "/*.tst" : "/*"), out, false);
+    return AppendNames(CardsOf(workspace, testOnly != 0 ? "/*.tst" : "/*"), out, false);
 }
 
 int GetTestFW(const NUBString& workspace, const NUBString& framework, NUBListValNUBString& out, int query) {
@@ -95,10 +95,10 @@ int GetTestFW(const NUBString& workspace, const NUBString& framework, NUBListVal
     const NUBString expected = framework + ".tst";
     bool met = false;
     // Asked first, so that the shell doesn't complain about a missing command.
-    Output output("command -v ls_test_fw >/dev/null && ls_test_fw -w " + wordOf(workspace) + " -f " +
-                  wordOf(framework));
-    for (std::string_view line; output.read(line);) {
-        const NUBString name(withoutBlanks(line));
+    Output output("command -v ls_test_fw >/dev/null && ls_test_fw -w " + WordOf(workspace) + " -f " +
+                  WordOf(framework));
+    for (std::string_view line; output.Read(line);) {
+        const NUBString name(WithoutBlanks(line));
         if (name.Length() == 0 || name.View().starts_with('#')) continue;
         met = met || name == expected;
         out.Append(name);

@@ -13,12 +13,29 @@
 
 #include <basalt/NUBListValNUBString.h>
 #include <basalt/NUBString.h>
+#include <memory>
 #include <ostraka/Export.h>
 
 // Appends an entry "framework owner" for each framework that a line names, the tag standing in for an owner
 // whom the people don't have; then sorts the whole table by `CompareTAStrings`. Returns 0.
 OSTRAKA_EXPORT int MakeFrameworkOwnerDico(const NUBListValNUBString& people, const NUBListValNUBString& lines,
                                           NUBListValNUBString& table);
+
+// Gives the entries of one line at a time. The people are sorted once, and have to outlive it unchanged.
+class OSTRAKA_EXPORT FrameworkOwners {
+public:
+    explicit FrameworkOwners(const NUBListValNUBString& people);
+    ~FrameworkOwners();
+    FrameworkOwners(const FrameworkOwners&) = delete;
+    FrameworkOwners& operator=(const FrameworkOwners&) = delete;
+
+    // Appends an entry for each framework that the line names; returns their number, 0 to 2.
+    int AppendEntries(const NUBString& line, NUBListValNUBString& table);
+
+private:
+    class Search;
+    std::unique_ptr<Search> search;
+};
 
 // The owner by the last line that names the framework; "." without a line, or when the people don't have him.
 OSTRAKA_EXPORT NUBString GetFWResponsible(const NUBString& framework, const NUBListValNUBString& people,

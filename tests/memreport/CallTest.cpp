@@ -10,7 +10,7 @@
 
 namespace {
 
-std::string textOf(const char* text) {
+std::string TextOf(const char* text) {
     return text != nullptr ? text : "(null)";
 }
 
@@ -41,7 +41,7 @@ TEST(CallTest, ReadsTheLine) {
         const Call call(row.line.c_str(), &index);
         const std::unique_ptr<char, void (*)(void*)> shortCall(call.GetShortCall(), std::free);
         EXPECT_TRUE(call.GetCall() == row.line && shortCall.get() == row.shortCall) << row.line.substr(0, 50);
-        EXPECT_TRUE(textOf(call.GetFwResponsible()) == row.framework) << row.line.substr(0, 50);
+        EXPECT_TRUE(TextOf(call.GetFwResponsible()) == row.framework) << row.line.substr(0, 50);
     }
 }
 
@@ -101,7 +101,7 @@ TEST(CallTest, NamesTheResponsible) {
                              {"f [/w/OfAnError/A.m/src/a.cpp:1]", "(null)"},
                              {"f", "(null)"}};
     for (const auto& [line, responsible] : rows)
-        EXPECT_EQ(textOf(Call(line, &index).GetResponsible()), responsible);
+        EXPECT_EQ(TextOf(Call(line, &index).GetResponsible()), responsible);
     Call call("f", &index);
     call.SetFwResponsible("unheard of");
     EXPECT_STREQ(call.GetResponsible(), ".");

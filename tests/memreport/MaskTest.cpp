@@ -13,7 +13,7 @@ namespace {
 class Rows {
 public:
     explicit Rows(const char* text) : rest(text) {}
-    bool next() {
+    bool Next() {
         rest >> pattern >> matched >> result;
         for (std::string* text : {&pattern, &matched})
             if (*text == "''") text->clear();
@@ -30,13 +30,13 @@ TEST(MaskTest, MatchesTexts) {
     Rows rows("'' '' 1   '' a 0   ab ab 1   ab abc 0   @ '' 1   @ a 1   a@ ab 1   ab@ a 0   @b ab 1   "
               "@b bb 0   @ab b 0   @@ '' 1   @@b ab 1   @foo@bar a,foo,x,bar 1   @foo@bar bar,foo 0   "
               "@a@a a 0   @a@a aaa 0   a@b@ axxb 1   a@b@c abbc 1   @ab@b abab 1   a@@c ac 1   . x 0");
-    while (rows.next())
+    while (rows.Next())
         EXPECT_EQ(strMatch(rows.pattern.c_str(), rows.matched.c_str()), rows.result)
             << rows.pattern << " " << rows.matched;
 }
 
 // Calls of one letter each; "_" is the call of empty text.
-std::vector<Call*> callsOf(const std::string& letters) {
+std::vector<Call*> CallsOf(const std::string& letters) {
     static TAIndexCall index;
     static std::deque<Call> held;
     std::vector<Call*> calls;
@@ -49,7 +49,7 @@ std::vector<Call*> callsOf(const std::string& letters) {
 
 // That the elements took the calls up to `past` in order: stars any number, all others one call that they
 // match.
-void expectTaken(const StackMask& mask, const std::vector<CallRange>& taken, Call* const* calls, int past) {
+void ExpectTaken(const StackMask& mask, const std::vector<CallRange>& taken, Call* const* calls, int past) {
     int next = 0;
     for (int i = 0; i < mask.Size(); ++i) {
         const auto [begin, end] = taken[static_cast<std::size_t>(i)];
@@ -75,15 +75,15 @@ TEST(MaskTest, MatchesStacks) {
               "a!@@!b!@@!c axbyc 5   @!a!@@ ba -1   @!a!@@!b abb 3   @!@!b abb 2   @@!@!b abb 2   "
               "@!@ ab 0   a!b!c!d!e!f!g!h!i!j!k!l!m!n!o!p!q!r!s!t abcdefghijklmnopqrst 20   "
               ".!.!.!.!.!.!.!.!.!.!.!.!.!.!.!.!.!.!.!.!. abcdefghijklmnopqrstu -1");
-    while (rows.next()) {
-        const auto calls = callsOf(rows.matched);
+    while (rows.Next()) {
+        const auto calls = CallsOf(rows.matched);
         const StackMask mask(rows.pattern.c_str(), nullptr);
         const int size = static_cast<int>(calls.size());
         EXPECT_EQ(mask.MatchMask(calls.data(), size), rows.result) << rows.pattern << " " << rows.matched;
         EXPECT_EQ(mask.GetStackMask(), rows.pattern);
         std::vector<CallRange> taken(static_cast<std::size_t>(mask.Size()), {-1, -1});
         EXPECT_EQ(mask.MatchMask(calls.data(), size, taken.data()), rows.result);
-        if (rows.result >= 0) expectTaken(mask, taken, calls.data(), rows.result);
+        if (rows.result >= 0) ExpectTaken(mask, taken, calls.data(), rows.result);
         EXPECT_TRUE(rows.result >= 0 || taken.empty() || taken[0].past == -1) << rows.pattern;
     }
 }
@@ -98,7 +98,7 @@ TEST(MaskTest, ShowsItsElements) {
     EXPECT_TRUE(mask.HasAStar(1) == 4 && mask.HasADoubleStar(0) == 2 && mask.HasADoubleStar(3) == -1);
     EXPECT_EQ(StackMask(std::string(20, '!').c_str(), nullptr).Size(), 0);
 
-    const auto calls = callsOf("a_a_a");
+    const auto calls = CallsOf("a_a_a");
     NUBRawCollint found(0);
     EXPECT_EQ(same.FindListOfEqual(0, 1, calls.data(), 0, found, 5), 3);
     ASSERT_EQ(same.FindListOfEqual(0, 2, calls.data(), 1, found, 5), 1);

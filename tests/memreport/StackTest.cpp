@@ -13,7 +13,7 @@ namespace {
 // Stacks of calls that are named by letters: "a" is of the framework A and so on, upper case of none.
 class StackTest : public testing::Test {
 protected:
-    std::vector<Call*> callsOf(const std::string& letters) {
+    std::vector<Call*> CallsOf(const std::string& letters) {
         std::vector<Call*> made;
         for (const char letter : letters) {
             const std::string framework(1, static_cast<char>(letter - 'a' + 'A'));
@@ -24,18 +24,18 @@ protected:
         return made;
     }
 
-    Stack& make(const std::string& letters, int start = 0) {
-        const auto given = callsOf(letters);
+    Stack& Make(const std::string& letters, int start = 0) {
+        const auto given = CallsOf(letters);
         return stacks.emplace_back(nullptr, given.data(), static_cast<int>(given.size()), &index,
                                    &ignoredResponsibles, &ignoredCalls, nullptr, start);
     }
 
-    static std::string lettersOf(const Stack& stack) {
+    static std::string LettersOf(const Stack& stack) {
         std::string letters;
         for (int i = 0; i < stack.GetSize(); ++i) letters += stack.GetCall(i)->GetCall()[0];
         return letters;
     }
-    static std::string chargedBy(const Stack& stack) {
+    static std::string ChargedBy(const Stack& stack) {
         return stack.GetFwResponsible() != nullptr ? stack.GetFwResponsible() : "";
     }
 
@@ -48,30 +48,30 @@ protected:
 
 TEST_F(StackTest, EqualStacksShareKeyAndId) {
     Stack::globalId = 3;
-    Stack &first = make("XYZ"), &again = make("XYZ");
+    Stack &first = Make("XYZ"), &again = Make("XYZ");
     EXPECT_TRUE(again.bitStack == first.bitStack && index[first.bitStack] == &first);
     EXPECT_TRUE(first.GetId() == 4 && again.GetId() == 4 && Stack::globalId == 4);
     first.SetId(41);
-    EXPECT_EQ(make("XY").GetId(), 43);
+    EXPECT_EQ(Make("XY").GetId(), 43);
     first.SetId(7);
-    EXPECT_EQ(make("YX").GetId(), 44);
+    EXPECT_EQ(Make("YX").GetId(), 44);
 
     std::intptr_t words[20];
-    ConvertStackFromCharToBit(reinterpret_cast<int*>(words), callsOf("XYZ").data(), 3);
+    ConvertStackFromCharToBit(reinterpret_cast<int*>(words), CallsOf("XYZ").data(), 3);
     EXPECT_EQ(index[words], &first);
 
     // A stack where one was before that is gone is none of a new key.
     alignas(Stack) unsigned char place[sizeof(Stack)];
     for (int i = 0; i < 2; ++i) {
         auto* stack =
-            new (place) Stack(nullptr, callsOf("Q").data(), 1, &index, nullptr, nullptr, nullptr, 0);
+            new (place) Stack(nullptr, CallsOf("Q").data(), 1, &index, nullptr, nullptr, nullptr, 0);
         EXPECT_EQ(stack->GetId(), i == 0 ? 45 : 0);
         stack->~Stack();
     }
     EXPECT_EQ(Stack::globalId, 45);
 
     TAIndexStack byText;
-    Stack named("any text", callsOf("XY").data(), 2, &byText, nullptr, nullptr, nullptr, 0);
+    Stack named("any text", CallsOf("XY").data(), 2, &byText, nullptr, nullptr, nullptr, 0);
     EXPECT_STREQ(named.GetStack(), "any text");
     EXPECT_EQ(named.GetStack(1), "any text");
     EXPECT_TRUE(named.bitStack == nullptr && first.GetStack() == nullptr);
@@ -82,7 +82,7 @@ TEST_F(StackTest, EqualStacksShareKeyAndId) {
 TEST_F(StackTest, JoinsAndCutsCalls) {
     const std::string letters = "ABCDEFGHIJKLMNOPQRSTUV";
     for (const int n : {0, 1, 19, 20, 21, 22}) {
-        const Stack& stack = make(letters.substr(0, static_cast<std::size_t>(n)));
+        const Stack& stack = Make(letters.substr(0, static_cast<std::size_t>(n)));
         std::string joined;
         for (int i = 0; i < std::min(n, 20); ++i)
             joined += (i > 0 ? "!" : "") + letters.substr(static_cast<std::size_t>(i), 1);
@@ -106,8 +106,8 @@ TEST_F(StackTest, ChargesTheFirstCallThatCounts) {
                 {"aX", 2, "", 1, "-n"},       {"aX", 3, "", 0, "-n"},        {"", 0, "", 1, ""},
                 {"Nna", 0, "A", 0, "nn+"},    {"bXc", 0, "", 1, "rnc"},      {"cCb", 0, "", 1, "ccr"}};
     for (const auto& row : rows) {
-        Stack& stack = make(row.letters, row.start);
-        EXPECT_EQ(chargedBy(stack), row.framework) << row.letters;
+        Stack& stack = Make(row.letters, row.start);
+        EXPECT_EQ(ChargedBy(stack), row.framework) << row.letters;
         EXPECT_EQ(stack.BuildResponsible(&ignoredResponsibles, &ignoredCalls, nullptr, row.start),
                   row.result);
         std::string charges;
@@ -115,14 +115,14 @@ TEST_F(StackTest, ChargesTheFirstCallThatCounts) {
             charges += "+crn-"[static_cast<int>(stack.ChargeOf(i, &ignoredResponsibles, &ignoredCalls))];
         EXPECT_EQ(charges, row.charges) << row.letters;
     }
-    const Stack& stack = make("XbdX");
+    const Stack& stack = Make("XbdX");
     EXPECT_STREQ(stack.GetResponsible(), ".");
     EXPECT_EQ(stack.GetFirstKetchCall(), stack.GetCall(1));
-    EXPECT_EQ(make("XX").GetFirstKetchCall(), nullptr);
+    EXPECT_EQ(Make("XX").GetFirstKetchCall(), nullptr);
     EXPECT_EQ(stack.HasCall(stack.GetCall(0)), 3);
-    EXPECT_EQ(make("").HasCall(stack.GetCall(0)), -1);
+    EXPECT_EQ(Make("").HasCall(stack.GetCall(0)), -1);
     ignoredResponsibles.Append(".", nullptr, 0);
-    EXPECT_EQ(chargedBy(make("ad")), "");
+    EXPECT_EQ(ChargedBy(Make("ad")), "");
 }
 
 TEST_F(StackTest, Resizes) {
@@ -135,17 +135,17 @@ TEST_F(StackTest, Resizes) {
                 {0, 6, 1, "aXcXYZ", "A", 0}, {4, 2, 1, "aXcXYZ", "A", 0}};
     for (const auto& row : rows) {
         index.Reset();
-        Stack& stack = make("aXcXYZ");
+        Stack& stack = Make("aXcXYZ");
         EXPECT_EQ(stack.Resize(row.first, row.last, &index, nullptr, nullptr, nullptr), row.result);
-        EXPECT_EQ(lettersOf(stack), row.letters);
-        EXPECT_EQ(chargedBy(stack), row.framework) << row.letters;
+        EXPECT_EQ(LettersOf(stack), row.letters);
+        EXPECT_EQ(ChargedBy(stack), row.framework) << row.letters;
         EXPECT_EQ(stack.chargedCall, row.charged) << row.letters;
         EXPECT_TRUE(index.size == 1 && index[stack.bitStack] == &stack && stack.GetToExtend() == 6);
     }
     // The part is a stack that is there already.
     index.Reset();
-    const Stack& part = make("XY");
-    Stack& whole = make("aXYZ");
+    const Stack& part = Make("XY");
+    Stack& whole = Make("aXYZ");
     whole.Resize(1, 2, &index, nullptr, nullptr, nullptr);
     EXPECT_TRUE(whole.bitStack == part.bitStack && index[whole.bitStack] == &part && index.size == 1);
     TAIndexBStack other(20);

@@ -12,15 +12,15 @@
 
 namespace {
 
-std::string shown(const NUBListValNUBString& list) {
+std::string Shown(const NUBListValNUBString& list) {
     std::string text;
     for (const NUBString& element : list) text += std::string(element.View()) + " ";
     return text;
 }
 
-std::string sorted(NUBListValNUBString list) {
+std::string Sorted(NUBListValNUBString list) {
     list.QuickSort(+[](NUBString* a, NUBString* b) { return a->Compare(*b); });
-    return shown(list);
+    return Shown(list);
 }
 
 TEST(ListingTest, ListsFrameworks) {
@@ -40,7 +40,7 @@ TEST(ListingTest, ListsFrameworks) {
         NUBListValNUBString names;
         EXPECT_EQ(row.list(folder.path.c_str() + NUBString("/") + row.workspace, names, row.mode),
                   row.result);
-        EXPECT_EQ(sorted(names), row.names);
+        EXPECT_EQ(Sorted(names), row.names);
     }
     NUBListValTAFileName cards;
     NUBListValNUBString names;
@@ -64,7 +64,7 @@ TEST(ListingTest, FindsTheCodeFramework) {
     for (const auto& row : rows) {
         NUBListValNUBString found;
         EXPECT_EQ(GetCodeFW("w", row.name, found, row.query), row.result) << row.name;
-        EXPECT_EQ(shown(found), row.found) << row.name;
+        EXPECT_EQ(Shown(found), row.found) << row.name;
     }
 }
 
@@ -92,7 +92,7 @@ TEST(ListingTest, AsksTheCommand) {
         TAFileName("ls_test_fw").SetAsExecutable();
         NUBListValNUBString found;
         EXPECT_EQ(GetTestFW("the/ws", row.framework, found, 1), 0);
-        EXPECT_EQ(shown(found), row.answer);
+        EXPECT_EQ(Shown(found), row.answer);
     }
     EXPECT_FALSE(FileExists("made"));
     TAFileName("ls_test_fw").Delete();
@@ -101,7 +101,7 @@ TEST(ListingTest, AsksTheCommand) {
     GetTestFW("w", "A", found, 1);
     GetTestFW("w", "A", found, 0);
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(shown(found), "A.tst A ");
+    EXPECT_EQ(Shown(found), "A.tst A ");
     setenv("PATH", path.c_str(), 1);
 }
 

@@ -36,11 +36,9 @@ void AppendLines(const std::vector<std::string>& lines, NUBListValNUBString& lis
 }
 
 // Whether the library takes a framework and its owner from the line.
-bool GivesOwner(const std::string& text, NUBListValNUBString& people) {
-    NUBListValNUBString line;
+bool GivesOwner(const std::string& text, FrameworkOwners& owners) {
     NUBListValNUBString table;
-    line.Append(NUBString(text.c_str()));
-    MakeFrameworkOwnerDico(people, line, table);
+    owners.AppendEntries(text.c_str(), table);
     return std::any_of(table.begin(), table.end(), [](const NUBString& entry) {
         NUBListValNUBString fields;
         return Split(entry, fields) == 2;
@@ -159,10 +157,11 @@ std::vector<std::string> ReadLines(const std::string& path, Run& run) {
 OwnerLists LoadOwners(Run& run) {
     OwnerLists lists;
     for (const std::string& path : run.request.report.people) AppendLines(ReadLines(path, run), lists.people);
+    FrameworkOwners owners(lists.people);
     for (const std::string& path : run.request.report.owners) {
         const std::vector<std::string> lines = ReadLines(path, run);
         const auto silent = std::count_if(lines.begin(), lines.end(),
-                                          [&](const auto& line) { return !GivesOwner(line, lists.people); });
+                                          [&](const auto& line) { return !GivesOwner(line, owners); });
         if (silent > 0) run.Warn(path, fmt::format("gives no owner in {} of {} lines", silent, lines.size()));
         AppendLines(lines, lists.lines);
     }
