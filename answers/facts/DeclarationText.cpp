@@ -291,7 +291,7 @@ private:
     bool HoldsValues(std::size_t past) const {
         const std::size_t first = SkipBlanks(text, at + 1);
         const char c = first < past ? text[first] : ')';
-        return IsQuote(c) || std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '&';
+        return IsQuote(c) || std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '&' || c == '*';
     }
 
     // A typedef of one is a type.

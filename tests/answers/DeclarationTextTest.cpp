@@ -58,6 +58,7 @@ TEST(ReadDeclaration, Variables) {
         {"Ship tug(\"Tug\",3),other(-1)", "variable tug: Ship, other: Ship"},
         {"Ship tug('x')", "variable tug: Ship"},
         {"Ship tug(&other)", "variable tug: Ship"},
+        {"Ship tug(*other),next", "variable tug: Ship, next: Ship"},
         {"bool less = a < b,more = c > d", "variable less: bool, more: bool"},
         {"int bits:3,:2,more:4", "variable bits: int, more: int"},
         {"char buffer[sizeof(int)] __attribute__((aligned(8)))", "variable buffer: char*"},

@@ -299,6 +299,7 @@ int after;
 )"},
         {"words of the language are no names", R"(unsigned int;
 long int;
+unsigned char; unsigned BYTE; const auto; unsigned DWORD;
 )",
          R"()"},
         {"positions behind a body that breaks off", R"(enum Side { Port })",

@@ -193,6 +193,7 @@ TEST(NodeAnswers, MembersAndMethods) {
         {"struct Tug{int power;int Pull(){return ^power;}Missing* m1;Missing* Get(){return ^m1;}};",
          "power: int; member of Tug 1:12; in Tug::Pull\n"
          "m1: Missing*; member of Tug 1:47; in Tug::Get"},
+        {"class Ship{public:Ship* next;};Ship* next;void Go(){Find()->^next;}", "next; in Go; on ?"},
         {"class A1:public B1{int Go();};class B1:public A1{};int A1::Go(){return ^none;}", "none; in A1::Go"},
         {"class Ship{int Go();};int Ship::Go(){}int Ship::^Cast(){}",
          "Cast; method of Ship 1:39; in Ship::Cast"},
