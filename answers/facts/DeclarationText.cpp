@@ -270,7 +270,7 @@ private:
         typeBegin = none; // stands around the name
         words = std::max(words, 2);
         at = inner + word.size();
-        if (!word.empty() && text[at] == '(') { // a function that gives a pointer to one
+        if (!word.empty() && text.substr(at, 1) == "(") { // a function that gives a pointer to one
             reading.hasType = true;
             TakeFunction();
             return true;
@@ -291,7 +291,8 @@ private:
     bool HoldsValues(std::size_t past) const {
         const std::size_t first = SkipBlanks(text, at + 1);
         const char c = first < past ? text[first] : ')';
-        return IsQuote(c) || std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '&' || c == '*';
+        return IsQuote(c) || std::isdigit(static_cast<unsigned char>(c)) != 0 || c == '-' || c == '&' ||
+               c == '*';
     }
 
     // A typedef of one is a type.
@@ -392,44 +393,64 @@ struct Head {
     std::string_view scope; // what stands before the last "::"
 };
 
-Head ReadHead(std::string_view text) {
-    text = Trimmed(text.substr(0, FindOutside(text, 0, ":")));
-    Head head;
-    bool isOpen = false; // behind a bracket: a name has to follow, else it held the arguments of a function
-    bool isJoined = false;
-    std::size_t chainBegin = 0;
-    for (std::size_t at = SkipBlanks(text, 0); at < text.size(); at = SkipBlanks(text, at)) {
-        const std::string_view word = WordAt(text, at);
+class HeadReading {
+public:
+    explicit HeadReading(std::string_view behindKeyword)
+        : text(Trimmed(behindKeyword.substr(0, FindOutside(behindKeyword, 0, ":")))) {}
+
+    Head Run() {
+        for (at = SkipBlanks(text, 0); at < text.size(); at = SkipBlanks(text, at))
+            if (!Step()) return {};
+        head.isHead = !isBehindBracket;
+        return head;
+    }
+
+private:
+    // False for what stands in no head.
+    bool Step() {
         if (text.substr(at, 2) == "::") {
             isJoined = true;
             at += 2;
         } else if (text[at] == '(' || text[at] == '[') {
-            isOpen = true;
+            isBehindBracket = true;
             at = SkipBrackets(text, at);
         } else if (text[at] == '<') {
             const std::size_t past = SkipAngles(text, at);
             at = past != 0 ? past : text.size();
-        } else if (word.empty() || !StartsName(word.front()) || (isOpen && IsOneOf(word, behindArguments))) {
-            return {};
-        } else if (word == "final" && !head.name.empty()) {
-            at += word.size();
         } else {
-            const std::size_t past = at + word.size();
-            const bool isAttribute =
-                SkipBlanks(text, past) < text.size() && text[SkipBlanks(text, past)] == '(';
-            if (!word.starts_with(exportMark) && !isAttribute) {
-                if (!isJoined) chainBegin = at;
-                if (head.names++ == 0) head.first = word;
-                head.scope = isJoined ? text.substr(chainBegin, at - 2 - chainBegin) : std::string_view();
-                head.name = word;
-            }
-            isOpen = isJoined = false;
-            at = past;
+            return TakeWord();
         }
+        return true;
     }
-    head.isHead = !isOpen;
-    return head;
-}
+
+    bool TakeWord() {
+        const std::string_view word = WordAt(text, at);
+        if (word.empty() || !StartsName(word.front())) return false;
+        if (isBehindBracket && IsOneOf(word, behindArguments)) return false;
+        const std::size_t begin = at;
+        at += word.size();
+        if (word == "final" && !head.name.empty()) return true;
+        isBehindBracket = false;
+        const bool isAttribute = text.substr(SkipBlanks(text, at), 1) == "(";
+        if (!isAttribute && !word.starts_with(exportMark)) TakeName(begin, word);
+        isJoined = false;
+        return true;
+    }
+
+    void TakeName(std::size_t begin, std::string_view word) {
+        if (!isJoined) chainBegin = begin;
+        if (head.names++ == 0) head.first = word;
+        head.scope = isJoined ? text.substr(chainBegin, begin - 2 - chainBegin) : std::string_view();
+        head.name = word;
+    }
+
+    const std::string_view text;
+    std::size_t at = 0;
+    std::size_t chainBegin = 0;   // where the parts begin that "::" joins
+    bool isJoined = false;        // behind a "::"
+    bool isBehindBracket = false; // a name has to follow, else it held the arguments of a function
+    Head head;
+};
 
 // Whether a word is one that a project gives its exported classes: `SHIPS_API`.
 bool IsUpper(std::string_view word) {
@@ -461,7 +482,7 @@ void ReadNamedType(std::string_view text, std::size_t past, const Keyword& keywo
         if (const std::string_view word = WordAt(text, SkipBlanks(text, past));
             word == "class" || word == "struct")
             past = SkipBlanks(text, past) + word.size();
-    const Head head = ReadHead(text.substr(past));
+    const Head head = HeadReading(text.substr(past)).Run();
     if (hasBody && head.isHead) {
         reading.kind = keyword.kind;
         reading.isPrivate = keyword.word == "class";
@@ -483,6 +504,19 @@ void ReadAlias(std::string_view text, std::size_t past, DeclarationReading& read
     reading.kind = DeclarationKind::Typedef;
     reading.isTypedef = true;
     reading.names = {NameIn(text, {}, name)};
+}
+
+// Whether a reader expects a blank between what stands so far and the next character.
+bool WantsBlank(std::string_view text, char next) {
+    const char last = text.back();
+    const char before = text.size() > 1 ? text[text.size() - 2] : ' ';
+    switch (last) {
+    case ',': return next != ' ' && !text.ends_with("operator,");
+    case ')': return StartsName(next) || next == '=';
+    case '=': return IsQuote(next) || (next == '(' && before == ' ');
+    case '>': return text.size() > 1 && before != '-' && StartsName(next);
+    default: return false;
+    }
 }
 
 } // namespace
@@ -563,13 +597,7 @@ std::string ReadableLine(std::string_view text) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t past = IsQuote(text[at]) ? SkipQuoted(text, at) : at + 1;
         spaced += text.substr(at, past - at);
-        const char next = past < text.size() ? text[past] : ' ';
-        const char before = at > 0 ? text[at - 1] : ' ';
-        if ((text[at] == ',' && next != ' ' && !spaced.ends_with("operator,")) ||
-            (text[at] == ')' && (StartsName(next) || next == '=')) ||
-            (text[at] == '=' && (IsQuote(next) || (next == '(' && before == ' '))) ||
-            (text[at] == '>' && at > 0 && before != '-' && StartsName(next)))
-            spaced += ' ';
+        if (past < text.size() && WantsBlank(spaced, text[past])) spaced += ' ';
         at = past;
     }
     std::string line;
