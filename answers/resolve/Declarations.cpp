@@ -23,8 +23,6 @@ constexpr const char* kindNames[] = {"class",          "struct",     "union",   
                                      "enum",           "enumerator", "typedef",       "method",    "member",
                                      "implementation", "function",   "function body", "variable",  "tie"};
 constexpr std::string_view visibilities[] = {"public", "protected", "private"};
-constexpr int hidden = 2; // private
-constexpr const char* directions[] = {"in", "out", "inout"};
 constexpr std::string_view tieMark = "TIE_";
 
 struct Word {
@@ -32,8 +30,13 @@ struct Word {
     const char* word;
 };
 
-constexpr Word classKinds[] = {{1, "plain"}, {2, "interface"}, {4, "component"}};
-constexpr Word bindings[] = {{11, "static"}, {12, "virtual"}, {13, "pure virtual"}};
+constexpr Word classKinds[] = {{TAPDefClass::PlainClass, "plain"},
+                               {TAPDefClass::Interface, "interface"},
+                               {TAPDefClass::ComponentClass, "component"}};
+constexpr Word bindings[] = {{TAPDefMethod::Static, "static"},
+                             {TAPDefMethod::Virtual, "virtual"},
+                             {TAPDefMethod::PureVirtual, "pure virtual"}};
+constexpr Word directions[] = {{TAPDefVar::In, "in"}, {TAPDefVar::Out, "out"}, {TAPDefVar::InOut, "inout"}};
 
 bool LiesIn(const TAPSyntaxePath* path, const std::string& file) {
     return path != nullptr && path->filePath == file.c_str();
@@ -252,7 +255,8 @@ private:
         const auto [known, isNew] = firstLabels.try_emplace(method.defClass, 0);
         if (isNew) known->second = FirstLabel(*method.defClass);
         const NUBRawCollint& positions = method.path->posInTree;
-        return positions.size > 0 && positions[positions.size] < known->second ? hidden : 0;
+        return positions.size > 0 && positions[positions.size] < known->second ? TAPDefEntity::Private
+                                                                               : TAPDefEntity::Public;
     }
 
     // Of a body whose members are private before it, its position there; else 0.
@@ -285,7 +289,8 @@ private:
         Scope scope{Around().container->Child(at.next), 1, "", *reading.kind, -1, nullptr};
         const std::string_view name = NameOfBody(reading);
         scope.name = name.empty() ? Around().name : Qualified(WithScope(reading.names.front()));
-        if (IsClassLike(scope.kind)) scope.visibility = reading.isPrivate ? hidden : 0;
+        if (IsClassLike(scope.kind))
+            scope.visibility = reading.isPrivate ? TAPDefEntity::Private : TAPDefEntity::Public;
         if (!name.empty() || IsClassLike(scope.kind)) {
             OutlineEntry& entry = Add(*reading.kind, name, at.text);
             if (!reading.names.empty()) SetScope(entry, reading.names.front());
@@ -450,7 +455,7 @@ Place PlaceOf(const TAPSyntaxePath& path) {
 }
 
 const char* VisibilityOf(int code) {
-    return code >= 0 && code <= 2 ? visibilities[code].data() : "";
+    return code >= TAPDefEntity::Public && code <= TAPDefEntity::Private ? visibilities[code].data() : "";
 }
 
 const char* BindingOf(const TAPDefMethod& method) {
@@ -458,7 +463,7 @@ const char* BindingOf(const TAPDefMethod& method) {
 }
 
 const char* DirectionOf(int code) {
-    return code >= 100 && code <= 102 ? directions[code - 100] : "";
+    return WordFor(directions, code);
 }
 
 std::string KindOf(const TAPDefClass& record) {

@@ -38,20 +38,19 @@ struct Mark {
 };
 
 constexpr Mark marks[] = {
-    {Mark::Sort, "NUBDeclareInterface", 2}, {Mark::Sort, "NUBDeclareClass", 4},
-    {Mark::Sort, "NUBDeclareKindOf", 4},    {Mark::Visibility, "public:", 0},
-    {Mark::Visibility, "protected:", 1},    {Mark::Visibility, "private:", 2},
+    {Mark::Sort, "NUBDeclareInterface", TAPDefClass::Interface},
+    {Mark::Sort, "NUBDeclareClass", TAPDefClass::ComponentClass},
+    {Mark::Sort, "NUBDeclareKindOf", TAPDefClass::ComponentClass},
+    {Mark::Visibility, "public:", TAPDefEntity::Public},
+    {Mark::Visibility, "protected:", TAPDefEntity::Protected},
+    {Mark::Visibility, "private:", TAPDefEntity::Private},
 };
 
-enum Binding { Plain = 10, Static = 11, Virtual = 12, PureVirtual = 13 };
-constexpr int isInline = 14;
-constexpr int hasBaseDispatch = 20;
-
-int BindingOf(const TAPSyntaxe& method) {
+TAPDefMethod::Binding BindingOf(const TAPSyntaxe& method) {
     const std::string_view text = TextOf(method);
-    if (text.starts_with("static ")) return Static;
-    if (!text.starts_with("virtual ")) return Plain;
-    return IsOfKind(ChildOf(&method, 1), "=") ? PureVirtual : Virtual;
+    if (text.starts_with("static ")) return TAPDefMethod::Static;
+    if (!text.starts_with("virtual ")) return TAPDefMethod::Plain;
+    return IsOfKind(ChildOf(&method, 1), "=") ? TAPDefMethod::PureVirtual : TAPDefMethod::Virtual;
 }
 
 NUBString ContentOf(const TAPSyntaxe& node) {
@@ -98,7 +97,7 @@ private:
         if (head == nullptr) return;
         auto* method = new TAPDefMethod(&statement, name.CastToCharPtr(), &owner, &table);
         method->SetReturnedType(returnedType);
-        if (saysInline) method->inlined = isInline;
+        if (saysInline) method->inlined = TAPDefMethod::Inlined;
         method->binding = BindingOf(*head);
         method->visibility = visibility;
         owner.methods.Append(method); // with the creator's reference
@@ -108,7 +107,7 @@ private:
 
     // The block behind the method is its body, and no child of interest any more.
     void AddImplementation(TAPDefMethod& method, TAPSyntaxe& block) {
-        method.inlined = isInline;
+        method.inlined = TAPDefMethod::Inlined;
         method.SetImplementation(&block);
         if (owner.source != nullptr) owner.source->AddImplMethod(&method);
         ++next;
@@ -143,7 +142,7 @@ private:
     TAPSymbolTable& table;
     TAPSyntaxe& body;
     int next = 1; // the child to be read
-    int visibility = 0;
+    int visibility = TAPDefEntity::Public;
     std::optional<DeclaredNames> declared;
 };
 
@@ -158,7 +157,7 @@ int TAPDefClass::SearchMethods(TAPSymbolTable* table) {
     TAPSyntaxe* body = table != nullptr ? table->GetSyntaxe(bodyPath) : nullptr;
     if (body == nullptr) return 0;
     BodyReader(*this, *table, *body).Read();
-    if (table->InheritFrom(name, "NUBBaseDispatch") != 0) dispatch = hasBaseDispatch;
+    if (table->InheritFrom(name, "NUBBaseDispatch") != 0) dispatch = BaseDispatch;
     return 0;
 }
 

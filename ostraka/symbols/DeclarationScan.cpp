@@ -27,8 +27,6 @@ namespace ostraka::detail {
 
 namespace {
 
-constexpr int kindInterface = 2;
-constexpr int inlinedMark = 14;
 constexpr std::string_view exportWord = "ExportedBy";
 constexpr std::string_view tieMark = "TIE_";
 
@@ -96,7 +94,7 @@ private:
         }
         Enter(table.types, name);
         record->SearchMethods(&table);
-        Enter(record->kind == kindInterface ? table.interfaceNames : table.classNames, name);
+        Enter(record->kind == TAPDefClass::Interface ? table.interfaceNames : table.classNames, name);
     }
 
     void DeclareForward(const NUBString& name) {
@@ -133,7 +131,7 @@ private:
         TAPDefMethod* method = declared.Find(methodName.View(), TypesOfArgs(argsNode));
         if (method != nullptr) {
             method->SetImplementation(&head);
-            if (IsOfPreciseType(&head, SINST_Inline)) method->inlined = inlinedMark;
+            if (IsOfPreciseType(&head, SINST_Inline)) method->inlined = TAPDefMethod::Inlined;
             source.AddImplMethod(method);
             return;
         }

@@ -21,11 +21,6 @@ using namespace ostraka::detail;
 
 namespace {
 
-constexpr int kindInterface = 2;
-constexpr int bindingPureVirtual = 13;
-constexpr int visibilityPublic = 0;
-constexpr int dispatchMark = 20;
-
 // How an argument is passed, and what its type ends in when it is told in terms of C++.
 struct Direction {
     const char* word;
@@ -33,7 +28,8 @@ struct Direction {
     const char* ending;
 };
 
-constexpr Direction directions[] = {{"in", 100, "&"}, {"out", 101, "*&"}, {"inout", 102, "&"}};
+constexpr Direction directions[] = {
+    {"in", TAPDefVar::In, "&"}, {"out", TAPDefVar::Out, "*&"}, {"inout", TAPDefVar::InOut, "&"}};
 
 const Direction* directionOf(const NUBString& word) {
     for (const Direction& direction : directions)
@@ -80,7 +76,7 @@ private:
         const auto record = Ref<TAPDefClass>::Adopt(new TAPDefClass(&head, &body, &source, &table));
         const bool handle = name.FindPosition("_var") >= 0;
         if (!handle) {
-            record->kind = kindInterface;
+            record->kind = TAPDefClass::Interface;
             if (full) keep(name, record);
         }
         enterNames(name);
@@ -165,12 +161,12 @@ int TAPDefClass::SearchIdlMethods(TAPSymbolTable* table) {
             continue;
         auto* method = new TAPDefMethod(child, methodName.CastToCharPtr(), this, table);
         method->SetReturnedType(returned);
-        method->binding = bindingPureVirtual;
-        method->visibility = visibilityPublic;
+        method->binding = TAPDefMethod::PureVirtual;
+        method->visibility = TAPDefMethod::Public;
         methods.Append(method); // which takes over the reference
         method->SearchIdlArgs(table, argsNode);
     }
-    if (table->InheritFrom(name, "NUBBaseDispatch") != 0) dispatch = dispatchMark;
+    if (table->InheritFrom(name, "NUBBaseDispatch") != 0) dispatch = BaseDispatch;
     return 0;
 }
 

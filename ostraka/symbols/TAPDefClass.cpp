@@ -31,7 +31,7 @@ TAPDefClass::~TAPDefClass() {
 }
 
 int TAPDefClass::GetDefKind() {
-    return 1;
+    return ClassRecord;
 }
 
 TAPSyntaxe* TAPDefClass::GetDeclarationLocation() {

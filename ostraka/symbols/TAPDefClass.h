@@ -14,11 +14,14 @@ using NUBListPtrTAPDefClass = ostraka::detail::PointerList<TAPDefClass>;
 // the tree, and are good as long as the table.
 class OSTRAKA_EXPORT TAPDefClass : public TAPDefEntity {
 public:
+    enum Kind : int { PlainClass = 1, Interface = 2, ComponentClass = 4 };
+    enum Dispatch : int { NoDispatch = 0, BaseDispatch = 20 };
+
     TAPSyntaxePath* bodyPath = nullptr; // one reference held; null if the class was made without a body
     const char* name;                   // empty if the declaration couldn't be resolved
     const char* parent = nullptr;       // the last base of the head; null if it names none
-    int kind = 1;                       // bits: 1 plain class, 2 interface, 4 component class
-    int dispatch = 0;                   // 20 if the class inherits from NUBBaseDispatch, else 0
+    int kind = PlainClass;              // a Kind; each is a bit, so that a mask asks for several
+    int dispatch = NoDispatch;          // BaseDispatch if the class inherits from NUBBaseDispatch
     NUBListPtrTAPDefMethod methods;
     NUBListPtrTAPDefClass tied; // interfaces that a "TIE_" instruction ties to this class
     NUBListPtrTAPDefVar vars;

@@ -10,7 +10,7 @@ TAPDefEntity::~TAPDefEntity() {
 }
 
 int TAPDefEntity::GetDefKind() {
-    return 0;
+    return BareEntity;
 }
 
 void TAPDefEntity::SetSyntaxePath(TAPSyntaxePath* newPath) {

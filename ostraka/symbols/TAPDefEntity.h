@@ -19,13 +19,18 @@ class TAPSyntaxe;
 // for texts that its header says are held by the table.
 class OSTRAKA_EXPORT TAPDefEntity : public TARefCounter {
 public:
+    // What GetDefKind answers.
+    enum DefKind : int { BareEntity = 0, ClassRecord = 1, MethodRecord = 2, SourceRecord = 3, VarRecord = 4 };
+    // Of methods and of variables.
+    enum Visibility : int { UnknownVisibility = -1, Public = 0, Protected = 1, Private = 2 };
+
     TAPSymbolTable* symTab = nullptr; // null only in a bare TAPDefEntity
     TAPSyntaxePath* path = nullptr;   // one reference held; null where there is no declaration
 
     TAPDefEntity() = default;
     ~TAPDefEntity() override;
 
-    // What the record is: 0 for a bare entity, 1 class, 2 method, 3 source, 4 variable.
+    // What the record is, a DefKind.
     virtual int GetDefKind();
 
     TAPSymbolTable* GetSymTab() const { return symTab; }

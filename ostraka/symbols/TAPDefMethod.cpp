@@ -24,7 +24,7 @@ TAPDefMethod::~TAPDefMethod() {
 }
 
 int TAPDefMethod::GetDefKind() {
-    return 2;
+    return MethodRecord;
 }
 
 void TAPDefMethod::SetReturnedType(const NUBString& type) {

@@ -11,6 +11,9 @@ class TAPDefClass;
 // but that somebody implements, has a null `path` and no arguments.
 class OSTRAKA_EXPORT TAPDefMethod : public TAPDefEntity {
 public:
+    enum Binding : int { Plain = 10, Static = 11, Virtual = 12, PureVirtual = 13 };
+    enum Inlining : int { NotInlined = 0, Inlined = 14 };
+
     // One reference held; null without a known implementation. Outside the class it addresses the head in
     // front of the body's block, for a body in the class the block itself.
     TAPSyntaxePath* implPath = nullptr;
@@ -18,10 +21,10 @@ public:
     char* name;                   // owned
     char* returnedType = nullptr; // owned; null until SetReturnedType
     NUBListPtrTAPDefVar args;     // in order of declaration; one reference held for each
-    int visibility = -1;          // -1 unknown, 0 public, 1 protected, 2 private
-    int binding = 10;             // 10 plain, 11 static, 12 virtual, 13 pure virtual
-    int inlined = 0;              // 14 if it is inline or has its body in the class, else 0
-    int impLine = -1;             // lines of the implementation; -1 until they have been counted
+    int visibility = UnknownVisibility;
+    int binding = Plain;
+    int inlined = NotInlined; // Inlined if it is inline or has its body in the class
+    int impLine = -1;         // lines of the implementation; -1 until they have been counted
 
     // Copies the name and addresses the nodes, each of which may be null.
     TAPDefMethod(TAPSyntaxe* declaration, const char* methodName, TAPDefClass* ofClass,

@@ -16,26 +16,33 @@ struct Classification {
     int kind;
 };
 
-constexpr Classification extensions[] = {{".h", 1}, {".cpp", 2}, {".c", 3}, {".idl", 4}};
+constexpr Classification extensions[] = {{".h", TAPDefSource::Header},
+                                         {".cpp", TAPDefSource::CppFile},
+                                         {".c", TAPDefSource::CFile},
+                                         {".idl", TAPDefSource::IdlFile}};
 
 // The last row that a path holds decides.
 constexpr Classification directories[] = {
-    {"/LocalInterfaces/", 14},   {"/PublicInterfaces/", 11}, {"/ProtectedInterfaces/", 12},
-    {"/PrivateInterfaces/", 13}, {"/PublicGenerated/", 11},  {"/ProtectedGenerated/", 12},
-    {"/PrivateGenerated/", 13},
+    {"/LocalInterfaces/", TAPDefSource::LocalInterface},
+    {"/PublicInterfaces/", TAPDefSource::PublicInterface},
+    {"/ProtectedInterfaces/", TAPDefSource::ProtectedInterface},
+    {"/PrivateInterfaces/", TAPDefSource::PrivateInterface},
+    {"/PublicGenerated/", TAPDefSource::PublicInterface},
+    {"/ProtectedGenerated/", TAPDefSource::ProtectedInterface},
+    {"/PrivateGenerated/", TAPDefSource::PrivateInterface},
 };
 
 // The dot may lie in the name of a directory; what follows it then is no extension of the table.
 int fileKindOf(std::string_view path) {
     const std::size_t dot = path.rfind('.');
-    if (dot == std::string_view::npos) return 0;
+    if (dot == std::string_view::npos) return TAPDefSource::OtherFile;
     for (const Classification& row : extensions)
         if (path.substr(dot) == row.text) return row.kind;
-    return 0;
+    return TAPDefSource::OtherFile;
 }
 
 int interfaceKindOf(std::string_view path) {
-    int kind = 15;
+    int kind = TAPDefSource::NoInterface;
     for (const Classification& row : directories)
         if (path.find(row.text) != std::string_view::npos) kind = row.kind;
     return kind;
@@ -69,7 +76,7 @@ TAPDefSource::~TAPDefSource() {
 }
 
 int TAPDefSource::GetDefKind() {
-    return 3;
+    return SourceRecord;
 }
 
 int TAPDefSource::AddDefClass(TAPDefClass* defClass) {

@@ -16,10 +16,21 @@ using NUBListPtrTAPDefSource = ostraka::detail::PointerList<TAPDefSource>;
 // implements. Its `path` addresses the root of the tree and is null until the tree exists.
 class OSTRAKA_EXPORT TAPDefSource : public TAPDefEntity {
 public:
-    int fileKind = 0;       // 0 other, 1 ".h", 2 ".cpp", 3 ".c", 4 ".idl"
-    int interfaceKind = 15; // 11 public, 12 protected, 13 private, 14 local directory, 15 none
-    NUBString name;         // the path, as given
-    int nbLine = -1;        // both -1 until the file has been read
+    // By the extension: ".h", ".cpp", ".c", ".idl".
+    enum FileKind : int { OtherFile = 0, Header = 1, CppFile = 2, CFile = 3, IdlFile = 4 };
+    // By the directory for interfaces that the file lies in.
+    enum InterfaceKind : int {
+        PublicInterface = 11,
+        ProtectedInterface = 12,
+        PrivateInterface = 13,
+        LocalInterface = 14,
+        NoInterface = 15,
+    };
+
+    int fileKind = OtherFile;
+    int interfaceKind = NoInterface;
+    NUBString name;  // the path, as given
+    int nbLine = -1; // both -1 until the file has been read
     int nbCodeLine = -1;
     const char* framework; // a key of `fws`; sources of one framework have one pointer
     NUBListPtrTAPDefClass classes;

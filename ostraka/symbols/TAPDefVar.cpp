@@ -17,7 +17,7 @@ TAPDefVar::~TAPDefVar() {
 }
 
 int TAPDefVar::GetDefKind() {
-    return 4;
+    return VarRecord;
 }
 
 TAPSyntaxe* TAPDefVar::GetDefinition() {

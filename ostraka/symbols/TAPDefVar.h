@@ -5,10 +5,12 @@
 // A data member, a variable, or an argument. The texts are the record's own and live as long as it does.
 class OSTRAKA_EXPORT TAPDefVar : public TAPDefEntity {
 public:
-    char* type;          // owned; never null, "?" where the type couldn't be read
-    char* name;          // owned; null for an unnamed argument
-    int visibility = -1; // -1 unknown, 0 public, 1 protected, 2 private
-    int direction = -1;  // of an IDL argument: 100 in, 101 out, 102 inout; else -1
+    enum Direction : int { NoDirection = -1, In = 100, Out = 101, InOut = 102 };
+
+    char* type; // owned; never null, "?" where the type couldn't be read
+    char* name; // owned; null for an unnamed argument
+    int visibility = UnknownVisibility;
+    int direction = NoDirection; // another one only for an IDL argument
 
     // Copies both texts, of which the name may be null, and addresses the definition, which may be null too.
     TAPDefVar(TAPSyntaxe* definition, const char* varName, const char* varType, TAPSymbolTable* table);

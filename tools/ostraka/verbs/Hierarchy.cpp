@@ -117,8 +117,8 @@ void PrintBranch(const Request& request, const Session& session, Hierarchy& hier
 
 constexpr const char* ShapeOf(const TAPDefClass* record) {
     if (record == nullptr) return "shape=box, style=dotted";
-    if ((record->kind & 2) != 0) return "shape=ellipse";
-    return (record->kind & 4) != 0 ? "shape=component" : "shape=box";
+    if ((record->kind & TAPDefClass::Interface) != 0) return "shape=ellipse";
+    return (record->kind & TAPDefClass::ComponentClass) != 0 ? "shape=component" : "shape=box";
 }
 
 std::string DotOf(const Request& request, const std::vector<Branch>& branches) {
