@@ -354,7 +354,7 @@ private:
         const std::map<std::string, std::string> types = TypesOf(kind);
         for (const DeclaredName& name : reading.names) {
             const std::string key(name.name);
-            if (table.keywords.IsIn(key.c_str()) >= 0 || table.basicTypes.IsIn(key.c_str()) >= 0) continue;
+            if (table.keywords.Holds(key.c_str()) || table.basicTypes.Holds(key.c_str())) continue;
             OutlineEntry& entry = Add(kind, name.name, at.text);
             if (!name.scope.empty())
                 entry.type = TypeOf(name);

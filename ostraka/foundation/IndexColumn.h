@@ -9,13 +9,17 @@
 //
 // An index of more than a hundred entries keeps them in pieces, so that an entry added in the middle
 // moves little. A single element of such an index is fetched from its piece; the plain pointer, or many
-// elements read between two changes, lay the column out as one array first, which costs one pass over its
-// entries.
+// elements read between two changes, lay the column out as one array first. That is one pass over what lies
+// behind the first change, for all columns together that have been read so before.
 namespace ostraka::detail {
 
-class SortedStore;
-
 enum class Column { Keys, Values, ValueCopies };
+inline constexpr int columnCount = 3;
+
+// The columns that are laid out as one array at the moment; null for the others.
+struct LaidOutColumns {
+    void** laidOut[columnCount] = {};
+};
 
 class OSTRAKA_EXPORT ColumnBase {
 public:
@@ -26,11 +30,13 @@ protected:
     ColumnBase() = default;
     ~ColumnBase() = default;
 
-    void* read(Column column, int position) const;
-    void** settle(Column column) const;
+    void** Array(Column column) const {
+        return store != nullptr ? store->laidOut[static_cast<int>(column)] : nullptr;
+    }
+    void* Read(Column column, int position) const;
+    void** LayOut(Column column) const;
 
-    SortedStore* store = nullptr;     // owned by the index, null until it has an entry
-    mutable void** settled = nullptr; // the column as one array, null while it isn't laid out
+    LaidOutColumns* store = nullptr; // of the index that owns it; null until it has an entry
 };
 
 // `Element` is a pointer type, `Index` the class that the column is a member of.
@@ -40,13 +46,15 @@ public:
     // The element at `position`, which lies in 0 .. size - 1.
     template <std::integral Position>
     Element operator[](Position position) const {
-        return static_cast<Element>(settled != nullptr ? settled[position]
-                                                       : read(column, static_cast<int>(position)));
+        void** const array = Array(column);
+        return static_cast<Element>(array != nullptr ? array[position]
+                                                     : Read(column, static_cast<int>(position)));
     }
 
     // The first of `size` elements; may be null when there is none.
     operator Element*() const {
-        return reinterpret_cast<Element*>(settled != nullptr ? settled : settle(column));
+        void** const array = Array(column);
+        return reinterpret_cast<Element*>(array != nullptr ? array : LayOut(column));
     }
 
 private:

@@ -15,7 +15,21 @@
 //
 // Beside each entry a run keeps a prefix of its key, one word that compares as the key's next few bytes do.
 // What all keys of a run have in common is left out of its prefixes (`skip`), so a search seldom has to
-// follow a key's address.
+// follow a key's address. With the keys /usr/include/a.h to /usr/include/z.h, `skip` is 13 and the prefixes
+// are "a.h" to "z.h".
+//
+// A search goes down in two steps of the same kind, through the top run and through one leaf:
+//   1. The sought key is held against any key of the run in the first `skip` units. If it differs there, it
+//      stands before or behind all of them, and the prefixes say nothing about it.
+//   2. Halving the prefixes gives the entries whose prefix is that of the sought key: mostly none or one.
+//   3. Only these are compared by their keys, behind what `skip` and the prefix have shown to be equal.
+// What keeps this right while a run changes:
+//   - A key that enters and shares less than `skip` with the others lowers it, and all prefixes of the run
+//     are made anew (Admit). It is raised again when a run is cut in two and when its count reaches a power
+//     of two (Sharpen), so that the work is paid for by the entries that came in between.
+//   - A leaf's name in the top run is a held key, that of its first entry; it changes whenever that entry
+//     does, before the key is freed (NameLeaf). A key before the first name belongs to the first leaf.
+//   - A run without entries has no key that `skip` could be about: then it is 0.
 //
 // The store owns its runs and the blocks of its keys, which come from `malloc`, and nothing that values point
 // to.
@@ -26,16 +40,16 @@ inline constexpr int smallestRoom = 4;
 inline constexpr int leafRoom = smallestRoom << 5;
 
 // `malloc` and `realloc` that end in `FATAL` when there is no memory.
-void* allocate(std::size_t bytes);
-void* reallocate(void* block, std::size_t bytes);
+void* Allocate(std::size_t bytes);
+void* Reallocate(void* block, std::size_t bytes);
 
 // The growth rule of an index about to take one more entry.
-void growSlots(int size, int& allocSize, int& incSize);
+void GrowSlots(int size, int& allocSize, int& incSize);
 
 // The text copy of a value lies in the block of its key: key, NUL, a byte that tells whether there is a copy,
 // copy.
-char* holdText(const char* key, std::size_t length, const char* copy);
-char* valueCopyOf(void* heldKey, void* value);
+char* HoldText(const char* key, std::size_t length, const char* copy);
+char* ValueCopyOf(void* heldKey, void* value);
 
 // Header of one block of memory; the arrays of prefixes, keys and values follow it, each of `capacity` slots.
 struct Run {
@@ -44,9 +58,9 @@ struct Run {
     std::size_t skip; // units of the keys that all of them share and the prefixes leave out
     Run* next;        // of the spare leaves
 
-    std::uint64_t* prefixes() { return reinterpret_cast<std::uint64_t*>(this + 1); }
-    void** keys() { return reinterpret_cast<void**>(prefixes() + capacity); }
-    void** values() { return keys() + capacity; }
+    std::uint64_t* Prefixes() { return reinterpret_cast<std::uint64_t*>(this + 1); }
+    void** Keys() { return reinterpret_cast<void**>(Prefixes() + capacity); }
+    void** Values() { return Keys() + capacity; }
 };
 
 // Where a key is, or where it would go.
@@ -57,31 +71,33 @@ struct Place {
 };
 
 // The part of a table that needs no order: its runs, and the way from a position to its entry and back.
-class SortedStore {
+class SortedStore : public LaidOutColumns {
 public:
-    SortedStore() : root(makeRun(smallestRoom)) {}
+    SortedStore() : root(MakeRun(smallestRoom)) {}
     ~SortedStore();
     SortedStore(const SortedStore&) = delete;
     SortedStore& operator=(const SortedStore&) = delete;
 
-    void* valueAt(Place place) const { return leafOf(place.leaf)->values()[place.position]; }
-    void* keyAt(Place place) const { return leafOf(place.leaf)->keys()[place.position]; }
-    int positionOf(Place place) { return startOf(place.leaf) + place.position; }
-    Place placeOf(int position);
+    void* ValueAt(Place place) const { return LeafOf(place.leaf)->Values()[place.position]; }
+    void* KeyAt(Place place) const { return LeafOf(place.leaf)->Keys()[place.position]; }
+    int PositionOf(Place place) { return StartOf(place.leaf) + place.position; }
+    Place PlaceOf(int position);
 
-    void* read(Column column, int position);
-    void** settle(Column column);
+    void* Read(Column column, int position);
+    // The column as one array, which `laidOut` shows until the next change.
+    void** LayOut(Column column);
     // Whether so much has been read since the last change that laying out the column pays off.
-    bool isMuchRead() { return ++reads > total / 8 + 8; }
+    bool IsMuchRead() { return ++reads > total / 8 + 8; }
 
-    void clear();
+    void Clear();
 
 protected:
-    // A column as one array, as it was when it was last laid out.
+    // The columns as arrays, as they were when they were last laid out. A column takes part from the first
+    // time on that somebody asks for it.
     struct Layout {
-        void** elements = nullptr;
-        int capacity = 0;
-        // Where each leaf lies in it, -1 if the leaf has changed; null while there is one leaf.
+        void** columns[columnCount] = {};
+        int capacity = 0; // of each
+        // Where each leaf lies in them, -1 if the leaf has changed; null while there is one leaf.
         int* places = nullptr;
         bool shrunk = false; // whether an entry has been removed since
     };
@@ -93,28 +109,31 @@ protected:
         std::size_t used;
     };
 
-    static Run* makeRun(int capacity);
-    static void openGap(Run* run, int at);
-    static void closeGap(Run* run, int at);
-    static void moveTail(Run* from, int at, Run* to);
+    static Run* MakeRun(int capacity);
+    static void OpenGap(Run* run, int at);
+    static void CloseGap(Run* run, int at);
+    static void MoveTail(Run* from, int at, Run* to);
 
-    int leafCount() const { return tall ? root->count : 1; }
-    Run* leafOf(int leaf) const { return tall ? static_cast<Run*>(root->values()[leaf]) : root; }
-    int startOf(int leaf);
-    int leafAt(int position);
-    void growRoot();
-    void resizeSlots();
-    void makeTall();
-    Run* takeLeaf();
-    void addSlab();
-    void openSlot(int leaf);
-    void dropLeaf(int leaf);
-    void forgetShared();
-    void freeKeys();
-    void noteChange(int leaf);
-    void noteRemoval();
-    void fitLayout(Layout& layout);
-    void updateLayout(Layout& layout, Column column);
+    int LeafCount() const { return tall ? root->count : 1; }
+    Run* LeafOf(int leaf) const { return tall ? static_cast<Run*>(root->Values()[leaf]) : root; }
+    int StartOf(int leaf);
+    int LeafAt(int position);
+    void GrowRoot();
+    void ResizeSlots();
+    void MakeTall();
+    Run* TakeLeaf();
+    void AddSlab();
+    void OpenSlot(int leaf);
+    void DropLeaf(int leaf);
+    void ForgetShared();
+    void FreeKeys();
+    void NoteChange(int leaf);
+    void NoteRemoval();
+    void MakeRoomFor(Column column);
+    void ForgetPlaces();
+    void UpdateLayout();
+    int FirstOfPiece(int leaf) const;
+    void WritePiece(int first, int last);
 
     Run* root;
     Slab* slab = nullptr;  // the slab in use, linked to the full ones
@@ -126,24 +145,24 @@ protected:
     int total = 0;
     int reads = 0;
     bool tall = false; // whether the root is a top run
-    Layout layouts[3];
+    Layout layout;
 };
 
 // A store in the order that `Order` gives. `Order` says what a sought key is and knows, for keys of one kind:
 //   prefixUnits, worthSkipping      units in a prefix; how many shared ones make a new prefix worth while
-//   prefix(sought, skip)            the prefix of a sought key behind its first `skip` units
-//   heldPrefix(key, skip)           the same of a held key
-//   compare(sought, key, from, past)  how they compare in the units from .. past - 1: <0, 0 or >0
-//   common(key, key, from, limit)   the first unit from `from` at which two held keys differ, at most `limit`
-//   sharedUnits(prefix, prefix)     how many units two prefixes share
+//   Prefix(sought, skip)            the prefix of a sought key behind its first `skip` units
+//   HeldPrefix(key, skip)           the same of a held key
+//   Compare(sought, key, from, past)  how they compare in the units from .. past - 1: <0, 0 or >0
+//   Common(key, key, from, limit)   the first unit from `from` at which two held keys differ, at most `limit`
+//   SharedUnits(prefix, prefix)     how many units two prefixes share
 template <class Order>
 class SortedTable : public SortedStore {
 public:
     using Sought = typename Order::Sought;
 
-    Place find(const Sought& sought) const;
-    void insert(Place place, void* key, void* value);
-    void remove(int position);
+    Place Find(const Sought& sought) const;
+    void Insert(Place place, void* key, void* value);
+    void Remove(int position);
 
 private:
     struct Spot {
@@ -153,18 +172,18 @@ private:
 
     static constexpr std::size_t noLimit = SIZE_MAX;
 
-    static Spot search(Run* run, const Sought& sought);
-    static void add(Run* run, int at, void* key, void* value);
-    static void admit(Run* run, void* key, void* member);
-    static void rebase(Run* run, std::size_t skip);
-    static void sharpen(Run* run);
-    void split(Place& place, void* key);
-    void nameLeaf(int leaf, void* firstKey);
+    static Spot Search(Run* run, const Sought& sought);
+    static void Add(Run* run, int at, void* key, void* value);
+    static void Admit(Run* run, void* key, void* member);
+    static void Rebase(Run* run, std::size_t skip);
+    static void Sharpen(Run* run);
+    void Split(Place& place, void* key);
+    void NameLeaf(int leaf, void* firstKey);
 };
 
 // The first of `count` ascending words that isn't below `word`. Without branches, which random keys would
 // mispredict.
-inline int firstNotBelow(const std::uint64_t* words, int count, std::uint64_t word) {
+inline int FirstNotBelow(const std::uint64_t* words, int count, std::uint64_t word) {
     if (count == 0) return 0;
     const std::uint64_t* base = words;
     while (count > 1) {
@@ -176,27 +195,27 @@ inline int firstNotBelow(const std::uint64_t* words, int count, std::uint64_t wo
 }
 
 // Asks for the cache lines of a leaf that a search is about to touch, instead of one after the other.
-inline void fetchAhead(Run* leaf, int count) {
+inline void FetchAhead(Run* leaf, int count) {
     __builtin_prefetch(leaf);
-    for (int i = 4; i < count; i += 8) __builtin_prefetch(leaf->prefixes() + i);
+    for (int i = 4; i < count; i += 8) __builtin_prefetch(leaf->Prefixes() + i);
 }
 
 template <class Order>
-auto SortedTable<Order>::search(Run* run, const Sought& sought) -> Spot {
+auto SortedTable<Order>::Search(Run* run, const Sought& sought) -> Spot {
     if (run->skip != 0) {
-        const int side = Order::compare(sought, run->keys()[0], 0, run->skip);
+        const int side = Order::Compare(sought, run->Keys()[0], 0, run->skip);
         if (side != 0) return {side < 0 ? 0 : run->count, false};
     }
-    const std::uint64_t prefix = Order::prefix(sought, run->skip);
-    const std::uint64_t* prefixes = run->prefixes();
-    int low = firstNotBelow(prefixes, run->count, prefix);
+    const std::uint64_t prefix = Order::Prefix(sought, run->skip);
+    const std::uint64_t* prefixes = run->Prefixes();
+    int low = FirstNotBelow(prefixes, run->count, prefix);
     if (low == run->count || prefixes[low] != prefix) return {low, false};
-    __builtin_prefetch(run->values() + low); // likely to be read when the key has been compared
+    __builtin_prefetch(run->Values() + low); // likely to be read when the key has been compared
 
     int high = static_cast<int>(std::upper_bound(prefixes + low, prefixes + run->count, prefix) - prefixes);
     while (low < high) {
         const int middle = low + (high - low) / 2;
-        const int side = Order::compare(sought, run->keys()[middle], run->skip + Order::prefixUnits, noLimit);
+        const int side = Order::Compare(sought, run->Keys()[middle], run->skip + Order::prefixUnits, noLimit);
         if (side == 0) return {middle, true};
         (side > 0 ? low : high) = side > 0 ? middle + 1 : middle;
     }
@@ -204,119 +223,119 @@ auto SortedTable<Order>::search(Run* run, const Sought& sought) -> Spot {
 }
 
 template <class Order>
-Place SortedTable<Order>::find(const Sought& sought) const {
+Place SortedTable<Order>::Find(const Sought& sought) const {
     int leaf = 0;
-    if (leafCount() > 1) {
-        const Spot spot = search(root, sought);
+    if (LeafCount() > 1) {
+        const Spot spot = Search(root, sought);
         leaf = spot.found ? spot.position : std::max(spot.position - 1, 0);
-        fetchAhead(leafOf(leaf), counts[leaf]);
+        FetchAhead(LeafOf(leaf), counts[leaf]);
     }
-    const Spot spot = search(leafOf(leaf), sought);
+    const Spot spot = Search(LeafOf(leaf), sought);
     return {leaf, spot.position, spot.found};
 }
 
 template <class Order>
-void SortedTable<Order>::rebase(Run* run, std::size_t skip) {
+void SortedTable<Order>::Rebase(Run* run, std::size_t skip) {
     run->skip = skip;
-    for (int i = 0; i < run->count; ++i) run->prefixes()[i] = Order::heldPrefix(run->keys()[i], skip);
+    for (int i = 0; i < run->count; ++i) run->Prefixes()[i] = Order::HeldPrefix(run->Keys()[i], skip);
 }
 
 // Makes `key` fit to enter a run that shares `skip` units with its present `member`.
 template <class Order>
-void SortedTable<Order>::admit(Run* run, void* key, void* member) {
+void SortedTable<Order>::Admit(Run* run, void* key, void* member) {
     if (run->skip == 0) return;
-    const std::size_t shared = Order::common(key, member, 0, run->skip);
-    if (shared < run->skip) rebase(run, shared);
+    const std::size_t shared = Order::Common(key, member, 0, run->skip);
+    if (shared < run->skip) Rebase(run, shared);
 }
 
 // Leaves out of the prefixes what all keys of the run share, if that is much.
 template <class Order>
-void SortedTable<Order>::sharpen(Run* run) {
+void SortedTable<Order>::Sharpen(Run* run) {
     if (run->count < 2) return;
     const int last = run->count - 1;
-    const std::size_t shared = Order::sharedUnits(run->prefixes()[0], run->prefixes()[last]);
+    const std::size_t shared = Order::SharedUnits(run->Prefixes()[0], run->Prefixes()[last]);
     if (shared < Order::worthSkipping) return;
-    rebase(run, Order::common(run->keys()[0], run->keys()[last], run->skip + shared, noLimit));
+    Rebase(run, Order::Common(run->Keys()[0], run->Keys()[last], run->skip + shared, noLimit));
 }
 
 template <class Order>
-void SortedTable<Order>::add(Run* run, int at, void* key, void* value) {
+void SortedTable<Order>::Add(Run* run, int at, void* key, void* value) {
     if (run->count == 0)
         run->skip = 0;
     else
-        admit(run, key, run->keys()[0]);
-    openGap(run, at);
-    run->prefixes()[at] = Order::heldPrefix(key, run->skip);
-    run->keys()[at] = key;
-    run->values()[at] = value;
-    if (std::has_single_bit(static_cast<unsigned>(run->count))) sharpen(run);
+        Admit(run, key, run->Keys()[0]);
+    OpenGap(run, at);
+    run->Prefixes()[at] = Order::HeldPrefix(key, run->skip);
+    run->Keys()[at] = key;
+    run->Values()[at] = value;
+    if (std::has_single_bit(static_cast<unsigned>(run->count))) Sharpen(run);
 }
 
 // Enters a new first key of a leaf in the top run. The former one is still held, unless the table was empty.
 template <class Order>
-void SortedTable<Order>::nameLeaf(int leaf, void* firstKey) {
-    admit(root, firstKey, root->keys()[leaf]);
-    root->keys()[leaf] = firstKey;
-    root->prefixes()[leaf] = Order::heldPrefix(firstKey, root->skip);
+void SortedTable<Order>::NameLeaf(int leaf, void* firstKey) {
+    Admit(root, firstKey, root->Keys()[leaf]);
+    root->Keys()[leaf] = firstKey;
+    root->Prefixes()[leaf] = Order::HeldPrefix(firstKey, root->skip);
 }
 
 // Cuts a full leaf in two and corrects the place for `key`. At the table's end the new leaf starts empty, so
 // that leaves filled in ascending order stay full.
 template <class Order>
-void SortedTable<Order>::split(Place& place, void* key) {
-    if (!tall) makeTall();
-    Run* left = leafOf(place.leaf);
-    const bool atEnd = place.leaf == leafCount() - 1 && place.position == left->count;
+void SortedTable<Order>::Split(Place& place, void* key) {
+    if (!tall) MakeTall();
+    Run* left = LeafOf(place.leaf);
+    const bool atEnd = place.leaf == LeafCount() - 1 && place.position == left->count;
     const int middle = atEnd ? left->count : left->count / 2;
-    Run* right = takeLeaf();
-    moveTail(left, middle, right);
-    sharpen(left);
-    sharpen(right);
+    Run* right = TakeLeaf();
+    MoveTail(left, middle, right);
+    Sharpen(left);
+    Sharpen(right);
 
-    if (root->count == root->capacity) growRoot();
-    openSlot(place.leaf + 1);
+    if (root->count == root->capacity) GrowRoot();
+    OpenSlot(place.leaf + 1);
     counts[place.leaf] = left->count;
     counts[place.leaf + 1] = right->count;
-    add(root, place.leaf + 1, atEnd ? key : right->keys()[0], right);
-    noteChange(place.leaf);
+    Add(root, place.leaf + 1, atEnd ? key : right->Keys()[0], right);
+    NoteChange(place.leaf);
     if (atEnd || place.position > middle) place = {place.leaf + 1, place.position - middle, false};
 }
 
 template <class Order>
-void SortedTable<Order>::insert(Place place, void* key, void* value) {
-    const Run* run = leafOf(place.leaf);
+void SortedTable<Order>::Insert(Place place, void* key, void* value) {
+    const Run* run = LeafOf(place.leaf);
     if (run->count == run->capacity) {
         if (run->capacity < leafRoom)
-            growRoot();
+            GrowRoot();
         else
-            split(place, key);
+            Split(place, key);
     }
     if (tall) {
-        if (place.position == 0) nameLeaf(place.leaf, key);
+        if (place.position == 0) NameLeaf(place.leaf, key);
         ++counts[place.leaf];
     }
-    add(leafOf(place.leaf), place.position, key, value);
+    Add(LeafOf(place.leaf), place.position, key, value);
     ++total;
-    noteChange(place.leaf);
+    NoteChange(place.leaf);
 }
 
 template <class Order>
-void SortedTable<Order>::remove(int position) {
-    const Place place = placeOf(position);
-    Run* run = leafOf(place.leaf);
-    void* key = run->keys()[place.position];
+void SortedTable<Order>::Remove(int position) {
+    const Place place = PlaceOf(position);
+    Run* run = LeafOf(place.leaf);
+    void* key = run->Keys()[place.position];
     if (tall) {
-        if (place.position == 0 && run->count > 1) nameLeaf(place.leaf, run->keys()[1]);
+        if (place.position == 0 && run->count > 1) NameLeaf(place.leaf, run->Keys()[1]);
         --counts[place.leaf];
     }
-    closeGap(run, place.position);
+    CloseGap(run, place.position);
     --total;
-    noteChange(place.leaf);
-    noteRemoval();
-    if (run->count == 0 && leafCount() > 1)
-        dropLeaf(place.leaf);
+    NoteChange(place.leaf);
+    NoteRemoval();
+    if (run->count == 0 && LeafCount() > 1)
+        DropLeaf(place.leaf);
     else if (run->count == 0)
-        forgetShared();
+        ForgetShared();
     std::free(key);
 }
 

@@ -2,6 +2,7 @@
 
 #include <ostraka/Export.h>
 #include <ostraka/foundation/IndexColumn.h>
+#include <ostraka/foundation/SortedIndex.h>
 
 // A sorted table from text keys to pointers, which also interns its keys: equal keys have one held copy, and
 // the address of that copy is the text's identity for as long as its entry lives, however the table grows.
@@ -15,7 +16,8 @@
 // `Append` besides that moves a bounded number of entries. The place of an entry is found by its position, or
 // a position by its key, at once if nothing has changed since the last such question, else after one sum over
 // about n / 100 counts.
-class OSTRAKA_EXPORT TAIndex {
+class OSTRAKA_EXPORT TAIndex
+    : public ostraka::detail::SortedIndex<TAIndex, char, ostraka::detail::TextOrder> {
 public:
     // The parallel arrays, by ascending `strcmp` of the keys.
     ostraka::detail::IndexColumn<char*, ostraka::detail::Column::Keys, TAIndex> keys;
@@ -38,26 +40,15 @@ public:
     // its own.
     const char* Append(const char* key, const void* value, int copy);
 
-    // The position of `key` from 0, or -1. With `length`, the key is the first `length` characters, which
-    // needn't end in NUL; text that ends before that is no key.
-    int IsIn(const char* key) const;
+    // The same as without `length`, but the key is the first `length` characters, which needn't end in NUL;
+    // text that ends before that is no key.
     int IsIn(const char* key, int length) const;
-
-    // The value of `key`; null when it is absent or its value is null.
-    void* operator[](const char* key) const;
-
-    // Removes the entry at `position` with its key and value copy: 0, or 1 when there is no such position.
-    int RemovePosition(int position);
-
-    // Empties the table and keeps its room; returns 0.
-    int Reset();
-
-    // Makes room for one more entry: the slots grow when it would fill the last one. Returns 0; ends in
-    // `FATAL` when there is no memory. `Append` calls it.
-    int increaseAllocSize();
+    bool Holds(const char* key, int length) const;
+    using SortedIndex::Holds;
+    using SortedIndex::IsIn;
 
 private:
-    void noteChange();
+    friend SortedIndex;
 
     ostraka::detail::SortedStore* store = nullptr; // null until the first entry
 };

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <ostraka/Export.h>
 #include <ostraka/foundation/IndexColumn.h>
+#include <ostraka/foundation/SortedIndex.h>
 
 // A sorted table from keys of `sizeofkey` machine words to pointers, which also interns its keys: equal keys
 // have one held copy, whose address stays the same for as long as its entry lives.
@@ -11,7 +12,8 @@
 // one with the greater word at the first difference stands first. A key that is passed in is the address of
 // `sizeofkey` such words. Ownership, validity and costs are those of `TAIndex`; what the values point to is
 // never owned.
-class OSTRAKA_EXPORT TAIndexB {
+class OSTRAKA_EXPORT TAIndexB
+    : public ostraka::detail::SortedIndex<TAIndexB, void, ostraka::detail::WordOrder> {
 public:
     // The parallel arrays, in descending order of the keys.
     ostraka::detail::IndexColumn<std::intptr_t*, ostraka::detail::Column::Keys, TAIndexB> keys;
@@ -35,29 +37,16 @@ public:
     // The same with one search for those who want the value too: `value` becomes the one that the key has.
     const void* AppendOrGet(const void* key, void*& value);
 
-    // The position of `key` from 0, or -1. The integer has no effect.
-    int IsIn(const void* key) const;
+    // The integer has no effect.
     int IsIn(const void* key, int ignored) const;
-
-    // The value of `key`; null when it is absent or its value is null.
-    void* operator[](const void* key) const;
-
-    // Removes the entry at `position` with its key: 0, or 1 when there is no such position.
-    int RemovePosition(int position);
-
-    // Empties the table and keeps its room; returns 0.
-    int Reset();
+    using SortedIndex::IsIn;
 
     // Orders `key` against a held key: +1 when it stands behind (its word is the smaller at the first
     // difference), -1 when it stands before, 0 when all words are equal.
     int compare(const void* key, const void* heldKey) const;
 
-    // Makes room for one more entry: the slots grow when it would fill the last one. Returns 0; ends in
-    // `FATAL` when there is no memory. `Append` calls it.
-    int increaseAllocSize();
-
 private:
-    void noteChange();
+    friend SortedIndex;
 
     ostraka::detail::SortedStore* store = nullptr; // null until the first entry
 };

@@ -110,7 +110,7 @@ const char* Call::GetResponsible() const {
     if (fwResponsible == nullptr) return nullptr;
     const TAIndex& frameworks = TAPIndexContainer::respForFwIndex;
     if (const void* responsible = frameworks[fwResponsible]) return static_cast<const char*>(responsible);
-    return frameworks.IsIn(fwResponsible) < 0 ? "." : nullptr;
+    return frameworks.Holds(fwResponsible) ? nullptr : ".";
 }
 
 int Call::HasString(const char* prefix) const {

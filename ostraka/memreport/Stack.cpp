@@ -21,7 +21,7 @@ struct Key {
 
 bool Holds(const TAIndex* table, std::string_view text) {
     if (table == nullptr || table->size == 0) return false;
-    return table->IsIn(text.data(), static_cast<int>(text.size())) >= 0;
+    return table->Holds(text.data(), static_cast<int>(text.size()));
 }
 
 bool IsIgnoredCall(const Call& call, const TAIndex* ignoredCalls) {

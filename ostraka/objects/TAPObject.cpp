@@ -35,7 +35,7 @@ TAPPath* TAPObject::GetPath() const {
 }
 
 int TAPObject::HasAttribute(const char* name) const {
-    return attributes.IsIn(name) >= 0;
+    return attributes.Holds(name);
 }
 
 TAPAttr TAPObject::GetAttribute(const char* name) const {

@@ -65,10 +65,10 @@ private:
 
 bool Loader::wasHandled(const char* name, int full) {
     if (full == 0) {
-        if (table.scannedFiles.IsIn(name) >= 0) return true;
+        if (table.scannedFiles.Holds(name)) return true;
         table.scannedFiles.Append(name, nullptr, 0);
     }
-    return table.sources.IsIn(name) >= 0;
+    return table.sources.Holds(name);
 }
 
 // The first half. It ends with the file on the stack, unless there is nothing to do or the text is unsound.
@@ -116,7 +116,7 @@ bool Loader::loadNextHeader() {
     PendingLoad& load = pending.back();
     if (load.next == load.headers.size()) return false;
     const TAFileName header = load.headers[load.next++];
-    if (table.sources.IsIn(header) >= 0) return true;
+    if (table.sources.Holds(header)) return true;
     const bool cxx = load.language == Language::Cxx && std::string_view(header).ends_with(".h");
     begin(cxx ? Language::Cxx : Language::Idl, new TAFileBuffer(header, 0), 1);
     return true;
@@ -176,7 +176,7 @@ int ostraka::detail::LoadAs(Language language, TAPSymbolTable& table, TAFileBuff
 }
 
 int TAPSymbolTable::LoadFile(const char* name, int full) {
-    return sources.IsIn(name) >= 0 ? loaded : LoadFile(new TAFileBuffer(name, 0), full);
+    return sources.Holds(name) ? loaded : LoadFile(new TAFileBuffer(name, 0), full);
 }
 
 int TAPSymbolTable::LoadFile(TAFileBuffer* buffer, int full) {

@@ -132,7 +132,7 @@ const Direction* checkedDirection(const NUBListValNUBString& pieces) {
 } // namespace
 
 int TAPSymbolTable::LoadIdlFile(const char* name, int full) {
-    return sources.IsIn(name) >= 0 ? 0 : LoadIdlFile(new TAFileBuffer(name, 0), full);
+    return sources.Holds(name) ? 0 : LoadIdlFile(new TAFileBuffer(name, 0), full);
 }
 
 int TAPSymbolTable::LoadIdlFile(TAFileBuffer* buffer, int full) {

@@ -74,7 +74,7 @@ inline TAPSyntaxe* MarkedChild(const TAPSyntaxe* node, int i) {
 
 // Whether the index has the key, which needn't end in NUL.
 inline bool Holds(const TAIndex& index, std::string_view key) {
-    return index.IsIn(key.data(), static_cast<int>(key.size())) >= 0;
+    return index.Holds(key.data(), static_cast<int>(key.size()));
 }
 
 } // namespace ostraka::detail

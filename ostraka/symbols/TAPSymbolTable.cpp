@@ -90,7 +90,7 @@ int TAPSymbolTable::ReceiveCallback(TACallbackPublisher* publisher, int event, v
 
 int TAPSymbolTable::LightLoadFile(const NUBString& name) {
     const char* path = name.CastToCharPtr();
-    FATAL(trees.IsIn(path) >= 0, "Internal error in TAPSymbolTable::LightLoadFile, file already loaded");
+    FATAL(trees.Holds(path), "Internal error in TAPSymbolTable::LightLoadFile, file already loaded");
     auto* buffer = new TAFileBuffer(path, 0);
     const bool unreadable = buffer->GetBuffer() == nullptr;
     const auto file = Ref<TAPSourceFile>::Adopt(new TAPSourceFile(buffer));
@@ -156,7 +156,7 @@ void TAPSymbolTable::releaseAll() {
 TAPSyntaxe* TAPSymbolTable::GetSyntaxe(TAPSyntaxePath* path) {
     if (path == nullptr) return nullptr;
     const char* file = path->filePath.CastToCharPtr();
-    if (trees.IsIn(file) < 0 && LightLoadFile(path->filePath) != 1) {
+    if (!trees.Holds(file) && LightLoadFile(path->filePath) != 1) {
         errMsg = lightLoadProblem;
         return nullptr;
     }

@@ -405,7 +405,7 @@ void StreamNormaliser::ReadMacro(Position pos) {
         macroText[word.size()] = '_';
         macroText.back() = '_';
     }
-    if (macroTexts->IsIn(macroName.c_str()) < 0) macroTexts->Append(macroName.c_str(), macroText.data(), 1);
+    if (!macroTexts->Holds(macroName.c_str())) macroTexts->Append(macroName.c_str(), macroText.data(), 1);
 }
 
 StreamNormaliser::Position StreamNormaliser::LetterAt(Position pos) {

@@ -71,9 +71,12 @@ struct TextTable {
     }
 
     int positionOf(const std::string& key) {
+        const bool held = index.Holds(key.c_str());
         const int position = index.IsIn(key.c_str());
         const std::string longer = key + "a";
-        EXPECT_EQ(index.IsIn(longer.data(), static_cast<int>(key.size())), position);
+        const int length = static_cast<int>(key.size());
+        EXPECT_EQ(index.IsIn(longer.data(), length), position);
+        EXPECT_TRUE(held == (position >= 0) && index.Holds(longer.data(), length) == held);
         return position;
     }
 
@@ -88,12 +91,15 @@ struct TextTable {
 
     bool showsAt(int i) const { return holdsAt(i, index.keys[i], index.values[i], index.valueCopies[i]); }
 
-    bool showsAll() const {
-        char** const keys = index.keys;
-        void** const values = index.values;
-        char** const copies = index.valueCopies;
+    // Some columns as arrays, and what has to be the same as they are.
+    bool showsAll(unsigned columns) const {
+        char** const keys = columns & 1 ? index.keys : nullptr;
+        void** const values = columns & 2 ? index.values : nullptr;
+        char** const copies = columns & 4 ? index.valueCopies : nullptr;
         for (int i = 0; i < index.size; ++i)
-            if (!holdsAt(i, keys[i], values[i], copies[i]) || !showsAt(i)) return false;
+            if (!holdsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i],
+                         copies ? copies[i] : index.valueCopies[i]))
+                return false;
         return true;
     }
 
@@ -127,7 +133,11 @@ struct WordTable {
                                 [](const Entry& entry, const Key& wanted) { return entry.key > wanted; });
     }
 
-    int positionOf(const Key& key) { return index.IsIn(key.data(), 1); }
+    int positionOf(const Key& key) {
+        const bool held = index.Holds(key.data());
+        EXPECT_EQ(held, index.IsIn(key.data()) >= 0);
+        return index.IsIn(key.data(), 1);
+    }
     void* valueOf(const Key& key) const { return index[key.data()]; }
 
     bool holdsAt(int position, const std::intptr_t* key, void* value) const {
@@ -137,11 +147,12 @@ struct WordTable {
 
     bool showsAt(int i) const { return holdsAt(i, index.keys[i], index.values[i]); }
 
-    bool showsAll() const {
-        std::intptr_t** const keys = index.keys;
-        void** const values = index.values;
+    bool showsAll(unsigned columns) const {
+        std::intptr_t** const keys = columns & 1 ? index.keys : nullptr;
+        void** const values = columns & 2 ? index.values : nullptr;
         for (int i = 0; i < index.size; ++i)
-            if (!holdsAt(i, keys[i], values[i]) || !showsAt(i)) return false;
+            if (!holdsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i]))
+                return false;
         return true;
     }
 
@@ -168,7 +179,7 @@ void compareWithModel(const std::string& head) {
             ASSERT_EQ(table.valueOf(key), position < 0 ? nullptr : table.index.values[position]);
             break;
         case Step::ReadOne: ASSERT_TRUE(place == size || table.showsAt(place)); break;
-        case Step::ReadAll: ASSERT_TRUE(table.showsAll()) << round; break;
+        case Step::ReadAll: ASSERT_TRUE(table.showsAll(static_cast<unsigned>(steps.upTo(8)))) << round; break;
         case Step::Remove:
             ASSERT_EQ(table.index.RemovePosition(place), place == size ? 1 : 0);
             if (place < size) table.entries.erase(table.entries.begin() + place);
@@ -180,7 +191,7 @@ void compareWithModel(const std::string& head) {
         }
         ASSERT_EQ(table.index.size, static_cast<int>(table.entries.size()));
     }
-    ASSERT_TRUE(table.showsAll());
+    ASSERT_TRUE(table.showsAll(7));
 }
 
 TEST(Index, EqualsASortedVector) {
@@ -195,7 +206,7 @@ TEST(Index, KeepsAscendingAndDescendingKeys) {
         TextTable table;
         Steps steps(1);
         for (int i = 1000; i < 4000; ++i) table.append(std::to_string(ascending ? i : 5000 - i), steps);
-        EXPECT_TRUE(table.showsAll());
+        EXPECT_TRUE(table.showsAll(7));
     }
 }
 
