@@ -8,6 +8,7 @@
 #include <dirent.h>
 #include <filesystem>
 #include <memory>
+#include <ostraka/foundation/FileMode.h>
 #include <ostraka/foundation/TextHelpers.h>
 #include <string_view>
 #include <sys/stat.h>
@@ -78,13 +79,8 @@ NUBListValNUBString matchesOf(const NUBString& pattern, Spelling spell) {
 
 } // namespace
 
-bool ostraka::detail::hasModeBit(const char* path, unsigned bit) {
-    struct stat status;
-    return stat(path, &status) == 0 && (status.st_mode & bit) != 0;
-}
-
 int FileExists(const NUBString& path) {
-    return ostraka::detail::hasModeBit(path.CastToCharPtr(), 0x8000);
+    return ostraka::detail::HasModeBit(path.CastToCharPtr(), 0x8000);
 }
 
 int SetWorkDir(const NUBString& path) {

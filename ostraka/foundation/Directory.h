@@ -9,13 +9,6 @@
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TAFileName.h>
 
-namespace ostraka::detail {
-
-// Whether the path leads to something whose mode has the bit.
-bool hasModeBit(const char* path, unsigned bit);
-
-} // namespace ostraka::detail
-
 // 1 for a regular file, or a symbolic link to one, else 0. A socket counts as one too.
 OSTRAKA_EXPORT int FileExists(const NUBString& path);
 

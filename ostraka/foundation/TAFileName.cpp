@@ -5,6 +5,7 @@
 #include <ostraka/foundation/TAFileName.h>
 
 #include <ostraka/foundation/Directory.h>
+#include <ostraka/foundation/FileMode.h>
 
 #include <algorithm>
 #include <cstring>
@@ -203,11 +204,11 @@ void TAFileName::Normalize() {
 }
 
 int TAFileName::IsFile() const {
-    return ostraka::detail::hasModeBit(*this, 0x8000);
+    return ostraka::detail::HasModeBit(*this, 0x8000);
 }
 
 int TAFileName::IsDirectory() const {
-    return ostraka::detail::hasModeBit(*this, 0x4000);
+    return ostraka::detail::HasModeBit(*this, 0x4000);
 }
 
 void TAFileName::SetAsExecutable() const {

@@ -1,3 +1,4 @@
+#include <ostraka/foundation/AppendOrGet.h>
 #include <ostraka/foundation/Fatal.h>
 #include <ostraka/foundation/IndexOperations.h>
 #include <ostraka/foundation/TAIndexB.h>
@@ -65,20 +66,25 @@ const void* TAIndexB::Append(const void* key, void* value) {
     return AppendOrGet(key, value);
 }
 
+const void* ostraka::detail::AppendOrGet(TAIndexB& index, const void* key, void*& value) {
+    return index.AppendOrGet(key, value);
+}
+
 const void* TAIndexB::AppendOrGet(const void* key, void*& value) {
     if (store == nullptr) {
         store = new SortedTable<WordOrder>;
         keys.store = values.store = store;
     }
     auto& table = TableOf<WordOrder>(store);
-    const Place place = table.Find(WordOrder::SoughtOf(*this, key));
+    const WordOrder::Sought sought = WordOrder::SoughtOf(*this, key);
+    const Place place = table.Find(sought);
     if (place.found) {
-        value = store->ValueAt(place);
-        return store->KeyAt(place);
+        value = table.ValueAt(place);
+        return table.KeyAt(place);
     }
 
     increaseAllocSize();
-    const std::size_t bytes = static_cast<std::size_t>(sizeofkey) * sizeof(std::intptr_t);
+    const std::size_t bytes = sought.count * sizeof(std::intptr_t);
     void* held = std::memcpy(Allocate(bytes), key, bytes);
     table.Insert(place, held, value);
     ++size;

@@ -5,6 +5,12 @@
 #include <ostraka/foundation/IndexColumn.h>
 #include <ostraka/foundation/SortedIndex.h>
 
+class TAIndexB;
+
+namespace ostraka::detail {
+const void* AppendOrGet(TAIndexB& index, const void* key, void*& value);
+} // namespace ostraka::detail
+
 // A sorted table from keys of `sizeofkey` machine words to pointers, which also interns its keys: equal keys
 // have one held copy, whose address stays the same for as long as its entry lives.
 //
@@ -34,8 +40,6 @@ public:
 
     // Enters `key` and returns the held copy. The value of a key that is there already stays.
     const void* Append(const void* key, void* value);
-    // The same with one search for those who want the value too: `value` becomes the one that the key has.
-    const void* AppendOrGet(const void* key, void*& value);
 
     // The integer has no effect.
     int IsIn(const void* key, int ignored) const;
@@ -47,6 +51,9 @@ public:
 
 private:
     friend SortedIndex;
+    friend const void* ostraka::detail::AppendOrGet(TAIndexB& index, const void* key, void*& value);
+
+    const void* AppendOrGet(const void* key, void*& value);
 
     ostraka::detail::SortedStore* store = nullptr; // null until the first entry
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <ostraka/foundation/AppendOrGet.h>
 #include <ostraka/foundation/Fatal.h>
 #include <ostraka/memreport/CallText.h>
 #include <ostraka/memreport/TAPIndexContainer.h>
@@ -70,7 +71,7 @@ Stack::Stack(const char*, Call* const* callsGiven, int n, TAIndexBStack* index, 
     for (int i = 0; i < std::min(size, 2); ++i) __builtin_prefetch(calls[i]->GetCall());
     void* named = this;
     const int before = index->size;
-    bitStack = static_cast<const int*>(index->AppendOrGet(key.words, named));
+    bitStack = static_cast<const int*>(ostraka::detail::AppendOrGet(*index, key.words, named));
     index->size > before ? TakeNewId() : TakeIdOf(named);
     BuildResponsible(ignoredResponsibles, ignoredCalls, jumpStrings, start);
 }
