@@ -8,6 +8,10 @@
 //     SoughtOf(index, key)   what is sought for a key of the interface
 namespace ostraka::detail {
 
+// The order of an index, given beside it.
+template <class Index>
+struct OrderOf;
+
 template <class Order>
 SortedTable<Order>& TableOf(SortedStore* store) {
     return *static_cast<SortedTable<Order>*>(store);
@@ -19,40 +23,42 @@ int PositionIn(SortedStore* store, const typename Order::Sought& sought) {
     return place.found ? store->PositionOf(place) : -1;
 }
 
-template <class Index, class Key, class Order>
-int SortedIndex<Index, Key, Order>::IsIn(const Key* key) const {
-    return Self().size == 0 ? -1 : PositionIn<Order>(Self().store, Order::SoughtOf(Self(), key));
+template <class Index, class Key>
+int SortedIndex<Index, Key>::IsIn(const Key* key) const {
+    return Self().size == 0 ? -1
+                            : PositionIn<OrderOf<Index>>(Self().store, OrderOf<Index>::SoughtOf(Self(), key));
 }
 
-template <class Index, class Key, class Order>
-bool SortedIndex<Index, Key, Order>::Holds(const Key* key) const {
-    return Self().size != 0 && TableOf<Order>(Self().store).Find(Order::SoughtOf(Self(), key)).found;
+template <class Index, class Key>
+bool SortedIndex<Index, Key>::Holds(const Key* key) const {
+    return Self().size != 0 &&
+           TableOf<OrderOf<Index>>(Self().store).Find(OrderOf<Index>::SoughtOf(Self(), key)).found;
 }
 
-template <class Index, class Key, class Order>
-void* SortedIndex<Index, Key, Order>::operator[](const Key* key) const {
+template <class Index, class Key>
+void* SortedIndex<Index, Key>::operator[](const Key* key) const {
     if (Self().size == 0) return nullptr;
-    const Place place = TableOf<Order>(Self().store).Find(Order::SoughtOf(Self(), key));
+    const Place place = TableOf<OrderOf<Index>>(Self().store).Find(OrderOf<Index>::SoughtOf(Self(), key));
     return place.found ? Self().store->ValueAt(place) : nullptr;
 }
 
-template <class Index, class Key, class Order>
-int SortedIndex<Index, Key, Order>::RemovePosition(int position) {
+template <class Index, class Key>
+int SortedIndex<Index, Key>::RemovePosition(int position) {
     if (position < 0 || position >= Self().size) return 1;
-    TableOf<Order>(Self().store).Remove(position);
+    TableOf<OrderOf<Index>>(Self().store).Remove(position);
     --Self().size;
     return 0;
 }
 
-template <class Index, class Key, class Order>
-int SortedIndex<Index, Key, Order>::Reset() {
+template <class Index, class Key>
+int SortedIndex<Index, Key>::Reset() {
     if (Self().store != nullptr) Self().store->Clear();
     Self().size = 0;
     return 0;
 }
 
-template <class Index, class Key, class Order>
-int SortedIndex<Index, Key, Order>::increaseAllocSize() {
+template <class Index, class Key>
+int SortedIndex<Index, Key>::increaseAllocSize() {
     GrowSlots(Self().size, Self().allocSize, Self().incSize);
     return 0;
 }

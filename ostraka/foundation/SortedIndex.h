@@ -5,12 +5,10 @@
 namespace ostraka::detail {
 
 class SortedStore;
-struct TextOrder;
-struct WordOrder;
 
 // What the two sorted indexes have in common. `Index` derives from this and has the fields; a key that is
 // passed in is a `Key*`.
-template <class Index, class Key, class Order>
+template <class Index, class Key>
 class OSTRAKA_EXPORT SortedIndex {
 public:
     // The position of `key` from 0, or -1.

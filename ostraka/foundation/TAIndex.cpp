@@ -5,7 +5,8 @@ namespace ostraka::detail {
 
 // Texts in the order of `strcmp`. A unit is a byte; a prefix is eight of them, the first one highest, with
 // zeros behind the end of the text.
-struct TextOrder {
+template <>
+struct OrderOf<TAIndex> {
     // Holds no NUL, and needn't end in one.
     struct Sought {
         const char* text;
@@ -58,9 +59,15 @@ private:
     }
 };
 
-template class SortedIndex<TAIndex, char, TextOrder>;
+template class SortedIndex<TAIndex, char>;
+
+} // namespace ostraka::detail
+
+using namespace ostraka::detail;
 
 namespace {
+
+using Order = OrderOf<TAIndex>;
 
 // Whether the first `length` characters can be a key.
 bool IsKey(const char* text, int length) {
@@ -68,27 +75,23 @@ bool IsKey(const char* text, int length) {
     return length >= 0 && strnlen(text, wanted) == wanted;
 }
 
-TextOrder::Sought SoughtOf(const char* text, int length) {
+Order::Sought SoughtOf(const char* text, int length) {
     return {text, static_cast<std::size_t>(length)};
 }
 
 } // namespace
 
-} // namespace ostraka::detail
-
-using namespace ostraka::detail;
-
 TAIndex::~TAIndex() {
-    if (store != nullptr) delete &TableOf<TextOrder>(store);
+    if (store != nullptr) delete &TableOf<Order>(store);
 }
 
 const char* TAIndex::Append(const char* key, const void* value, int copy) {
-    const TextOrder::Sought sought = TextOrder::SoughtOf(*this, key);
+    const Order::Sought sought = Order::SoughtOf(*this, key);
     if (store == nullptr) {
-        store = new SortedTable<TextOrder>;
+        store = new SortedTable<Order>;
         keys.store = values.store = valueCopies.store = store;
     }
-    auto& table = TableOf<TextOrder>(store);
+    auto& table = TableOf<Order>(store);
     const Place place = table.Find(sought);
     if (place.found) return static_cast<const char*>(store->KeyAt(place));
 
@@ -102,9 +105,9 @@ const char* TAIndex::Append(const char* key, const void* value, int copy) {
 
 int TAIndex::IsIn(const char* key, int length) const {
     if (size == 0 || !IsKey(key, length)) return -1;
-    return PositionIn<TextOrder>(store, SoughtOf(key, length));
+    return PositionIn<Order>(store, SoughtOf(key, length));
 }
 
 bool TAIndex::Holds(const char* key, int length) const {
-    return size != 0 && IsKey(key, length) && TableOf<TextOrder>(store).Find(SoughtOf(key, length)).found;
+    return size != 0 && IsKey(key, length) && TableOf<Order>(store).Find(SoughtOf(key, length)).found;
 }

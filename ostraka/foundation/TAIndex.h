@@ -16,8 +16,7 @@
 // `Append` besides that moves a bounded number of entries. The place of an entry is found by its position, or
 // a position by its key, at once if nothing has changed since the last such question, else after one sum over
 // about n / 100 counts.
-class OSTRAKA_EXPORT TAIndex
-    : public ostraka::detail::SortedIndex<TAIndex, char, ostraka::detail::TextOrder> {
+class OSTRAKA_EXPORT TAIndex : public ostraka::detail::SortedIndex<TAIndex, char> {
 public:
     // The parallel arrays, by ascending `strcmp` of the keys.
     ostraka::detail::IndexColumn<char*, ostraka::detail::Column::Keys, TAIndex> keys;

@@ -6,7 +6,8 @@
 namespace ostraka::detail {
 
 // Keys of signed words, the greater before the smaller. A unit is a word, and so is a prefix.
-struct WordOrder {
+template <>
+struct OrderOf<TAIndexB> {
     struct Sought {
         const std::intptr_t* words;
         std::size_t count;
@@ -48,18 +49,24 @@ struct WordOrder {
     }
 };
 
-template class SortedIndex<TAIndexB, void, WordOrder>;
+template class SortedIndex<TAIndexB, void>;
 
 } // namespace ostraka::detail
 
 using namespace ostraka::detail;
+
+namespace {
+
+using Order = OrderOf<TAIndexB>;
+
+} // namespace
 
 TAIndexB::TAIndexB(int words) : sizeofkey(words) {
     FATAL(words < 1, "Unable to create TAIndexB with sizeofkey < 0 ");
 }
 
 TAIndexB::~TAIndexB() {
-    if (store != nullptr) delete &TableOf<WordOrder>(store);
+    if (store != nullptr) delete &TableOf<Order>(store);
 }
 
 const void* TAIndexB::Append(const void* key, void* value) {
@@ -72,11 +79,11 @@ const void* ostraka::detail::AppendOrGet(TAIndexB& index, const void* key, void*
 
 const void* TAIndexB::AppendOrGet(const void* key, void*& value) {
     if (store == nullptr) {
-        store = new SortedTable<WordOrder>;
+        store = new SortedTable<Order>;
         keys.store = values.store = store;
     }
-    auto& table = TableOf<WordOrder>(store);
-    const WordOrder::Sought sought = WordOrder::SoughtOf(*this, key);
+    auto& table = TableOf<Order>(store);
+    const Order::Sought sought = Order::SoughtOf(*this, key);
     const Place place = table.Find(sought);
     if (place.found) {
         value = table.ValueAt(place);
@@ -96,6 +103,6 @@ int TAIndexB::IsIn(const void* key, int) const {
 }
 
 int TAIndexB::compare(const void* key, const void* heldKey) const {
-    const WordOrder::Sought sought = WordOrder::SoughtOf(*this, key);
-    return WordOrder::Compare(sought, heldKey, 0, sought.count);
+    const Order::Sought sought = Order::SoughtOf(*this, key);
+    return Order::Compare(sought, heldKey, 0, sought.count);
 }

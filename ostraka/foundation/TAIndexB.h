@@ -18,8 +18,7 @@ const void* AppendOrGet(TAIndexB& index, const void* key, void*& value);
 // one with the greater word at the first difference stands first. A key that is passed in is the address of
 // `sizeofkey` such words. Ownership, validity and costs are those of `TAIndex`; what the values point to is
 // never owned.
-class OSTRAKA_EXPORT TAIndexB
-    : public ostraka::detail::SortedIndex<TAIndexB, void, ostraka::detail::WordOrder> {
+class OSTRAKA_EXPORT TAIndexB : public ostraka::detail::SortedIndex<TAIndexB, void> {
 public:
     // The parallel arrays, in descending order of the keys.
     ostraka::detail::IndexColumn<std::intptr_t*, ostraka::detail::Column::Keys, TAIndexB> keys;

@@ -93,9 +93,9 @@ struct TextTable {
 
     // Some columns as arrays, and what has to be the same as they are.
     bool showsAll(unsigned columns) const {
-        char** const keys = columns & 1 ? index.keys : nullptr;
-        void** const values = columns & 2 ? index.values : nullptr;
-        char** const copies = columns & 4 ? index.valueCopies : nullptr;
+        char** const keys = columns & 1 ? static_cast<char**>(index.keys) : nullptr;
+        void** const values = columns & 2 ? static_cast<void**>(index.values) : nullptr;
+        char** const copies = columns & 4 ? static_cast<char**>(index.valueCopies) : nullptr;
         for (int i = 0; i < index.size; ++i)
             if (!holdsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i],
                          copies ? copies[i] : index.valueCopies[i]))
@@ -148,8 +148,8 @@ struct WordTable {
     bool showsAt(int i) const { return holdsAt(i, index.keys[i], index.values[i]); }
 
     bool showsAll(unsigned columns) const {
-        std::intptr_t** const keys = columns & 1 ? index.keys : nullptr;
-        void** const values = columns & 2 ? index.values : nullptr;
+        auto* const keys = columns & 1 ? static_cast<std::intptr_t**>(index.keys) : nullptr;
+        void** const values = columns & 2 ? static_cast<void**>(index.values) : nullptr;
         for (int i = 0; i < index.size; ++i)
             if (!holdsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i]))
                 return false;
