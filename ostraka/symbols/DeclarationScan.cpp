@@ -14,6 +14,7 @@
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/foundation/TAFileBuffer.h>
 #include <ostraka/foundation/TAFileName.h>
+#include <ostraka/symbols/FileLoading.h>
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/OverloadIndex.h>
 #include <ostraka/symbols/OwnedParts.h>
@@ -113,12 +114,7 @@ private:
             table.SearchHeaderFile(source.name.CastToCharPtr(), (className + ".h").CastToCharPtr());
         const char* text = path;
         if (*text == '\0' || Holds(table.sources, text)) return;
-        auto* buffer = new TAFileBuffer(text, 0);
-        if (std::string_view(text).ends_with(".h")) {
-            table.LoadFile(buffer, 0);
-        } else {
-            table.LoadIdlFile(buffer, 0);
-        }
+        LoadAs(LanguageOfHeader(table, Language::Cxx, text), table, new TAFileBuffer(text, 0), 0);
     }
 
     void ScanImplementation(TAPSyntaxe& head) {

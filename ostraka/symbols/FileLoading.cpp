@@ -58,6 +58,7 @@ private:
     int finish(PendingLoad& load);
     int makeTree(PendingLoad& load);
     int scan(PendingLoad& load, TAPSyntaxe* root);
+    void readInterfaces(TAPDefSource& header);
 
     TAPSymbolTable& table;
     std::vector<PendingLoad> pending;
@@ -80,6 +81,7 @@ int Loader::begin(Language language, TAFileBuffer* buffer, int full) {
     }
     const NUBString name(buffer->fileName);
     PendingLoad load{language, full, new TAPSourceFile(buffer), new TAPDefSource(name, nullptr, &table), {}};
+    load.record->readForInterfaces = language == Language::Idl;
     if (full != 0) {
         // From here on the file counts as loaded, which ends a circle of includes.
         table.sources.Append(name.CastToCharPtr(), load.record, 0);
@@ -117,15 +119,18 @@ bool Loader::loadNextHeader() {
     if (load.next == load.headers.size()) return false;
     const TAFileName header = load.headers[load.next++];
     if (table.sources.Holds(header)) return true;
-    const bool cxx = load.language == Language::Cxx && std::string_view(header).ends_with(".h");
-    begin(cxx ? Language::Cxx : Language::Idl, new TAFileBuffer(header, 0), 1);
+    begin(LanguageOfHeader(table, load.language, header), new TAFileBuffer(header, 0), 1);
     return true;
 }
 
 // The second half. All headers are loaded now.
 int Loader::finish(PendingLoad& load) {
-    for (const TAFileName& header : load.headers)
-        if (TAPDefSource* included = table.GetSource(header)) load.record->AddInclude(included);
+    for (const TAFileName& header : load.headers) {
+        TAPDefSource* included = table.GetSource(header);
+        if (included == nullptr) continue;
+        load.record->AddInclude(included);
+        if (load.record->readForInterfaces && table.headersByEnding) readInterfaces(*included);
+    }
     const int result = makeTree(load);
     load.record->Release();
     return result;
@@ -158,10 +163,35 @@ int Loader::makeTree(PendingLoad& load) {
     return scan(load, root);
 }
 
+// Reads a header that was loaded as C++ for its interfaces, those that it includes first. What has no tree
+// yet waits for its own scan.
+void Loader::readInterfaces(TAPDefSource& header) {
+    struct Visit {
+        TAPDefSource* source;
+        int next = 1; // of its includes
+    };
+    std::vector<Visit> open;
+    const auto enter = [&open](TAPDefSource& source) {
+        if (!std::exchange(source.readForInterfaces, true)) open.push_back({&source});
+    };
+    enter(header);
+    while (!open.empty()) {
+        Visit& visit = open.back();
+        TAPDefSource& source = *visit.source;
+        if (visit.next <= source.includes.size) {
+            enter(*source.includes[visit.next++]);
+        } else {
+            open.pop_back();
+            auto* root = static_cast<TAPSyntaxe*>(table.trees[source.name.CastToCharPtr()]);
+            table.SearchIdlDeclarations(root, &source, 1);
+        }
+    }
+}
+
 int Loader::scan(PendingLoad& load, TAPSyntaxe* root) {
-    const int result = load.language == Language::Cxx
-                           ? table.SearchDeclarations(root, load.record, load.full)
-                           : table.SearchIdlDeclarations(root, load.record, load.full);
+    const int result =
+        load.language == Language::Cxx ? table.SearchDeclarations(root, load.record, load.full) : 0;
+    if (load.record->readForInterfaces) table.SearchIdlDeclarations(root, load.record, load.full);
     if (root == nullptr) return result;
     // With this reference goes the tree of a scan-only load, and a tree that was unloaded meanwhile.
     if (root->count == 1) ForgetFunctions(table, *root);
@@ -173,6 +203,18 @@ int Loader::scan(PendingLoad& load, TAPSyntaxe* root) {
 
 int ostraka::detail::LoadAs(Language language, TAPSymbolTable& table, TAFileBuffer* buffer, int full) {
     return Loader(table).load(language, buffer, full);
+}
+
+Language ostraka::detail::LanguageOfHeader(const TAPSymbolTable& table, Language includer, const char* path) {
+    const bool cxx = table.headersByEnding
+                         ? !TAPSymbolTable::EndsAsIdl(path)
+                         : includer == Language::Cxx && std::string_view(path).ends_with(".h");
+    return cxx ? Language::Cxx : Language::Idl;
+}
+
+bool TAPSymbolTable::EndsAsIdl(const char* path) {
+    const std::string_view text = path;
+    return text.ends_with(".idl") || text.ends_with(".IDL");
 }
 
 int TAPSymbolTable::LoadFile(const char* name, int full) {

@@ -10,4 +10,7 @@ enum class Language { Cxx, Idl };
 // Loads a file with everything that it includes: TAPSymbolTable::LoadFile, respectively LoadIdlFile.
 int LoadAs(Language language, TAPSymbolTable& table, TAFileBuffer* buffer, int full);
 
+// What a header is read as that a file in the language includes.
+Language LanguageOfHeader(const TAPSymbolTable& table, Language includer, const char* path);
+
 } // namespace ostraka::detail

@@ -111,22 +111,31 @@ void refuse(const char* key, const NUBListValNUBString& pieces) {
                                        qxExtContext.GetMsgMngr()->GetMsg(key, argument));
 }
 
-// What stands between the direction and the name, told in terms of C++.
-NUBString typeOf(const NUBListValNUBString& pieces, const Direction& direction) {
-    NUBString type = pieces[2];
-    for (int i = 3; i < pieces.Size(); ++i) type.Append(" ").Append(pieces[i]);
-    return type.Append(direction.ending);
+NUBString joined(const NUBListValNUBString& pieces, int first, int last) {
+    NUBString text;
+    for (int i = first; i <= last; ++i) text.Append(i == first ? "" : " ").Append(pieces[i]);
+    return text;
 }
 
-// Null, and a message, for an argument that is refused.
-const Direction* checkedDirection(const NUBListValNUBString& pieces) {
-    if (pieces.Size() < 3) {
-        refuse("TAparser.InvIdlArg", pieces);
-        return nullptr;
+// What stands between the direction and the name, told in terms of C++.
+NUBString typeOf(const NUBListValNUBString& pieces, const Direction& direction) {
+    return joined(pieces, 2, pieces.Size() - 1).Append(direction.ending);
+}
+
+// Null for an argument that is refused, with a message and an entry in the record of its file.
+const Direction* checkedDirection(TAPSyntaxe& argument, const NUBListValNUBString& pieces,
+                                  TAPDefSource* source) {
+    const bool tooFew = pieces.Size() < 3;
+    const Direction* direction = tooFew ? nullptr : directionOf(pieces[1]);
+    if (direction != nullptr) return direction;
+    refuse(tooFew ? "TAparser.InvIdlArg" : "TAparser.InvNubIdlArg", pieces);
+    if (source != nullptr) {
+        using Cause = RefusedArgument::Cause;
+        source->refusedArguments.push_back({tooFew ? Cause::TooFewWords : Cause::NoDirection,
+                                            argument.GetTAPSourceFile()->GetPoint(argument.GetBegin()),
+                                            joined(pieces, 1, pieces.Size())});
     }
-    const Direction* direction = directionOf(pieces[1]);
-    if (direction == nullptr) refuse("TAparser.InvNubIdlArg", pieces);
-    return direction;
+    return nullptr;
 }
 
 } // namespace
@@ -176,7 +185,8 @@ int TAPDefMethod::SearchIdlArgs(TAPSymbolTable* table, TAPSyntaxe* argsNode) {
         TAPSyntaxe* child = argsNode->Child(i);
         NUBListValNUBString pieces;
         child->GetListOfString(pieces);
-        const Direction* direction = checkedDirection(pieces);
+        const Direction* direction =
+            checkedDirection(*child, pieces, defClass != nullptr ? defClass->source : nullptr);
         if (direction == nullptr) return 1;
         auto* argument = new TAPDefVar(child, pieces[pieces.Size()].CastToCharPtr(),
                                        typeOf(pieces, *direction).CastToCharPtr(), table);

@@ -7,10 +7,24 @@
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefEntity.h>
 #include <ostraka/symbols/TAPDefMethod.h>
+#include <ostraka/syntax/TAPSyntaxePoint.h>
 
 class TAPDefSource;
 
 using NUBListPtrTAPDefSource = ostraka::detail::PointerList<TAPDefSource>;
+
+// An argument in a file of interfaces that couldn't be read. Its method stands without it and without the
+// arguments behind it.
+struct RefusedArgument {
+    enum class Cause {
+        TooFewWords, // it needs a direction, a type and a name
+        NoDirection, // it begins with something else
+    };
+
+    Cause cause;
+    TAPSyntaxePoint point; // where it begins
+    NUBString text;        // its words, with a blank between each two
+};
 
 // A file that was loaded. It holds one reference on each class that it declares and each method that it
 // implements. Its `path` addresses the root of the tree and is null until the tree exists.
@@ -37,6 +51,11 @@ public:
     NUBListPtrTAPDefMethod implMethods;
     NUBListPtrTAPDefSource includes; // not counted; an entry goes when its file is unloaded
     TAIndex forwardClasses;          // names that the file only declares forward; null values
+
+    // Whether the file is read for interfaces, as IDL or besides its C++.
+    bool readForInterfaces = false;
+    // Arguments of methods in interfaces that were refused, in the order of the text.
+    std::vector<RefusedArgument> refusedArguments;
 
     // The names of all frameworks met by the process; never emptied.
     static TAIndex fws;

@@ -55,6 +55,12 @@ public:
     NUBString osName;     // the value of QxqxOS_VAR
     int lazyHeaders = 1;  // 0: the header of a class declared forward is scanned for its types
 
+    // What a header is read as. False: what a file of interfaces includes is IDL, and of what others include
+    // all that doesn't end in ".h". So it depends on who includes it first, and classes in what is read as
+    // IDL aren't found. True: its own ending decides, see EndsAsIdl, whoever includes it; and what files of
+    // interfaces include, directly or not, is read for its interfaces too.
+    bool headersByEnding = false;
+
     // Ends the process with status 1 when QxqxOS_VAR isn't set.
     TAPSymbolTable();
     ~TAPSymbolTable() override;
@@ -72,6 +78,9 @@ public:
     int LoadFile(TAFileBuffer* buffer, int full);
     int LoadIdlFile(const char* name, int full);
     int LoadIdlFile(TAFileBuffer* buffer, int full);
+
+    // Whether the path ends in ".idl" or ".IDL".
+    static bool EndsAsIdl(const char* path);
 
     // Makes the tree of a file and nothing else. 1 on success; 2 if the file can't be read or normalised, 3
     // if the tree couldn't be built. A file that has a tree ends in FATAL.

@@ -31,6 +31,10 @@ std::string Summary(const TAPSymbolTable& table, const TAPDefSource& source) {
         }
         line += ";";
     }
+    for (const RefusedArgument& refused : source.refusedArguments)
+        line += " refused " + std::to_string(refused.point.line) + ":" + std::to_string(refused.point.col) +
+                (refused.cause == RefusedArgument::Cause::NoDirection ? " begins " : " needs ") +
+                std::string(refused.text.View()) + ";";
     return line;
 }
 
@@ -57,8 +61,10 @@ TEST(Idl, InterfacesWithTheirMethods) {
          ""},
         {"interface IBase: NUBBaseDispatch {}; interface IFoo: IBase { long value; };",
          "IBase IFoo|IBase IFoo|IBase IFoo||IBase:NUBBaseDispatch 22;IFoo:IBase 22;", ""},
-        {"interface IFoo { void f(in long iA, long iX, in long iB); void g(byval long iX); };",
-         "IFoo|IFoo|IFoo||IFoo: 2 void f(100 long& iA;) void g();",
+        {"interface IFoo { void f(in long iA, long iX, in long iB);\n  void g(byval long iX); };",
+         "IFoo|IFoo|IFoo||IFoo: 2 void f(100 long& iA;) void g(); refused 1:38 needs long iX; refused 2:11 "
+         "begins "
+         "byval long iX;",
          "error: an IDL argument needs a direction, a type and a name: long iX \n"
          "error: an IDL argument has to begin with in, out or inout: byval long iX \n"},
     };

@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include <ostraka/symbols/TAPSymbolTable.h>
 
@@ -129,6 +131,42 @@ TEST_F(Loading, FailuresAreToldAndLeaveTheRest) {
         EXPECT_EQ(Load(unreadable), 0) << "an unreadable file is an empty one";
         EXPECT_EQ(Source(unreadable)->GetNbLine(), 0);
     }
+}
+
+// What stands in a header is found in whatever order files are loaded, once endings decide what they are.
+TEST_F(Loading, EndingsMakeTheOrderOfFilesEqual) {
+    std::vector<std::string> paths = {Header("a.idl"),
+                                      Header("t.h"),
+                                      Header("u.h"),
+                                      "w/Fw/PrivateInterfaces/p.hpp",
+                                      "w/Fw/PrivateInterfaces/s.IDL",
+                                      "w/Fw/Mod.m/src/x.cpp"};
+    files.Write(paths[0], "#include \"t.h\"\ninterface IA {}; class NoIdl {};");
+    files.Write(paths[1], "#include \"u.h\"\nclass T {}; interface IT {};");
+    files.Write(paths[2], "#include \"t.h\"\nclass U {}; interface IU {};");
+    files.Write(paths[3], "#include \"q.hxx\"\nclass P {}; interface INotAsked {};");
+    files.Write("w/Fw/PrivateInterfaces/q.hxx", "#include \"r\"\nclass Q {};");
+    files.Write("w/Fw/PrivateInterfaces/r", "class R {};");
+    files.Write(paths[4], "#include \"q.hxx\"\ninterface IS {};");
+    files.Write(paths[5], "#include \"p.hpp\"\n#include \"s.IDL\"\n#include \"a.idl\"\nclass X {};");
+    table.SetConcatenation(files("w").c_str());
+    const auto loadAll = [&] {
+        for (const std::string& path : paths)
+            TAPSymbolTable::EndsAsIdl(path.c_str()) ? table.LoadIdlFile(files(path).c_str(), 1) : Load(path);
+        const std::string classes = Keys(table.classIndex);
+        table.UnLoadAllFiles();
+        return classes;
+    };
+    EXPECT_EQ(loadAll(), "IA IS IT IU P X") << "who includes a header first decides";
+    std::swap(paths[0], paths[2]);
+    EXPECT_EQ(loadAll(), "IA IS P T U X");
+    std::swap(paths[0], paths[5]);
+    EXPECT_EQ(loadAll(), "IA INotAsked IS IT IU X");
+    table.headersByEnding = true;
+    std::sort(paths.begin(), paths.end());
+    do {
+        ASSERT_EQ(loadAll(), "IA IS IT IU P Q R T U X") << testing::PrintToString(paths);
+    } while (std::next_permutation(paths.begin(), paths.end()));
 }
 
 TEST_F(Loading, PathsBringTheirTreeBack) {

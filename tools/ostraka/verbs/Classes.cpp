@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <set>
 
 #include <fmt/format.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
@@ -10,6 +9,7 @@
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
+#include "verbs/FileId.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
@@ -47,10 +47,10 @@ bool IsSomeBase(const TAPSymbolTable& table, const std::string& name) {
 
 std::vector<const TAPDefClass*> Wanted(const Request& request, const TAPSymbolTable& table,
                                        const std::vector<std::string>& files) {
-    const std::set<std::string_view> wanted(files.begin(), files.end());
+    NamedFiles wanted(files);
     std::vector<const TAPDefClass*> found;
     for (const TAPDefClass* record : ClassesOf(table))
-        if (record->path != nullptr && wanted.contains(record->path->filePath.View()) &&
+        if (record->path != nullptr && wanted.Hold(record->path->filePath.View()) &&
             IsOfKinds(*record, request.kinds) && IsDerivedFrom(table, *record, request.derivedFrom))
             found.push_back(record);
     return found;

@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <map>
+#include <set>
 #include <system_error>
 #include <unordered_map>
+#include <unordered_set>
 
 #include <fmt/format.h>
 #include <ostraka/foundation/Directory.h>
 
+#include "verbs/FileId.h"
 #include <answers/facts/Diagnosis.h>
 #include <answers/facts/RawFile.h>
 #include <answers/facts/SourceUnit.h>
@@ -50,16 +54,34 @@ std::string RootAround(const std::string& path) {
 
 std::vector<std::string> RootsAround(const std::vector<std::string>& paths) {
     std::vector<std::string> roots;
+    std::set<FileId> ids;
     std::string lastFolder;
     for (const std::string& path : paths) {
         std::string folder = fs::path(path).parent_path().string();
         if (folder == lastFolder && !roots.empty()) continue;
         lastFolder = std::move(folder);
         std::string root = RootAround(path);
-        if (!root.empty() && std::find(roots.begin(), roots.end(), root) == roots.end())
-            roots.push_back(std::move(root));
+        if (!root.empty() && ids.insert(IdOf(root)).second) roots.push_back(std::move(root));
     }
     return roots;
+}
+
+// Spells each workspace as the first path does that leads into it, perhaps through a link, so that a file
+// has one name whether it was named or found as a header.
+void SpellLikePaths(std::vector<std::string>& roots, const std::vector<std::string>& paths) {
+    std::map<FileId, std::string*> waiting;
+    for (std::string& root : roots) waiting.try_emplace(IdOf(root), &root);
+    std::unordered_set<std::string> seen;
+    for (const std::string& path : paths) {
+        for (fs::path folder = Session::Absolute(path); !waiting.empty() && folder.has_relative_path();
+             folder = folder.parent_path()) {
+            if (!seen.insert(folder.string()).second) break;
+            const auto root = waiting.find(IdOf(folder.string()));
+            if (root == waiting.end()) continue;
+            *root->second = folder.string();
+            waiting.erase(root);
+        }
+    }
 }
 
 // The first system, by name, for which a workspace has generated headers.
@@ -78,10 +100,18 @@ std::string SystemIn(const std::vector<std::string>& roots) {
     return first.empty() ? noOs : first;
 }
 
+// As "argument 'long iX' lacks a direction, a type or a name; it and those behind it aren't read".
+std::string CauseOf(const RefusedArgument& argument) {
+    const bool tooFew = argument.cause == RefusedArgument::Cause::TooFewWords;
+    return fmt::format("argument '{}' {}; it and those behind it aren't read", argument.text.View(),
+                       tooFew ? "lacks a direction, a type or a name" : "begins with no in, out or inout");
+}
+
 TAPSymbolTable* MakeTable(const std::string& osName, const std::vector<std::string>& roots) {
     if (!osName.empty()) setenv(osVariable, osName.c_str(), 1);
     if (std::getenv(osVariable) == nullptr) setenv(osVariable, SystemIn(roots).c_str(), 0);
     auto* table = new TAPSymbolTable;
+    table->headersByEnding = true;
     table->SetConcatenation(fmt::format("{}", fmt::join(roots, ":")).c_str());
     return table;
 }
@@ -103,6 +133,7 @@ Session::Session(const Request& asked, const std::vector<std::string>& paths)
     : request(asked), workingFolder(Absolute(".") + "/") {
     std::vector<std::string> roots = WorkspacesOf(request);
     std::transform(roots.begin(), roots.end(), roots.begin(), Absolute);
+    SpellLikePaths(roots, paths);
     if (roots.empty()) roots = RootsAround(paths);
     for (const std::string& root : roots)
         if (!IsFolder(root)) missingRoots.push_back(root);
@@ -134,7 +165,7 @@ std::string Session::Read(const std::string& absolute) {
     if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos)
         nuls.emplace_back(absolute, DescribeNul(text, nul));
     PrintedErrors printed;
-    if (absolute.ends_with(".idl") || absolute.ends_with(".IDL")) {
+    if (TAPSymbolTable::EndsAsIdl(absolute.c_str())) {
         table->LoadIdlFile(buffer.release(), 1);
     } else {
         table->LoadFile(buffer.release(), 1);
@@ -167,6 +198,7 @@ void Session::TellFailures(Result& result) const {
     TellNuls(result);
     for (const Input& input : unread) TellFailure(input, "", result);
     TellFailedSources("", result);
+    TellRefusedArguments(result);
 }
 
 void Session::TellMissingRoots(Result& result) const {
@@ -181,6 +213,17 @@ void Session::TellNuls(Result& result) const {
     if (request.quiet) return;
     for (const auto& [path, nul] : nuls)
         AppendMessage(result.err, Shown(path), nul.place, "warning", nul.cause, request.colorErrors);
+}
+
+void Session::TellRefusedArguments(Result& result) const {
+    if (request.quiet) return;
+    for (int i = 0; i < table->sources.size; ++i) {
+        const auto* source = static_cast<const TAPDefSource*>(table->sources.values[i]);
+        for (const RefusedArgument& argument : source->refusedArguments)
+            AppendMessage(result.err, Shown(source->name.View()),
+                          Place{argument.point.line, std::max(1, argument.point.col - 1)}, "warning",
+                          CauseOf(argument), request.colorErrors);
+    }
 }
 
 // A file without a tree failed, and so may one with an empty tree, which is what an unreadable file gets.

@@ -55,6 +55,7 @@ private:
     void TellFailure(const Input& input, std::string_view includer, Result& result) const;
     void TellMissingRoots(Result& result) const;
     void TellNuls(Result& result) const;
+    void TellRefusedArguments(Result& result) const;
     std::string Read(const std::string& absolute);
 
     const Request& request;
