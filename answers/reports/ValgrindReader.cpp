@@ -1,8 +1,17 @@
 // The parser calls for each element; the path down to the open one is kept as a stack of the few names that
-// matter, all others being `Other`. Text is gathered only inside an element whose text is wanted.
+// matter, all others being `Other`. Text is gathered only inside an element whose text is wanted. The bytes
+// are taken for ISO-8859-1, since names in a report may hold any bytes, and turned back when they are used.
+// Of several stacks in an error the first says where it happened.
 //
-// The bytes are taken for ISO-8859-1, since names in a report may hold any bytes, and turned back when they
-// are used. Of several stacks in an error the first says where it happened.
+// Nearly all of a report is frames, and nearly all frames have been met before; to parse each of them would
+// take most of the time. So what is fed is cut behind each "<stack>", and the frames that follow there are
+// looked up by their bytes, blanks in front included. One that is known gives its call, and the parser
+// doesn't see it: before the next bytes it gets, it is told as many line feeds and blanks as were left out,
+// so that its lines and columns stay those of the report. One that isn't known goes to the parser alone, and
+// is remembered if that shows it to be a single frame from its first byte to its last. In a comment "<stack>"
+// opens none and "</frame>" ends none, which the parser shows as well: `behind` is the tag that it has just
+// passed, and frames are looked up only while that is right. What doesn't hold at the cut, as a frame that
+// the piece ends in, is simply parsed.
 
 #include <algorithm>
 #include <charconv>
