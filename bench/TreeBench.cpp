@@ -4,6 +4,7 @@
 
 #include <ostraka/syntax/TAPSourceFile.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
+#include <ostraka/syntax/TAPSyntaxeWalk.h>
 
 #include "Sources.h"
 
@@ -23,13 +24,7 @@ Root TreeOf(const File& file) {
 
 std::int64_t CountNodes(TAPSyntaxe* top) {
     std::int64_t count = 0;
-    std::vector<TAPSyntaxe*> waiting = {top};
-    while (!waiting.empty()) {
-        TAPSyntaxe* node = waiting.back();
-        waiting.pop_back();
-        ++count;
-        for (int i = 1; i <= node->ChildCount(); ++i) waiting.push_back(node->Child(i));
-    }
+    for (TAPSyntaxeWalk walk(*top); walk.Node() != nullptr; walk.Next()) ++count;
     return count;
 }
 

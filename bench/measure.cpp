@@ -13,6 +13,7 @@
 
 #include <ostraka/syntax/TAPSourceFile.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
+#include <ostraka/syntax/TAPSyntaxeWalk.h>
 
 #include "Measure.h"
 
@@ -71,13 +72,7 @@ void Hold(const char* name, Totals& totals, Held& held) {
 
 void Count(const char* name, Totals& totals, Held& held) {
     Hold(name, totals, held);
-    std::vector<TAPSyntaxe*> waiting = {held.roots.back()};
-    while (!waiting.empty()) {
-        TAPSyntaxe* node = waiting.back();
-        waiting.pop_back();
-        ++totals.nodes;
-        for (int i = 1; i <= node->ChildCount(); ++i) waiting.push_back(node->Child(i));
-    }
+    for (TAPSyntaxeWalk walk(*held.roots.back()); walk.Node() != nullptr; walk.Next()) ++totals.nodes;
 }
 
 struct Mode {

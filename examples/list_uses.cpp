@@ -7,7 +7,6 @@
 #include <ostraka/ostraka.h>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace {
 
@@ -19,13 +18,9 @@ void Tell(TAPSyntaxe* leaf, const char* what) {
                 leaf->GetContent());
 }
 
-// Trees are up to 900 levels deep, so the walk keeps a stack of its own.
 void LookThrough(TAPSymbolTable& table, TAPSyntaxe* root, std::string_view list) {
-    std::vector<TAPSyntaxe*> waiting = {root};
-    while (!waiting.empty()) {
-        TAPSyntaxe* node = waiting.back();
-        waiting.pop_back();
-        for (int i = node->ChildCount(); i >= 1; --i) waiting.push_back(node->Child(i));
+    for (TAPSyntaxeWalk walk(*root); walk.Node() != nullptr; walk.Next()) {
+        TAPSyntaxe* node = walk.Node();
         if (node->GetType() != STYPE_Identifiant) continue;
         NUBString type;
         if (node->GetContent() == list) {

@@ -12,7 +12,7 @@ namespace {
 // The body of an implementation: the block itself when it stands in the class, else what follows the head.
 TAPSyntaxe* BodyOf(TAPSyntaxe* implementation) {
     if (implementation == nullptr || implementation->GetType() == STYPE_Bloc) return implementation;
-    return implementation->GetParent()->GetNext(implementation);
+    return implementation->NextSibling();
 }
 
 void Tell(const TAPDefMethod& method, TAPDefVar& variable) {

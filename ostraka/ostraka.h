@@ -27,11 +27,13 @@
 #include <ostraka/symbols/TAPDefVar.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 #include <ostraka/syntax/TAPExpression.h>
+#include <ostraka/syntax/TAPFailure.h>
 #include <ostraka/syntax/TAPInstruction.h>
 #include <ostraka/syntax/TAPListOfArgs.h>
 #include <ostraka/syntax/TAPSourceFile.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
 #include <ostraka/syntax/TAPSyntaxePath.h>
 #include <ostraka/syntax/TAPSyntaxePoint.h>
+#include <ostraka/syntax/TAPSyntaxeWalk.h>
 #include <ostraka/workspace/FrameworkListing.h>
 #include <ostraka/workspace/FrameworkResponsibility.h>

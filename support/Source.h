@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -11,6 +12,7 @@
 #include <ostraka/syntax/TAPInstruction.h>
 #include <ostraka/syntax/TAPSourceFile.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
+#include <ostraka/syntax/TAPSyntaxeWalk.h>
 
 // A source file whose bytes come from memory, processed on construction; with a root once Build was called.
 class Source {
@@ -44,6 +46,7 @@ public:
     int buildResult = 0;
 
 private:
+    // No room to look ahead, so that a sanitizer sees every byte that is read behind the text.
     static TAFileBuffer* BufferOf(std::string_view text) {
         auto* buffer = new TAFileBuffer("memory.cpp", 0);
         buffer->loaded = 1;
@@ -55,9 +58,8 @@ private:
     }
 };
 
-// A tree in one line: the name of each node with its children behind it, the text of leaves, and `?` with the
-// text for an expression without kind.
-inline std::string OneLine(TAPSyntaxe* node) {
+// The name of a node, the text of a leaf, or `?` with the text for an expression without kind.
+inline std::string ShortName(TAPSyntaxe* node) {
     static constexpr const char* names[] = {"", "file", "bloc",    "inst", "",
                                             "", "args", "shallow", "decl", "null"};
     if (node->GetType() == STYPE_Identifiant) return node->GetContent();
@@ -70,6 +72,18 @@ inline std::string OneLine(TAPSyntaxe* node) {
         const int precise = static_cast<TAPInstruction*>(node)->GetPreciseType();
         if (precise != 0) line += std::to_string(precise);
     }
-    for (int i = 1; i <= node->ChildCount(); ++i) line += (i == 1 ? "(" : " ") + OneLine(node->Child(i));
-    return node->ChildCount() > 0 ? line + ")" : line;
+    return line;
+}
+
+// A tree in one line: each node with its children behind it in parentheses.
+inline std::string OneLine(TAPSyntaxe* top) {
+    std::string line;
+    int level = 0; // of the last node
+    for (TAPSyntaxeWalk walk(*top); walk.Node() != nullptr; walk.Next()) {
+        line.append(static_cast<std::size_t>(std::max(level - walk.Level(), 0)), ')');
+        if (walk.Level() > 0) line += walk.Level() > level ? '(' : ' ';
+        line += ShortName(walk.Node());
+        level = walk.Level();
+    }
+    return line.append(static_cast<std::size_t>(level), ')');
 }

@@ -24,15 +24,19 @@ public:
         }
         TAPSyntaxe* root = source.Build();
         int nodes = 0;
-        std::vector<std::pair<TAPSyntaxe*, bool>> waiting = {{root, source.buildResult != 0}};
-        while (!waiting.empty() && fault.empty()) {
-            const auto [node, cut] = waiting.back();
-            waiting.pop_back();
+        const TAPSyntaxe* last = nullptr;
+        std::vector<bool> cut; // whether the nodes above may be
+        for (TAPSyntaxeWalk walk(*root); walk.Node() != nullptr && fault.empty(); walk.Next()) {
+            TAPSyntaxe* node = walk.Node();
             ++nodes;
-            mayBeCut = cut || node->StartWith("typedef ") || node->StartWith("class ");
+            last = node;
+            cut.resize(static_cast<std::size_t>(walk.Level()));
+            mayBeCut = (cut.empty() ? source.buildResult != 0 : cut.back()) || node->StartWith("typedef ") ||
+                       node->StartWith("class ");
+            cut.push_back(mayBeCut);
             Check(node);
-            for (int i = 1; i <= node->ChildCount(); ++i) waiting.emplace_back(node->Child(i), mayBeCut);
         }
+        Require(last == root->GetLastLeaf() || !fault.empty(), "a walk ends at the last leaf", "");
         Require(source.file->count == nodes + 1 || !fault.empty(), "each node holds the file", "");
         root->Release();
         source.root = nullptr;
@@ -80,9 +84,11 @@ private:
                 "children know their place", text);
         Require(child->Navigate(SNAV_Parent, SNAV_Child, i, 0) == child, "a walk leads back", text);
         if (node->ChildCount() > widest) return;
-        TAPSyntaxe* next = node->GetNext(child);
-        Require(next == (i < node->ChildCount() ? node->Child(i + 1) : nullptr), "next", text);
-        Require(next == nullptr || node->GetPrevious(next) == child, "previous undoes next", text);
+        TAPSyntaxe* next = i < node->ChildCount() ? node->Child(i + 1) : nullptr;
+        TAPSyntaxe* previous = i > 1 ? node->Child(i - 1) : nullptr;
+        Require(node->GetNext(child) == next && child->NextSibling() == next, "next", text);
+        Require(node->GetPrevious(child) == previous && child->PreviousSibling() == previous, "previous",
+                text);
     }
 
     void CheckQueries(TAPSyntaxe* node, bool inside) {
@@ -96,7 +102,6 @@ private:
         Require(placed == (node->GetBegin() < source.file->GetSize()), "nodes in the stream have places",
                 text);
         if (inside) Require(node->TestContent(text, -1) == 0 && node->EndWith(text), "equals itself", text);
-        Require(node->GetLastLeaf()->ChildCount() == 0 && node->GetBlocSize() >= 0, "walks end", text);
         if (node->ChildCount() > 0 || !inside || ++leaves > manyLeaves) return;
         NUBListPtrTAPSyntaxe same;
         NUBListValNUBString pieces;
@@ -104,7 +109,10 @@ private:
         int hits = 0;
         for (int i = 1; i <= same.Size(); ++i) hits += same[i] == node ? 1 : 0;
         Require(hits == 1, "a leaf occurs", text);
-        Require((leaves > 1 ? node : source.root)->GetListOfString(pieces) == 1, "pieces", text);
+        node->GetListOfString(pieces);
+        const bool named = node->GetType() == STYPE_Identifiant;
+        Require(!named || (pieces.Size() == 1 && pieces[1] == text), "a name is one piece", text);
+        if (leaves == 1) source.root->GetListOfString(pieces);
     }
 
     bool Holds(TAPSyntaxe* node, int i, int type, int begin, int past) {

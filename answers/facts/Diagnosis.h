@@ -1,44 +1,36 @@
 #pragma once
 
-// Where and why the library gave a file up. It tells of an unclosed dialect word that there is one, and of a
-// tree that failed one line of text; an engineer wants the place in the file.
+// The library's failures in an engineer's words, and what it says nothing of since it fails of nothing.
 
-#include <cstdio>
-#include <string>
+#include <optional>
 #include <string_view>
+
+#include <gneiss/qxContext.h>
+#include <ostraka/syntax/TAPFailure.h>
 
 #include <answers/facts/Place.h>
 
-class TAPSourceFile;
-class TAPSyntaxe;
-
 namespace ostraka::answers {
 
-// Keeps for its lifetime what the process prints through `stderr`, and only that: what goes to the
-// descriptor, as from a sanitizer, still gets out.
-class PrintedErrors {
-public:
-    PrintedErrors();
-    ~PrintedErrors();
-    PrintedErrors(const PrintedErrors&) = delete;
-    PrintedErrors& operator=(const PrintedErrors&) = delete;
+// Nothing for a failure with the code SFAIL_None.
+std::optional<Failure> FailureOf(const TAPFailure& failure);
 
-    // The first line printed so far, without its label.
-    std::string FirstCause();
+// The NUL before the end of a text, behind which the library reads nothing; nothing where there is none.
+std::optional<Failure> FindNul(std::string_view text);
+
+// Keeps from standard error, for its lifetime, what the library prints there: a failure that is told with its
+// place needn't be told without it too.
+class SilentTraces {
+public:
+    SilentTraces() : guard(*qxExtContext.GetTraceMngr(), &sink) {}
 
 private:
-    std::FILE* saved;
-    char* text = nullptr;
-    std::size_t size = 0;
+    struct Sink final : qxTraceSink {
+        void Receive(const qxKeyForTraceManager&, const NUBUnicodeString&) override {}
+    };
+
+    Sink sink;
+    qxTraceSinkGuard guard;
 };
-
-// For the text of a file that couldn't be normalised.
-Failure DiagnoseStream(std::string_view text);
-
-// For a tree that couldn't be built: `message` is the library's own text.
-Failure DiagnoseTree(const TAPSourceFile& file, TAPSyntaxe& root, const std::string& message);
-
-// For a text of which the library reads only what stands before a NUL at `nul`.
-Failure DescribeNul(std::string_view text, std::size_t nul);
 
 } // namespace ostraka::answers

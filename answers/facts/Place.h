@@ -6,6 +6,7 @@
 #include <string>
 
 class TAPSourceFile;
+class TAPSyntaxePoint;
 
 namespace ostraka::answers {
 
@@ -21,8 +22,11 @@ struct Failure {
     std::string cause;
 };
 
-// The place of a stream position. One outside the stream counts as the nearest inside, and a blank that
-// stands for a line's end counts as the first column of the line behind it.
+// What the library counts from column 2, or from 1 at a blank that stands for a line's end, which counts as
+// the first column of the line behind it.
+Place PlaceOf(const TAPSyntaxePoint& point);
+
+// The place of a stream position. One outside the stream counts as the nearest inside.
 Place PlaceAt(const TAPSourceFile& source, int pos);
 
 } // namespace ostraka::answers

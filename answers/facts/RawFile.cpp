@@ -23,7 +23,7 @@ const char* ReasonNotToRead(const struct stat& status, bool standardInput) {
     return "is a device or a socket, not a file";
 }
 
-// What standard input held; it can be read once, and a file is read again to tell why it failed.
+// What standard input held; it can be read once.
 std::optional<std::string> standardInputText;
 
 const char* NameToOpen(const std::string& path) {
@@ -64,10 +64,6 @@ std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& pro
     }
     problem = qxExtLastError.GetMsgError().CastToCharPtr();
     return nullptr;
-}
-
-std::unique_ptr<TAFileBuffer> MakeBuffer(std::string_view text) {
-    return std::make_unique<TAFileBuffer>("", text);
 }
 
 } // namespace ostraka::answers

@@ -4,7 +4,6 @@
 
 #include <memory>
 #include <string>
-#include <string_view>
 
 class TAFileBuffer;
 
@@ -17,8 +16,5 @@ std::unique_ptr<TAFileBuffer> ReadFile(const std::string& path, std::string& pro
 
 // A descriptor of the same for who reads it in pieces, who closes it; -1 on failure.
 int OpenToRead(const std::string& path, std::string& problem);
-
-// A buffer that holds a copy of the text, as if it had been read from a file.
-std::unique_ptr<TAFileBuffer> MakeBuffer(std::string_view text);
 
 } // namespace ostraka::answers

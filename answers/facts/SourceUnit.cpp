@@ -14,35 +14,27 @@ bool SourceUnit::Read() {
         failure = Failure{std::nullopt, problem};
         return false;
     }
-    text.assign(buffer->buffer, buffer->size);
+    warning = FindNul({buffer->buffer, buffer->size});
     file.reset(new TAPSourceFile(buffer.release()));
     return true;
 }
 
-void SourceUnit::WarnOfNul() {
-    if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos)
-        warning = DescribeNul(text, nul);
-}
-
 bool SourceUnit::Load() {
     if (!Read()) return false;
-    WarnOfNul();
-    PrintedErrors printed;
+    const SilentTraces silence;
     processResult = file->Process(macros);
-    if (processResult != 0) failure = DiagnoseStream(text);
-    text = std::string();
+    failure = FailureOf(file->GetFailure());
     return !failure;
 }
 
 bool SourceUnit::Build() {
-    PrintedErrors printed;
+    const SilentTraces silence;
     TAPSyntaxe::ErrMsg = "";
     root.reset(new TAPSyntaxe(STYPE_File, file.get(), 0, file->GetSize(), -1));
     buildResult = root->Build();
-    if (buildResult == 0) return true;
-    buildMessage = TAPSyntaxe::ErrMsg.CastToCharPtr();
-    failure = DiagnoseTree(*file, *root, buildMessage.empty() ? printed.FirstCause() : buildMessage);
-    return false;
+    buildMessage = buildResult != 0 ? TAPSyntaxe::ErrMsg.CastToCharPtr() : "";
+    failure = FailureOf(root->GetFailure());
+    return !failure;
 }
 
 } // namespace ostraka::answers

@@ -51,11 +51,9 @@ private:
     };
 
     bool Read();
-    void WarnOfNul();
 
     std::string path;
     std::string problem;
-    std::string text; // the raw bytes, until the stream stands
     TAIndex macros;
     std::unique_ptr<TAPSourceFile, Release> file;
     std::unique_ptr<TAPSyntaxe, Release> root;

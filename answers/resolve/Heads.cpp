@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include <ostraka/symbols/Siblings.h>
+#include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include <answers/facts/DeclarationText.h>
@@ -78,9 +78,9 @@ FunctionHead ReadFunction(const TAPSyntaxe& head) {
 TAPSyntaxe* HeadOfBody(const TAPSyntaxe& block) {
     TAPSyntaxe* head = detail::HeadOf(&block);
     const bool isStatement = block.GetType() == STYPE_Instruction || block.GetType() == STYPE_Declaration;
-    if (isStatement && IsInBetween(block)) head = detail::PreviousSibling(block);
+    if (isStatement && IsInBetween(block)) head = block.PreviousSibling();
     if (head == nullptr || !IsInBetween(*head) || !HoldsFunctions(*block.GetParent())) return head;
-    while (head != nullptr && IsInBetween(*head)) head = detail::PreviousSibling(*head);
+    while (head != nullptr && IsInBetween(*head)) head = head->PreviousSibling();
     return head;
 }
 
@@ -115,7 +115,7 @@ std::vector<TAPSyntaxe*> LoopsAround(const TAPSyntaxe& statement) {
     const TAPSyntaxe* at = &statement;
     for (;;) {
         const bool isElse = StartsWithElse(*at);
-        const TAPSyntaxe* before = detail::PreviousSibling(*at);
+        const TAPSyntaxe* before = at->PreviousSibling();
         if (before == nullptr || (!isElse && !Governs(*before))) return loops;
         const std::string_view text = TrimmedTextOf(*before);
         if (isElse) ++elses;

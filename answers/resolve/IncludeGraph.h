@@ -2,7 +2,6 @@
 
 // Which file includes which, as the library follows the includes of a file that a table has loaded.
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -14,8 +13,8 @@ namespace ostraka::answers {
 
 struct Include {
     std::string name;
-    int target = -1;            // index of the file that it means; -1 where there is none
-    std::optional<Place> place; // of the name in the text
+    int target = -1; // index of the file that it means; -1 where there is none
+    Place place;     // of the name in the text, where it stands first
 };
 
 struct IncludedFile {
@@ -30,12 +29,12 @@ using IncludeGraph = std::vector<IncludedFile>;
 // An include that finds nothing.
 struct MissingHeader {
     std::string file;
-    std::optional<Place> place; // of the name in the text
+    Place place; // of the name in the text, where it stands first
     std::string name;
 };
 
 int CountMissingHeaders(const TAPSymbolTable& table);
-// Those of all files of the table, by file and place. The texts are read again for the places.
+// Those of all files of the table, by file and place.
 std::vector<MissingHeader> MissingHeaders(const TAPSymbolTable& table);
 
 IncludeGraph FollowIncludes(const TAPSymbolTable& table, const std::string& path);

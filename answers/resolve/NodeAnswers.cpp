@@ -10,7 +10,7 @@
 #include <utility>
 
 #include <fmt/format.h>
-#include <ostraka/symbols/Siblings.h>
+#include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 #include <ostraka/symbols/TypeNames.h>
 
@@ -24,8 +24,6 @@ namespace {
 
 using detail::ClassOfType;
 using detail::HeadOf;
-using detail::NextSibling;
-using detail::PreviousSibling;
 
 using Text = std::optional<std::string>;
 
@@ -152,7 +150,7 @@ private:
     // The node may stand in the body of a function, or in the head before that.
     void AskTopLevel() {
         if (topLevel->GetType() != STYPE_Bloc) {
-            TAPSyntaxe* next = NextSibling(*topLevel);
+            TAPSyntaxe* next = topLevel->NextSibling();
             if (next == nullptr || next->GetType() != STYPE_Bloc) return;
             bodyBehind = next;
         }

@@ -11,7 +11,6 @@
 
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/OwnedParts.h>
-#include <ostraka/symbols/Siblings.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefMethod.h>
 #include <ostraka/symbols/TAPDefSource.h>
@@ -26,7 +25,6 @@ using ostraka::detail::ChildOfType;
 using ostraka::detail::DeclaredNames;
 using ostraka::detail::IsOfKind;
 using ostraka::detail::IsOfType;
-using ostraka::detail::NextSibling;
 using ostraka::detail::ReadType;
 using ostraka::detail::TextOf;
 
@@ -182,7 +180,7 @@ int TAPDefMethod::GetImpLine() {
     TAPSyntaxe* node = symTab != nullptr ? symTab->GetSyntaxe(implPath) : nullptr;
     if (node == nullptr) return 0;
     // The path of a body in the class leads to the block itself, any other to the head in front of it.
-    ComputeImpLine(impLine, node->GetType() == STYPE_Bloc ? node : NextSibling(*node), 0);
+    ComputeImpLine(impLine, node->GetType() == STYPE_Bloc ? node : node->NextSibling(), 0);
     return impLine;
 }
 

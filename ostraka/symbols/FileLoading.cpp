@@ -88,7 +88,9 @@ int Loader::begin(Language language, TAFileBuffer* buffer, int full) {
         load.record->AddRef();
     }
     load.file->AddSubscriber(&table);
-    if (load.file->Process(table.macros) != 0) {
+    const int result = load.file->Process(table.macros);
+    load.record->failure = load.file->GetFailure();
+    if (result != 0) {
         table.errMsg = load.file->GetErrMsg();
         load.file->Release();
         load.record->Release();
@@ -148,6 +150,7 @@ int Loader::makeTree(PendingLoad& load) {
         root = new TAPSyntaxe(STYPE_File, load.file, 0, load.file->GetSize(), -1);
         if (root->Build() != 0) {
             table.errMsg = root->GetErrMsg();
+            load.record->failure = root->GetFailure();
             load.file->Release();
             root->Release();
             return notBuilt;

@@ -11,7 +11,6 @@
 
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/OwnedParts.h>
-#include <ostraka/symbols/Siblings.h>
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefVar.h>
 #include <ostraka/symbols/TAPSymbolTable.h>

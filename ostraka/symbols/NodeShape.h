@@ -72,6 +72,11 @@ inline TAPSyntaxe* MarkedChild(const TAPSyntaxe* node, int i) {
     return MarkOf(child).empty() ? nullptr : child;
 }
 
+// What stands before a block on its level: the head of a class or of a function. Null for other nodes.
+inline TAPSyntaxe* HeadOf(const TAPSyntaxe* block) {
+    return IsOfType(block, STYPE_Bloc) ? block->PreviousSibling() : nullptr;
+}
+
 // Whether the index has the key, which needn't end in NUL.
 inline bool Holds(const TAIndex& index, std::string_view key) {
     return index.Holds(key.data(), static_cast<int>(key.size()));

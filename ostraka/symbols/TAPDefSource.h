@@ -7,6 +7,7 @@
 #include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPDefEntity.h>
 #include <ostraka/symbols/TAPDefMethod.h>
+#include <ostraka/syntax/TAPFailure.h>
 #include <ostraka/syntax/TAPSyntaxePoint.h>
 
 class TAPDefSource;
@@ -51,6 +52,7 @@ public:
     NUBListPtrTAPDefMethod implMethods;
     NUBListPtrTAPDefSource includes; // not counted; an entry goes when its file is unloaded
     TAIndex forwardClasses;          // names that the file only declares forward; null values
+    TAPFailure failure;              // why the file has no tree, or an empty one as it can't be read
 
     // Whether the file is read for interfaces, as IDL or besides its C++.
     bool readForInterfaces = false;

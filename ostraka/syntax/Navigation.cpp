@@ -10,6 +10,7 @@
 #include <ostraka/syntax/TAPExpression.h>
 #include <ostraka/syntax/TAPInstruction.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
+#include <ostraka/syntax/TAPSyntaxeWalk.h>
 
 namespace {
 
@@ -92,23 +93,10 @@ const Step& StepOf(int code) {
     return *step;
 }
 
-// Walks the leaves below `top` in reading order.
-template <class Visit>
-void ForEachLeaf(TAPSyntaxe* top, Visit visit) {
-    std::vector<TAPSyntaxe*> waiting = {top};
-    while (!waiting.empty()) {
-        TAPSyntaxe* node = waiting.back();
-        waiting.pop_back();
-        if (node->ChildCount() == 0) visit(node);
-        for (int i = node->ChildCount(); i >= 1; --i) waiting.push_back(node->Child(i));
-    }
-}
-
 template <class Matches>
-int AppendLeaves(TAPSyntaxe* top, NUBListPtrTAPSyntaxe& found, Matches matches) {
-    ForEachLeaf(top, [&](TAPSyntaxe* leaf) {
-        if (matches(leaf)) found.Append(leaf);
-    });
+int AppendLeaves(TAPSyntaxe& top, NUBListPtrTAPSyntaxe& found, Matches matches) {
+    for (TAPSyntaxeWalk walk(top); walk.Node() != nullptr; walk.Next())
+        if (walk.Node()->ChildCount() == 0 && matches(walk.Node())) found.Append(walk.Node());
     return found.Size() > 0 ? 1 : 0;
 }
 
@@ -284,6 +272,22 @@ TAPSyntaxe* TAPSyntaxe::GetNext(const TAPSyntaxe* child) const {
     return nullptr;
 }
 
+bool TAPSyntaxe::StandsAtItsPosition() const {
+    return posInFather >= 1 && posInFather <= parent->childCount && parent->Child(posInFather) == this;
+}
+
+TAPSyntaxe* TAPSyntaxe::PreviousSibling() const {
+    if (parent == nullptr) return nullptr;
+    if (!StandsAtItsPosition()) return parent->GetPrevious(this);
+    return posInFather > 1 ? parent->Child(posInFather - 1) : nullptr;
+}
+
+TAPSyntaxe* TAPSyntaxe::NextSibling() const {
+    if (parent == nullptr) return nullptr;
+    if (!StandsAtItsPosition()) return parent->GetNext(this);
+    return posInFather < parent->childCount ? parent->Child(posInFather + 1) : nullptr;
+}
+
 TAPSyntaxe* TAPSyntaxe::GetLastLeaf() {
     TAPSyntaxe* leaf = this;
     while (leaf->childCount > 0) leaf = leaf->Child(leaf->childCount);
@@ -291,11 +295,11 @@ TAPSyntaxe* TAPSyntaxe::GetLastLeaf() {
 }
 
 int TAPSyntaxe::FindOccurrences(const TAPSyntaxe* pattern, NUBListPtrTAPSyntaxe& found) {
-    return AppendLeaves(this, found, [=](TAPSyntaxe* leaf) { return leaf->TestContent(pattern) == 0; });
+    return AppendLeaves(*this, found, [=](TAPSyntaxe* leaf) { return leaf->TestContent(pattern) == 0; });
 }
 
 int TAPSyntaxe::FindOccurrences(const char* text, NUBListPtrTAPSyntaxe& found) {
-    return AppendLeaves(this, found, [=](TAPSyntaxe* leaf) { return leaf->TestContent(text, -1) == 0; });
+    return AppendLeaves(*this, found, [=](TAPSyntaxe* leaf) { return leaf->TestContent(text, -1) == 0; });
 }
 
 int TAPSyntaxe::GetListOfString(NUBListValNUBString& pieces) {

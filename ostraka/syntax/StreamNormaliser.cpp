@@ -44,7 +44,7 @@ bool IsBlank(char c) {
     return static_cast<unsigned char>(c) <= ' ';
 }
 
-// The first word of a run of blanks that are all spaces.
+// Behind the spaces at `pos`; other blanks don't count.
 const char* SkipSpaces(const char* pos, const char* past) {
     while (pos < past && *pos == ' ') ++pos;
     return pos;
@@ -62,7 +62,9 @@ bool EvenBackslashes(const char* pos, const char* lowest) {
     return (pos - first) % 2 == 0;
 }
 
-constexpr std::string_view dialectWords[] = {"NUBLISTP", "NUBLISTV", "SEQUENCE"};
+constexpr std::size_t usualIncludes = 8;
+
+constexpr const char* dialectWords[] = {"NUBLISTP", "NUBLISTV", "SEQUENCE"};
 constexpr std::ptrdiff_t dialectLength = 8;
 constexpr std::ptrdiff_t dialectMargin = 10; // so close to the end of the file no word is rewritten
 
@@ -132,7 +134,7 @@ StreamNormaliser::StreamNormaliser(const char* sourceText, const char* sourcePas
     : text(sourceText), past(sourcePast), fileSize(sizeOfFile), out(outText), lines(outLines), cols(outCols),
       visualLine(sourceText) {}
 
-bool StreamNormaliser::Run(TAIndex& includes, TAIndex& macros) {
+TAPFailure StreamNormaliser::Run(TAIndex& includes, TAIndex& macros) {
     includeNames = &includes;
     macroTexts = &macros;
     Position pos = text;
@@ -147,9 +149,9 @@ bool StreamNormaliser::Run(TAIndex& includes, TAIndex& macros) {
         }
         StoreRun(pos, special - pos);
         pos = special < past ? HandleSpecial(special) : past;
-        if (failed) return false;
+        if (failure.code != SFAIL_None) break;
     }
-    return true;
+    return failure;
 }
 
 // The mask of the 64 bytes at `pos`, of which those behind the end count as plain.
@@ -267,6 +269,13 @@ void StreamNormaliser::StartLine(Position newline) {
     firstNonBlank = 0;
 }
 
+// Where a byte of the current line stands in the file itself, whatever the places of the stream leave out.
+TAPSyntaxePoint StreamNormaliser::PointInFile(Position pos) const {
+    const void* newline = memrchr(text, '\n', static_cast<std::size_t>(pos - text));
+    const Position lineBegin = newline != nullptr ? static_cast<Position>(newline) + 1 : text;
+    return TAPSyntaxePoint(line + hiddenLines, static_cast<int>(pos - lineBegin) + 2);
+}
+
 bool StreamNormaliser::RemoveAtEnd(std::string_view word) {
     const auto wordLength = static_cast<std::ptrdiff_t>(word.size());
     if (length < wordLength || word.compare(0, word.size(), out + length - wordLength, word.size()) != 0) {
@@ -317,6 +326,7 @@ StreamNormaliser::Position StreamNormaliser::CharacterAt(Position pos) {
         if (escaped) continue;
         const Position behind = quote < past ? quote + 1 : past;
         StoreRun(pos + 1, behind - (pos + 1));
+        hiddenLines += static_cast<int>(std::count(pos + 1, behind, '\n'));
         return behind;
     }
 }
@@ -385,7 +395,9 @@ void StreamNormaliser::ReadInclude(Position pos) {
     if (open == nullptr) return;
     const Position close = FindOnLine(open + 1, '"', '>');
     if (close == nullptr) return;
-    includeNames->Append(std::string(open + 1, close).c_str(), nullptr, 0);
+    const char* name = includeNames->Append(std::string(open + 1, close).c_str(), nullptr, 0);
+    if (directives.empty()) directives.reserve(usualIncludes);
+    directives.push_back({name, PointInFile(open + 1), *open});
 }
 
 // Only the first word of a macro's text is kept, and a name keeps the first text that it ever had.
@@ -400,7 +412,7 @@ void StreamNormaliser::ReadMacro(Position pos) {
     if (name == nameEnd || value == valueEnd) return;
     macroName.assign(name, nameEnd);
     macroText.assign(value, valueEnd);
-    for (std::string_view word : dialectWords) {
+    for (const std::string_view word : dialectWords) {
         if (macroText.compare(0, word.size(), word) != 0 || macroText[word.size()] != '(') continue;
         macroText[word.size()] = '_';
         macroText.back() = '_';
@@ -411,22 +423,25 @@ void StreamNormaliser::ReadMacro(Position pos) {
 StreamNormaliser::Position StreamNormaliser::LetterAt(Position pos) {
     Store(*pos, Column(pos));
     if (*pos == 'n' || *pos == 'l') RemoveWordsAtEnd();
-    return IsDialectWord(pos) ? DialectWord(pos) : pos + 1;
+    const char* word = DialectWordAt(pos);
+    return word != nullptr ? DialectWord(pos, word) : pos + 1;
 }
 
-bool StreamNormaliser::IsDialectWord(Position pos) const {
-    if (pos - text >= fileSize - dialectMargin) return false;
-    for (std::string_view word : dialectWords) {
+// The dialect word that starts here; null if none does.
+const char* StreamNormaliser::DialectWordAt(Position pos) const {
+    if (pos - text >= fileSize - dialectMargin) return nullptr;
+    for (const char* word : dialectWords) {
         if (!TextAt(pos, word)) continue;
         const std::string_view before(text, static_cast<std::size_t>(pos - text));
-        return word != "SEQUENCE" || !(before.ends_with("DEF_") || before.ends_with("IMPL_"));
+        const bool isMacro = before.ends_with("DEF_") || before.ends_with("IMPL_");
+        return isMacro && std::string_view(word) == "SEQUENCE" ? nullptr : word;
     }
-    return false;
+    return nullptr;
 }
 
 // Rewrites a word with its argument, as in `NUBLISTP( Foo )` to `NUBLISTP_Foo_ `; its first letter is already
 // in the stream. Columns go on without regard to the parenthesis that was stepped over.
-StreamNormaliser::Position StreamNormaliser::DialectWord(Position pos) {
+StreamNormaliser::Position StreamNormaliser::DialectWord(Position pos, const char* word) {
     const Position open = SkipSpaces(pos + dialectLength, past);
     if (open == past || *open != '(') return pos + 1;
     int column = Column(pos);
@@ -439,10 +454,13 @@ StreamNormaliser::Position StreamNormaliser::DialectWord(Position pos) {
     const Position argumentEnd = std::find_if(argument, past, [](char c) { return c == ' ' || c == ')'; });
     for (Position c = argument; c < argumentEnd; ++c) Store(*c, column++);
     const Position close = SkipSpaces(argumentEnd, past);
-    failed = close == past || *close != ')';
-    if (failed) return past;
+    if (close == past || *close != ')') {
+        failure = {SFAIL_Word, -1, PointInFile(pos), word, 0};
+        return past;
+    }
     Store('_', column);
     Store(' ', column + 1);
+    hiddenLines += static_cast<int>(std::count(argument, argumentEnd, '\n'));
     lineOrigin = argumentEnd - text - column;
     return close + 1;
 }

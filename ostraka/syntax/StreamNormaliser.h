@@ -24,11 +24,12 @@ public:
     // Room that the stream of a file of this size can take: a dialect word can grow by one character.
     static std::size_t Capacity(std::size_t fileSize) { return fileSize + fileSize / 10 + 4 * chunk; }
 
-    // False if the parenthesis of a dialect word doesn't close.
-    [[nodiscard]] bool Run(TAIndex& includes, TAIndex& macros);
+    // Fails if the parenthesis of a dialect word doesn't close.
+    [[nodiscard]] TAPFailure Run(TAIndex& includes, TAIndex& macros);
 
     int Length() const { return static_cast<int>(length); }
     std::vector<TAPSourceFile::PlaceMark>& PlaceMarks() { return marks; }
+    std::vector<TAPInclude>& Includes() { return directives; }
 
 private:
     static constexpr std::ptrdiff_t chunk = 16;
@@ -37,6 +38,7 @@ private:
     using Position = const char*;
 
     int Column(Position pos) const { return static_cast<int>(pos - text - lineOrigin); }
+    TAPSyntaxePoint PointInFile(Position pos) const;
     char Last() const { return length > 0 ? out[length - 1] : '\0'; }
 
     std::uint64_t SpecialsAt(Position pos) const;
@@ -61,8 +63,8 @@ private:
     Position EndOfDirective(Position pos);
     void ReadInclude(Position pos);
     void ReadMacro(Position pos);
-    bool IsDialectWord(Position pos) const;
-    Position DialectWord(Position pos);
+    const char* DialectWordAt(Position pos) const;
+    Position DialectWord(Position pos, const char* word);
     bool TextAt(Position pos, std::string_view word) const;
     Position FindOnLine(Position pos, char a, char b) const;
 
@@ -75,19 +77,21 @@ private:
 
     std::ptrdiff_t length = 0;
     int line = 1;
-    std::ptrdiff_t lineOrigin = -2; // the column of a character is its distance from here
-    const char* visualLine;         // behind the last newline outside literals
-    char firstNonBlank = 0;         // the first character above a blank on that line, once it was asked for
-    bool joined = false;            // the next character doesn't stand behind the last one in the source
-    bool wide = false;              // a line or column has needed more than 16 bits
-    bool failed = false;
+    std::ptrdiff_t lineOrigin = -2;   // the column of a character is its distance from here
+    const char* visualLine;           // behind the last newline outside literals
+    char firstNonBlank = 0;           // the first character above a blank on that line, once it was asked for
+    bool joined = false;              // the next character doesn't stand behind the last one in the source
+    bool wide = false;                // a line or column has needed more than 16 bits
     std::uint64_t specials = 0;       // bits of the special characters from `blockBegin` on
     const char* blockBegin = nullptr; // null before the first block
+    int hiddenLines = 0;              // newlines up to here that started no line
+    TAPFailure failure;
     TAIndex* includeNames = nullptr;
     TAIndex* macroTexts = nullptr;
     std::string macroName;
     std::string macroText;
     std::vector<TAPSourceFile::PlaceMark> marks;
+    std::vector<TAPInclude> directives; // the includes
 };
 
 } // namespace ostraka::detail

@@ -12,7 +12,8 @@
 TAPExpression::~TAPExpression() = default;
 
 int TAPExpression::Build() {
-    return ostraka::detail::TreeBuilder(*this).BuildExpression(*this);
+    using ostraka::detail::TreeBuilder;
+    return TreeBuilder::Build(*this, &TreeBuilder::BuildExpression);
 }
 
 namespace ostraka::detail {
@@ -35,7 +36,7 @@ void SetKind(TAPExpression& node, std::string_view kind) {
 } // namespace
 
 int TreeBuilder::BuildExpression(TAPExpression& node) {
-    if (node.depth > deepest) return FailTooDeep("TAPExpression", node.depth);
+    if (node.depth > deepest) return FailTooDeep(node, "TAPExpression");
     Trim(node);
     if (node.size == 0) return 0;
     if (IsWord(node)) return MakeIdentifier(node); // as the last rule would, once no other applies
@@ -112,7 +113,7 @@ std::optional<int> TreeBuilder::Cast(TAPExpression& node, const RangeView& range
     if (stream[node.begin] != '(') return std::nullopt;
     SetKind(node, "ct");
     const int close = range.EndOfParenthesis(node.begin);
-    if (close == 0) return Fail("Missing )");
+    if (close == 0) return FailBelow(node, SFAIL_Parenthesis, "Missing )");
     Add<TAPIdentifiant>(node, node.begin + 1, close - node.begin - 1);
     return AddExpression(node, close + 1, node.begin + node.size - close - 1);
 }
@@ -160,7 +161,7 @@ std::optional<int> TreeBuilder::Call(TAPExpression& node, const RangeView& range
     if (*open >= past) return std::nullopt;
     SetKind(node, "mt");
     const int close = range.EndOfParenthesis(*open);
-    if (close == 0) return Fail("Missing )");
+    if (close == 0) return FailBelow(node, SFAIL_Parenthesis, "Missing )");
     if (*open > node.begin && AddExpression(node, node.begin, *open - node.begin) != 0) return 1;
     return close - *open >= 2 ? BuildArguments(Add<TAPListOfArgs>(node, *open + 1, close - *open - 1)) : 0;
 }
@@ -178,7 +179,7 @@ std::optional<int> TreeBuilder::Index(TAPExpression& node, const RangeView& rang
     if (open >= past) return std::nullopt;
     SetKind(node, "in");
     const int close = range.EndOfBracket(open);
-    if (close == 0) return Fail("Missing ]");
+    if (close == 0) return FailBelow(node, SFAIL_Bracket, "Missing ]");
     if (open > node.begin && AddExpression(node, node.begin, open - node.begin) != 0) return 1;
     return close - open >= 2 ? AddExpression(node, open + 1, close - open - 1) : 0;
 }

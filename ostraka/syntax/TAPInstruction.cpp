@@ -14,7 +14,8 @@
 TAPInstruction::~TAPInstruction() = default;
 
 int TAPInstruction::Build() {
-    return ostraka::detail::TreeBuilder(*this).BuildInstruction(*this);
+    using ostraka::detail::TreeBuilder;
+    return TreeBuilder::Build(*this, &TreeBuilder::BuildInstruction);
 }
 
 namespace ostraka::detail {
@@ -53,7 +54,7 @@ constexpr TreeBuilder::LadderRow TreeBuilder::ladder[] = {
 };
 
 int TreeBuilder::BuildInstruction(TAPInstruction& node) {
-    if (node.depth > deepest) return FailTooDeep("TAPInstruction", node.depth);
+    if (node.depth > deepest) return FailTooDeep(node, "TAPInstruction");
     for (const LadderRow& row : ladder) {
         if (node.size < row.leastSize || !TextAt(node.begin, row.word)) continue;
         if (row.type != 0) node.type = row.type;
@@ -134,7 +135,7 @@ template <class Head>
 int TreeBuilder::HeadAndBlock(TAPInstruction& node, int parenthesis) {
     const int past = node.begin + node.size;
     const int close = View(node).EndOfParenthesis(parenthesis);
-    if (close == 0) return Fail("Missing )");
+    if (close == 0) return FailBelow(node, SFAIL_Parenthesis, "Missing )");
     if (close - parenthesis >= 2) {
         Head& head = Add<Head>(node, parenthesis + 1, close - parenthesis - 1);
         if (BuildHead(head) != 0) return 1;
@@ -157,7 +158,7 @@ std::optional<int> TreeBuilder::Delete(TAPInstruction& node, int wordLength) {
     if (stream[pos] == '[') {
         node.preciseType = SINST_DeleteArray;
         pos = SkipBlanks(pos + 1, past);
-        if (stream[pos] != ']') return FailWithMessage("TAparser.ImbBracket");
+        if (stream[pos] != ']') return FailWithMessage(node, SFAIL_DeleteBracket, "TAparser.ImbBracket");
         pos = SkipBlanks(pos + 1, past);
     }
     if (std::memchr(stream + node.begin, ',', static_cast<std::size_t>(node.size)) != nullptr) {
@@ -166,10 +167,10 @@ std::optional<int> TreeBuilder::Delete(TAPInstruction& node, int wordLength) {
     return AddExpression(node, pos, past - pos);
 }
 
-int TreeBuilder::FailWithMessage(const char* key) {
+int TreeBuilder::FailWithMessage(const TAPSyntaxe& node, TAPFailureCode code, const char* key) {
     const NUBUnicodeString text = qxExtContext.GetMsgMngr()->GetMsg(NUBString(key));
     qxExtContext.GetTraceMngr()->Print(MSG_KEY_qxqxError, stderr, text);
-    return 1;
+    return Fail(code, node.begin);
 }
 
 } // namespace ostraka::detail

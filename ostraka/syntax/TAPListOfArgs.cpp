@@ -7,22 +7,37 @@
 TAPListOfArgs::~TAPListOfArgs() = default;
 
 int TAPListOfArgs::Build() {
-    return ostraka::detail::TreeBuilder(*this).BuildArguments(*this);
+    using ostraka::detail::TreeBuilder;
+    return TreeBuilder::Build(*this, &TreeBuilder::BuildArguments);
 }
 
 namespace ostraka::detail {
 
 namespace {
 
-const char* MissingEnd(char opening) {
-    return opening == '(' ? "Missing )" : opening == '"' ? "Missing \"" : "Missing '";
+struct MissingEnd {
+    TAPFailureCode code;
+    const char* text;
+};
+
+MissingEnd MissingEndOf(char opening) {
+    switch (opening) {
+    case '(': return {SFAIL_Parenthesis, "Missing )"};
+    case '"': return {SFAIL_String, "Missing \""};
+    default: return {SFAIL_Character, "Missing '"};
+    }
 }
 
 } // namespace
 
+int TreeBuilder::FailOpen(TAPListOfArgs& node, char opening) {
+    const MissingEnd missing = MissingEndOf(opening);
+    return FailBelow(node, missing.code, missing.text);
+}
+
 // Only parentheses and literals protect a comma.
 int TreeBuilder::BuildArguments(TAPListOfArgs& node) {
-    if (node.depth > deepest) return FailTooDeep("TAPListOfArgs", node.depth);
+    if (node.depth > deepest) return FailTooDeep(node, "TAPListOfArgs");
     const bool headOfLoop =
         std::memchr(stream + node.begin, ';', static_cast<std::size_t>(node.size)) != nullptr;
     if (headOfLoop) return 0;
@@ -34,7 +49,7 @@ int TreeBuilder::BuildArguments(TAPListOfArgs& node) {
             if (stream[pos] != '[' && OpensNested(stream[pos])) {
                 const char opening = stream[pos];
                 pos = range.EndOfNested(pos);
-                if (pos == 0) return Fail(MissingEnd(opening));
+                if (pos == 0) return FailOpen(node, opening);
             }
             pos = range.NextMark(pos + 1);
         }

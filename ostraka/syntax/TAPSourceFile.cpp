@@ -8,6 +8,7 @@
 #include <new>
 
 #include <gneiss/qxContext.h>
+#include <gneiss/qxErrorCodeManager.h>
 #include <ostraka/syntax/StreamNormaliser.h>
 
 using ostraka::detail::StreamNormaliser;
@@ -53,11 +54,16 @@ int TAPSourceFile::Process(TAIndex& macros) {
     FreeArray(cols);
     size = 0;
     placeMarks.clear();
+    failure = TAPFailure();
     if (buffer == nullptr) return 0;
 
     const std::size_t fileSize = buffer->GetSize();
     char* text = buffer->GetBuffer();
     SendCallback(1, text, nullptr);
+    if (text == nullptr) {
+        failure.code = SFAIL_Unreadable;
+        failure.systemError = qxExtLastError.GetError();
+    }
     if (text == nullptr || fileSize == 0) {
         DropBuffer();
         return 0;
@@ -70,8 +76,9 @@ int TAPSourceFile::Process(TAIndex& macros) {
     const void* nul = std::memchr(text, 0, fileSize);
     const char* past = nul != nullptr ? static_cast<const char*>(nul) : text + fileSize;
     StreamNormaliser normaliser(text, past, static_cast<std::ptrdiff_t>(fileSize), stream, lines, cols);
-    const bool complete = normaliser.Run(includes, macros);
-    if (complete) {
+    failure = normaliser.Run(includes, macros);
+    includeList.swap(normaliser.Includes());
+    if (failure.code == SFAIL_None) {
         placeMarks.swap(normaliser.PlaceMarks());
         AdoptStream(normaliser.Length());
     } else {
@@ -80,7 +87,7 @@ int TAPSourceFile::Process(TAIndex& macros) {
         qxExtContext.GetTraceMngr()->Print(MSG_KEY_qxqxError, stderr, message);
     }
     DropBuffer();
-    return complete ? 0 : 1;
+    return failure.code == SFAIL_None ? 0 : 1;
 }
 
 void TAPSourceFile::DropBuffer() {

@@ -9,7 +9,19 @@
 #include <ostraka/foundation/TAIndex.h>
 #include <ostraka/foundation/TARefCounter.h>
 #include <ostraka/foundation/TypedLists.h>
+#include <ostraka/syntax/TAPFailure.h>
 #include <ostraka/syntax/TAPSyntaxePoint.h>
+
+namespace ostraka::detail {
+class TreeBuilder;
+}
+
+// An include directive, as it stands in the file.
+struct TAPInclude {
+    const char* name;      // a key of the file's `includes`, good as long as that
+    TAPSyntaxePoint point; // of the name's first character among the bytes of the file
+    char delimiter;        // the one before the name: `"` or `<`
+};
 
 // One source file as the parser sees it: the normalised stream, in which comments and preprocessor lines
 // are gone, blanks are reduced to the few that matter and dialect words are rewritten, with the line and
@@ -69,6 +81,15 @@ public:
     NUBString GetName() const { return name; }
     NUBString GetErrMsg() const { return errMsg; }
 
+    // Every include directive, those of one name too, in the order of the text. Filled by Process.
+    const std::vector<TAPInclude>& GetIncludes() const { return includeList; }
+
+    // Why Process gave 1, or took the file for an empty one since it can't be read.
+    const TAPFailure& GetFailure() const { return failure; }
+
+    // The same of the last Build over this file, whichever node it was called on.
+    const TAPFailure& GetTreeFailure() const { return treeFailure; }
+
     // From position `pos` on, lines and columns have these bits above the 16 that the arrays hold.
     struct PlaceMark {
         int pos;
@@ -79,6 +100,11 @@ public:
 private:
     // Sorted by position; empty unless a line or a column exceeds 65,535.
     std::vector<PlaceMark> placeMarks;
+    std::vector<TAPInclude> includeList;
+    TAPFailure failure;
+    TAPFailure treeFailure;
+
+    friend class ostraka::detail::TreeBuilder;
 
     void DropBuffer();
     void AdoptStream(int length);

@@ -96,7 +96,8 @@ static_assert(sizeof(TAPExpression) <= ostraka::detail::NodePool::blockSize &&
               sizeof(TAPInstruction) <= ostraka::detail::NodePool::blockSize);
 
 int TAPSyntaxe::Build() {
-    return ostraka::detail::TreeBuilder(*this).BuildBlock(*this);
+    using ostraka::detail::TreeBuilder;
+    return TreeBuilder::Build(*this, &TreeBuilder::BuildBlock);
 }
 
 TAPIdentifiant::~TAPIdentifiant() = default;
@@ -119,33 +120,47 @@ constexpr int shortestPiece = 2;
 } // namespace
 
 TreeBuilder::TreeBuilder(const TAPSyntaxe& top)
-    : stream(top.source != nullptr && top.source->stream != nullptr ? top.source->stream : "") {
+    : file(top.source),
+      stream(top.source != nullptr && top.source->stream != nullptr ? top.source->stream : "") {
     if (top.source == nullptr || top.depth > deepest) return;
     const int end = std::min(top.begin + top.size, top.source->size) - 1;
     if (top.begin >= 0 && top.begin <= end) nesting.emplace(stream, top.begin, end);
 }
 
-int TreeBuilder::Fail(const char* text) {
+// Keeps the failure with its place. A node that lies behind the stream counts as standing at its end.
+int TreeBuilder::Fail(TAPFailureCode code, int pos) {
+    failure = TAPFailure();
+    failure.code = code;
+    if (file != nullptr) {
+        failure.position = std::clamp(pos, 0, std::max(file->size - 1, 0));
+        failure.point = file->GetPoint(failure.position);
+    }
+    return 1;
+}
+
+int TreeBuilder::FailBelow(TAPSyntaxe& node, TAPFailureCode code, const char* text) {
     TAPSyntaxe::ErrMsg = text;
-    return 1;
+    return Fail(code, node.GetLastLeaf()->begin);
 }
 
-int TreeBuilder::FailTooDeep(const char* builder, int depth) {
-    TAPSyntaxe::ErrMsg = NUBString("Depth too high when building a ") + builder + " : " + toString(depth);
-    return 1;
+int TreeBuilder::FailTooDeep(const TAPSyntaxe& node, const char* builder) {
+    TAPSyntaxe::ErrMsg =
+        NUBString("Depth too high when building a ") + builder + " : " + toString(node.depth);
+    return Fail(SFAIL_Depth, node.begin);
 }
 
-int TreeBuilder::FailAt(TAPSyntaxe& node, const char* text, int pos, std::optional<int> length) {
+int TreeBuilder::FailAtPiece(TAPSyntaxe& node, TAPFailureCode code, const char* text, int pos,
+                             std::optional<int> length) {
     int line = 0;
     int col = 0;
     node.source->GetPos(pos, line, col);
     TAPSyntaxe::ErrMsg = NUBString(text) + toString(line) + " col " + toString(col);
     if (length) TAPSyntaxe::ErrMsg += NUBString(" length=") + toString(*length);
-    return 1;
+    return Fail(code, pos);
 }
 
 int TreeBuilder::BuildBlock(TAPSyntaxe& node) {
-    if (node.depth > deepest) return FailTooDeep("TAPSyntaxe", node.depth);
+    if (node.depth > deepest) return FailTooDeep(node, "TAPSyntaxe");
     int past = node.begin + node.size;
     while (past > node.begin && stream[past - 1] == ' ') --past;
     const RangeView range = View(node.begin, past - 1);
@@ -163,13 +178,17 @@ int TreeBuilder::BuildPiece(TAPSyntaxe& node, const RangeView& range, int pos, i
     const bool shallow = node.type == STYPE_Shallow;
     if (stream[pos] == '{') {
         pieceEnd = range.EndOfBlock(pos);
-        if (pieceEnd == 0) return FailAt(node, "Missing TAPBloc end at line ", pos, range.End() - pos + 1);
+        if (pieceEnd == 0) {
+            const int length = range.End() - pos + 1;
+            return FailAtPiece(node, SFAIL_Block, "Missing TAPBloc end at line ", pos, length);
+        }
         TAPBloc& block = Add<TAPBloc>(node, pos + 1, pieceEnd - pos - 1);
         return shallow ? 0 : BuildBlock(block);
     }
     pieceEnd = EndOfInstruction(range, pos);
     if (pieceEnd == 0) {
-        return FailAt(node, "Missing Instruction end for Instruction starting line ", pos, std::nullopt);
+        return FailAtPiece(node, SFAIL_Instruction, "Missing Instruction end for Instruction starting line ",
+                           pos, std::nullopt);
     }
     if (pieceEnd - pos < shortestPiece) return 0;
     const bool closed = stream[pieceEnd] == ';';

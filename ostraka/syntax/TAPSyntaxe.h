@@ -137,6 +137,10 @@ public:
     NUBString GetSource() const { return source->GetName(); } // the file's name
     NUBString GetErrMsg() const { return ErrMsg; }
 
+    // Why the last Build over this node's file gave 1, as soon as it was called on this node the one of this
+    // node; SFAIL_None when it gave 0, and for a node without a file.
+    TAPFailure GetFailure() const { return source != nullptr ? source->GetTreeFailure() : TAPFailure(); }
+
     // Scanners. `stream` is the whole stream; each gives the position of the delimiter that ends what starts
     // at `begin`, or begins what ends at `pos`, and 0 where there is none. Called elsewhere than on a
     // delimiter of its own, a bracket scanner answers as soon as its count is 0, that is at once, or at the
@@ -193,6 +197,12 @@ public:
     TAPSyntaxe* GetPrevious(const TAPSyntaxe* child) const;
     TAPSyntaxe* GetNext(const TAPSyntaxe* child) const;
 
+    // The neighbours of this node under its parent; null where there is none. Found at once where the node
+    // stands at the position that its creator gave it, as those of a built tree do; else searched like those
+    // above.
+    TAPSyntaxe* PreviousSibling() const;
+    TAPSyntaxe* NextSibling() const;
+
     // The last child of the last child and so on; the node itself if it has none.
     TAPSyntaxe* GetLastLeaf();
 
@@ -229,7 +239,7 @@ private:
         }
     }
 
-    TAPSyntaxe* const* Children() const { return childCount > 2 ? moreChildren : firstChildren; }
+    bool StandsAtItsPosition() const;
     void FreeContent();
     void ReleaseChildren();
 

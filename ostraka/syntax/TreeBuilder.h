@@ -28,6 +28,16 @@ public:
     int BuildExpression(TAPExpression& node);
     int BuildArguments(TAPListOfArgs& node);
 
+    // What Build of a node is: one of the four above, and at the node's file the failure if it gives 1. A
+    // failure on the way that the rules pass over leaves nothing there.
+    template <class Node>
+    static int Build(Node& top, int (TreeBuilder::*build)(Node&)) {
+        TreeBuilder builder(top);
+        const int result = (builder.*build)(top);
+        if (top.source != nullptr) top.source->treeFailure = result != 0 ? builder.failure : TAPFailure();
+        return result;
+    }
+
 private:
     struct LadderRow;
 
@@ -45,11 +55,13 @@ private:
         return BuildExpression(Add<TAPExpression>(parent, begin, size));
     }
 
-    static int Fail(const char* text);
-    static int FailTooDeep(const char* builder, int depth);
-    static int FailWithMessage(const char* key);
-
-    int FailAt(TAPSyntaxe& node, const char* text, int pos, std::optional<int> length);
+    int Fail(TAPFailureCode code, int pos);
+    int FailBelow(TAPSyntaxe& node, TAPFailureCode code, const char* text);
+    int FailOpen(TAPListOfArgs& node, char opening);
+    int FailTooDeep(const TAPSyntaxe& node, const char* builder);
+    int FailAtPiece(TAPSyntaxe& node, TAPFailureCode code, const char* text, int pos,
+                    std::optional<int> length);
+    int FailWithMessage(const TAPSyntaxe& node, TAPFailureCode code, const char* key);
     int BuildPiece(TAPSyntaxe& node, const RangeView& range, int pos, int& pieceEnd);
 
     // Rules of instructions, by the words that they start with.
@@ -107,8 +119,10 @@ private:
 
     static constexpr int noColon = -1;
 
+    const TAPSourceFile* file; // may be null
     const char* stream;
     std::optional<NestingIndex> nesting;
+    TAPFailure failure; // the last one
 };
 
 } // namespace ostraka::detail

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -105,10 +106,13 @@ TEST_F(Loading, FailuresAreToldAndLeaveTheRest) {
         const char* text;
         int result;
         std::string error;
+        TAPFailureCode code;
+        int col;
     };
     // The first is told on standard error.
-    const Row rows[] = {{"x = NUBLISTV(Foo; int a;", 2, ""},
-                        {"int a; f(;", 3, "Missing Instruction end for Instruction starting line 1 col 9"}};
+    const Row rows[] = {{"x = NUBLISTV(Foo; int a;", 2, "", SFAIL_Word, 6},
+                        {"int a; f(;", 3, "Missing Instruction end for Instruction starting line 1 col 9",
+                         SFAIL_Instruction, 9}};
     EXPECT_EQ(table.GetErrMsg(), "SymboleTable: ");
     EXPECT_EQ(table.LoadFile(static_cast<TAFileBuffer*>(nullptr), 1), 1);
     for (const Row& row : rows) {
@@ -120,6 +124,9 @@ TEST_F(Loading, FailuresAreToldAndLeaveTheRest) {
         EXPECT_EQ(Load("x.cpp"), 0) << row.text;
         EXPECT_EQ(table.GetErrMsg().View(), "SymboleTable: " + row.error);
         EXPECT_EQ(Includes("x.cpp"), "bad.h ");
+        EXPECT_EQ(Source(Header("bad.h"))->failure.code, row.code) << row.text;
+        EXPECT_EQ(Source(Header("bad.h"))->failure.point.col, row.col) << row.text;
+        EXPECT_EQ(Source("x.cpp")->failure.code, SFAIL_None);
         EXPECT_EQ(Load(Header("bad.h")), 0) << "a failed file counts as loaded";
         EXPECT_EQ(table.LightLoadFile(files(Header("bad.h")).c_str()), row.result) << row.text;
         EXPECT_EQ(Keys(table.classIndex) + " " + Keys(table.trees), "X x.cpp") << row.text;
@@ -130,6 +137,8 @@ TEST_F(Loading, FailuresAreToldAndLeaveTheRest) {
     for (const char* unreadable : {"gone.cpp", "w"}) {
         EXPECT_EQ(Load(unreadable), 0) << "an unreadable file is an empty one";
         EXPECT_EQ(Source(unreadable)->GetNbLine(), 0);
+        EXPECT_EQ(Source(unreadable)->failure.code, SFAIL_Unreadable);
+        EXPECT_EQ(Source(unreadable)->failure.systemError, unreadable[0] == 'w' ? EISDIR : ENOENT);
     }
 }
 

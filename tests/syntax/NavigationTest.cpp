@@ -99,6 +99,12 @@ TEST(Navigation, NeighboursAndPlaces) {
     EXPECT_EQ(root->GetNext(root->Child(2)), root->Child(3));
     EXPECT_EQ(root->GetNext(root->Child(6)), nullptr);
     EXPECT_EQ(root->GetNext(root), nullptr);
+    EXPECT_EQ(root->Child(2)->PreviousSibling(), root->Child(1));
+    EXPECT_EQ(root->Child(1)->PreviousSibling(), nullptr);
+    EXPECT_EQ(root->Child(5)->NextSibling(), root->Child(6));
+    EXPECT_EQ(root->Child(6)->NextSibling(), nullptr);
+    EXPECT_EQ(root->NextSibling(), nullptr);
+    EXPECT_EQ(root->PreviousSibling(), nullptr);
     EXPECT_EQ(root->Child(4)->GetBlocSize(), 2);
     EXPECT_EQ(root->Child(5)->GetBlocSize(), 1);
     EXPECT_EQ(root->Child(1)->GetBlocSize(), 0);
@@ -116,6 +122,45 @@ TEST(Navigation, NeighboursAndPlaces) {
     std::string names;
     for (int i = 1; i <= list.Size(); ++i) names += std::to_string(list[i]->posInFather);
     EXPECT_EQ(names, "12246");
+}
+
+// A tool may append a node at another position than it was given, or not at all.
+TEST(Navigation, NeighboursOfNodesMadeByHand) {
+    Source source("aa;bb;cc;");
+    TAPSyntaxe* root = source.Build();
+    for (int position : {-1, 0, 1, 2, 9}) {
+        auto* top = new TAPSyntaxe(STYPE_Bloc, source.file, 0, 0, -1);
+        TAPSyntaxe* const others[] = {root->Child(1), root->Child(2)};
+        auto* node = new TAPIdentifiant(top, 0, 2, position);
+        EXPECT_EQ(node->NextSibling(), nullptr) << position;
+        for (TAPSyntaxe* child : {others[0], static_cast<TAPSyntaxe*>(node), others[1]}) top->Append(child);
+        EXPECT_EQ(node->PreviousSibling(), others[0]) << position;
+        EXPECT_EQ(node->NextSibling(), others[1]) << position;
+        node->Release();
+        top->Release();
+    }
+}
+
+// The paths of the nodes in the order of a walk.
+std::string Walked(TAPSyntaxeWalk walk, const TAPSyntaxe* unopened) {
+    std::string line;
+    while (walk.Node() != nullptr) {
+        line += std::to_string(walk.Level()) + walk.Node()->GetContent() + " ";
+        walk.Node() == unopened ? walk.NextBehind() : walk.Next();
+    }
+    return line;
+}
+
+TEST(Navigation, WalksFromTheFront) {
+    Source source("aa;b=c;dd;");
+    TAPSyntaxe* root = source.Build();
+    EXPECT_EQ(Walked(TAPSyntaxeWalk(*root), nullptr),
+              "0aa;b=c;dd; 1aa 2aa 3aa 1b=c 2b=c 3b 4b 3c 4c 1dd 2dd 3dd ");
+    EXPECT_EQ(Walked(TAPSyntaxeWalk(*root), root->Child(2)), "0aa;b=c;dd; 1aa 2aa 3aa 1b=c 1dd 2dd 3dd ");
+    EXPECT_EQ(Walked(TAPSyntaxeWalk(*root, 1), nullptr), "0aa;b=c;dd; 1aa 1b=c 1dd ");
+    EXPECT_EQ(Walked(TAPSyntaxeWalk(*root, 0), nullptr), "0aa;b=c;dd; ");
+    EXPECT_EQ(Walked(TAPSyntaxeWalk(*root->Child(3)), nullptr), "0dd 1dd 2dd ");
+    EXPECT_EQ(Walked(TAPSyntaxeWalk(*root), root), "0aa;b=c;dd; ");
 }
 
 TEST(Paths, OutliveTheirTree) {

@@ -1,3 +1,4 @@
+#include <cerrno>
 #include <string>
 #include <vector>
 
@@ -146,16 +147,64 @@ TEST(Stream, CollectsIncludesAndMacros) {
     EXPECT_EQ(list(source.macros, true), "A=1,B=NUBLISTP_X_,C=one,F(a,b)=(a),R=r\r,");
 }
 
+// The names with the characters before them, and the lines and columns of the file.
+TEST(Stream, KnowsThePlacesOfIncludes) {
+    const std::string far = std::string(70000, '\n') + "#include " + std::string(100000, ' ');
+    struct Row {
+        std::string source;
+        const char* includes;
+    };
+    const Row rows[] = {
+        {"#include \"b.h\"\n # include\t<a.h\"\n#include \"b.h\"", "\"b.h 1:12 <a.h 2:14 \"b.h 3:12 "},
+        {"#include_next <a.h>\n// #include <a.h>\n/*\n#include <a.h>\n*/ #include <a.h>", ""},
+        {"/*\n# */ #include <a.h>\n\"\n#include <b.h>\n\"\n#include <c.h>", "<a.h 2:17 <c.h 6:12 "},
+        {"'a\nb' NUBLISTP(C\n) x;\n#include <a.h>          ", "<a.h 4:12 "},
+        {"/* x\n# */ 'a\nb' #include <a.h>", "<a.h 3:15 "},
+        {far + "<a.h>", "<a.h 70001:100012 "},
+    };
+    for (const Row& row : rows) {
+        const Source source(row.source);
+        std::string found;
+        for (const TAPInclude& include : source.file->GetIncludes()) {
+            EXPECT_EQ(include.name, source.file->includes.keys[source.file->includes.IsIn(include.name)]);
+            found += include.delimiter + std::string(include.name) + " " +
+                     std::to_string(include.point.line) + ":" + std::to_string(include.point.col) + " ";
+        }
+        EXPECT_EQ(found, row.includes) << row.source;
+    }
+}
+
 TEST(Stream, UnclosedDialectWordFails) {
-    for (const char* text :
-         {"NUBLISTP(Foo Bar) x;", "SEQUENCE(x                ", "NUBLISTV (               "}) {
+    struct Row {
+        std::string text;
+        const char* word;
+        int line, col;
+    };
+    const std::string far = std::string(70000, '\n') + std::string(200000, ' ');
+    const Row rows[] = {
+        {"NUBLISTP(Foo Bar) x;", "NUBLISTP", 1, 2},
+        {"SEQUENCE(x                ", "SEQUENCE", 1, 2},
+        {"aNUBLISTV (               ", "NUBLISTV", 1, 3},
+        {"NUBLISTV(x)\0)         "s, "NUBLISTV", 0, 0}, // closed before the NUL
+        {"NUBLISTV(x\0)          "s, "NUBLISTV", 1, 2},
+        {"// NUBLISTP(a b)\n'NUBLISTP(a b)' /* NUBLISTP(a b)\n*/ SEQUENCE(c d)", "SEQUENCE", 3, 5},
+        {"'a\nb' NUBLISTP(A\n) \"\n\" NUBLISTP(B) NUBLISTV(c d)", "NUBLISTV", 4, 16},
+        {far + "NUBLISTV(c d)", "NUBLISTV", 70001, 200002},
+    };
+    for (const Row& row : rows) {
         testing::internal::CaptureStderr();
-        const Source source(text);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find("memory.cpp"), std::string::npos) << text;
-        EXPECT_EQ(source.result, 1) << text;
-        EXPECT_EQ(source.file->GetSize(), 0);
+        const Source source(row.text);
+        const std::string told = testing::internal::GetCapturedStderr();
+        const TAPFailure& failure = source.file->GetFailure();
+        EXPECT_EQ(source.result, row.line > 0 ? 1 : 0) << row.text;
         EXPECT_EQ(source.file->buffer, nullptr);
         EXPECT_EQ(source.file->GetErrMsg(), "");
+        EXPECT_EQ(std::pair(failure.point.line, failure.point.col), std::pair(row.line, row.col)) << row.text;
+        if (source.result == 0) continue;
+        EXPECT_NE(told.find("memory.cpp"), std::string::npos) << row.text;
+        EXPECT_EQ(failure.code, SFAIL_Word) << row.text;
+        EXPECT_STREQ(failure.word, row.word) << row.text;
+        EXPECT_EQ(source.file->GetSize(), 0);
     }
 }
 
@@ -179,6 +228,9 @@ TEST(Stream, TellsSubscribersBeforeItStarts) {
         testing::internal::GetCapturedStderr();
         EXPECT_EQ(file->GetStream(), nullptr);
         EXPECT_EQ(file->GetName(), name);
+        const bool exists = name == std::string("/dev/null");
+        EXPECT_EQ(file->GetFailure().code, exists ? SFAIL_None : SFAIL_Unreadable);
+        EXPECT_EQ(file->GetFailure().systemError, exists ? 0 : ENOENT);
         file->Release();
     }
     EXPECT_EQ(listener.received, (std::vector<std::string>{"1", "1null"}));

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostraka/syntax/TAPListOfArgs.h>
+
 #include "support/Source.h"
 
 namespace {
@@ -108,21 +110,36 @@ TEST(Tree, GivesExpressionsTheirKind) {
 
 struct FailureRow {
     std::string source;
-    const char* message;
+    std::string message;
+    TAPFailureCode code;
+    int line, col;
 };
 
 TEST(Tree, FailuresTellTheirPlace) {
+    const std::string noBlock = "Missing TAPBloc end at line ";
+    const std::string noEnd = "Missing Instruction end for Instruction starting line ";
+    const std::string deep = "Depth too high when building a ";
+    const std::string farLine(70000, '\n');
+    const std::string farColumn(200000, ' ');
     const FailureRow rows[] = {
-        {";", "Missing Instruction end for Instruction starting line 1 col 2"},
-        {"\n x{", "Missing TAPBloc end at line 2 col 4 length=1"},
-        {"ab;\n { c", "Missing TAPBloc end at line 2 col 3 length=3"},
-        {"ab; f((a);", "Missing Instruction end for Instruction starting line 1 col 6"},
-        {"ab; c = \"open", "Missing Instruction end for Instruction starting line 1 col 6"},
-        {"f(a[1,2]);", "Missing ]"},
-        {"aa=(b;", "Missing Instruction end for Instruction starting line 1 col 2"},
-        {"delete[3] p;", ""},
-        {std::string(" ") + std::string(901, '{') + std::string(901, '}'),
-         "Depth too high when building a TAPSyntaxe : 901"},
+        {";", noEnd + "1 col 2", SFAIL_Instruction, 1, 2},
+        {"\n x{", noBlock + "2 col 4 length=1", SFAIL_Block, 2, 4},
+        {"ab;\n { c", noBlock + "2 col 3 length=3", SFAIL_Block, 2, 3},
+        {"ab; f((a);", noEnd + "1 col 6", SFAIL_Instruction, 1, 6},
+        {"ab; c = \"open", noEnd + "1 col 6", SFAIL_Instruction, 1, 6},
+        {"aa=(b;", noEnd + "1 col 2", SFAIL_Instruction, 1, 2},
+        {farLine + farColumn + "ab { c", noBlock + "70001 col 200005 length=3", SFAIL_Block, 70001, 200005},
+        {"ab;" + farColumn + "c = (d;", noEnd + "1 col 200005", SFAIL_Instruction, 1, 200005},
+        // The others stand where the last node begins that was made.
+        {"x; ff(a[1,2]);", "Missing ]", SFAIL_Bracket, 1, 8},
+        {"a;' (';", "Missing )", SFAIL_Parenthesis, 1, 6},
+        {"a;'*[';", "Missing ]", SFAIL_Bracket, 1, 6},
+        {"delete[3] p;", "", SFAIL_DeleteBracket, 1, 2},
+        {farLine + "delete[3] p;", "", SFAIL_DeleteBracket, 70001, 2},
+        {" " + std::string(901, '{') + std::string(901, '}'), deep + "TAPSyntaxe : 901", SFAIL_Depth, 1, 904},
+        {"xx=" + std::string(1000, '!') + "a;", deep + "TAPExpression : 901", SFAIL_Depth, 1, 903},
+        // What a typedef or a class fails of is passed over.
+        {"typedef x ff(a[1,2]) T;class C: ff(a[1,2]);c{", noBlock + "1 col 46 length=1", SFAIL_Block, 1, 46},
     };
     for (const FailureRow& row : rows) {
         testing::internal::CaptureStderr();
@@ -130,7 +147,13 @@ TEST(Tree, FailuresTellTheirPlace) {
         source.Build();
         testing::internal::GetCapturedStderr();
         EXPECT_EQ(source.buildResult, 1) << row.source;
-        EXPECT_EQ(TAPSyntaxe::ErrMsg, row.message) << row.source;
+        EXPECT_EQ(TAPSyntaxe::ErrMsg.View(), row.message) << row.source;
+        const TAPFailure failure = source.root->GetFailure();
+        EXPECT_EQ(failure.code, row.code) << row.source;
+        EXPECT_EQ(std::pair(failure.point.line, failure.point.col), std::pair(row.line, row.col))
+            << row.source;
+        EXPECT_EQ(source.file->GetPoint(failure.position).col, row.col) << row.source;
+        EXPECT_EQ(source.file->GetFailure().code, SFAIL_None) << row.source;
     }
 }
 
@@ -155,10 +178,39 @@ TEST(Tree, BuildsNodesMadeByHand) {
         EXPECT_EQ(OneLine(node), row.tree);
         node->Release();
     }
-    auto* unclosed = new TAPInstruction(top, 0, 4, 1);
-    EXPECT_EQ(unclosed->Build(), 1);
-    EXPECT_EQ(TAPSyntaxe::ErrMsg, "Missing )");
-    unclosed->Release();
+    top->Release();
+}
+
+// A failure is that of the last build over the file. One that its position leads behind the stream stands at
+// the end.
+TEST(Tree, NodesMadeByHandFail) {
+    Source source("if(a+b) f(a,(b),\"c\",'d')");
+    auto* top = new TAPSyntaxe(STYPE_File, source.file, 0, source.file->GetSize(), -1);
+    struct Row {
+        TAPSyntaxe* node;
+        const char* message;
+        TAPFailureCode code;
+        int position;
+    };
+    TAPSyntaxe deep(STYPE_File, source.file, 0, 0, -1);
+    deep.depth = 900;
+    const Row rows[] = {
+        {new TAPInstruction(top, 0, 4, 1), "Missing )", SFAIL_Parenthesis, 0},
+        {new TAPListOfArgs(top, 9, 4, 1), "Missing )", SFAIL_Parenthesis, 9},
+        {new TAPListOfArgs(top, 15, 2, 1), "Missing \"", SFAIL_String, 15},
+        {new TAPListOfArgs(top, 9, 12, 1), "Missing '", SFAIL_Character, 15},
+        {new TAPListOfArgs(&deep, 100, 1, 1), "Depth too high when building a TAPListOfArgs : 901",
+         SFAIL_Depth, source.file->GetSize() - 1},
+    };
+    for (const Row& row : rows) {
+        EXPECT_EQ(row.node->Build(), 1) << row.message;
+        EXPECT_EQ(TAPSyntaxe::ErrMsg, row.message);
+        EXPECT_EQ(top->GetFailure().code, row.code) << row.message;
+        EXPECT_EQ(top->GetFailure().position, row.position) << row.message;
+        row.node->Release();
+    }
+    EXPECT_EQ(top->Build(), 0);
+    EXPECT_EQ(top->GetFailure().code, SFAIL_None);
     top->Release();
 }
 

@@ -3,8 +3,6 @@
 #include <charconv>
 #include <utility>
 
-#include <ostraka/syntax/TAPSyntaxe.h>
-
 namespace ostraka::tool {
 
 namespace {
@@ -19,28 +17,18 @@ void AppendNumber(std::string& out, int number) {
 } // namespace
 
 TreeWalk::TreeWalk(TAPSyntaxe& top, std::string topPath, int levels)
-    : node(&top), path(topPath.empty() ? rootPath : std::move(topPath)), deepest(levels) {}
-
-void TreeWalk::Enter(int child) {
-    Parent& parent = open.back();
-    parent.child = child;
-    node = parent.node->Child(child);
-    path.resize(parent.pathLength);
-    if (!path.empty()) path += '.';
-    AppendNumber(path, node->GetPosInFather());
-}
+    : walk(top, levels), path(topPath.empty() ? rootPath : std::move(topPath)) {}
 
 void TreeWalk::Next() {
-    if (node->ChildCount() > 0 && Level() != deepest) {
-        open.push_back({node, 0, path == rootPath ? 0 : path.size()});
-        return Enter(1);
-    }
-    while (!open.empty() && open.back().child == open.back().node->ChildCount()) open.pop_back();
-    if (open.empty()) {
-        node = nullptr;
-        return;
-    }
-    Enter(open.back().child + 1);
+    const auto before = static_cast<std::size_t>(Level());
+    walk.Next();
+    if (Node() == nullptr) return;
+    const auto level = static_cast<std::size_t>(Level());
+    if (level > before) lengths.push_back(path == rootPath ? 0 : path.size());
+    lengths.resize(level);
+    path.resize(lengths.back());
+    if (!path.empty()) path += '.';
+    AppendNumber(path, Node()->GetPosInFather());
 }
 
 } // namespace ostraka::tool

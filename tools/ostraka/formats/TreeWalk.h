@@ -1,11 +1,11 @@
 #pragma once
 
-// Goes through a tree from the front, a parent before its children, on a stack of its own.
+// A walk through a tree that knows the path of each node.
 
 #include <string>
 #include <vector>
 
-class TAPSyntaxe;
+#include <ostraka/syntax/TAPSyntaxeWalk.h>
 
 namespace ostraka::tool {
 
@@ -17,25 +17,16 @@ public:
 
     // The node reached, null at the end, with its level below the top and its path from the root of the file:
     // the positions to take, joined by dots; 0 for the root itself.
-    TAPSyntaxe* Node() const { return node; }
-    int Level() const { return static_cast<int>(open.size()); }
+    TAPSyntaxe* Node() const { return walk.Node(); }
+    int Level() const { return walk.Level(); }
     const std::string& Path() const { return path; }
 
     void Next();
 
 private:
-    struct Parent {
-        TAPSyntaxe* node;
-        int child; // the one that was visited last
-        std::size_t pathLength;
-    };
-
-    void Enter(int child);
-
-    std::vector<Parent> open;
-    TAPSyntaxe* node;
+    TAPSyntaxeWalk walk;
     std::string path;
-    int deepest;
+    std::vector<std::size_t> lengths; // of the paths of the nodes above, from the top on
 };
 
 } // namespace ostraka::tool

@@ -89,8 +89,8 @@ void PrintMissing(const Request& request, const Session& session, const IncludeG
                   std::string& out) {
     ForEachMissing(graph, [&](const IncludedFile& file, const Include& include) {
         fmt::format_to(std::back_inserter(out), "{}: {} {}\n",
-                       PlaceText(request, session.Shown(file.path), include.place.value_or(Place())),
-                       include.name, Colored(request, colorError, "not found"));
+                       PlaceText(request, session.Shown(file.path), include.place), include.name,
+                       Colored(request, colorError, "not found"));
     });
 }
 
@@ -149,8 +149,8 @@ void IncludeJson(JsonWriter& json, const Session& session, const IncludeGraph& g
     json.Member("file",
                 isFound ? std::optional(session.Shown(graph[static_cast<std::size_t>(include.target)].path))
                         : std::nullopt);
-    json.Member("line", include.place ? std::optional(include.place->line) : std::nullopt);
-    json.Member("column", include.place ? std::optional(include.place->column) : std::nullopt);
+    json.Member("line", include.place.line);
+    json.Member("column", include.place.column);
     json.EndObject();
 }
 

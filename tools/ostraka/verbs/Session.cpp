@@ -15,7 +15,6 @@
 #include "verbs/FileId.h"
 #include <answers/facts/Diagnosis.h>
 #include <answers/facts/RawFile.h>
-#include <answers/facts/SourceUnit.h>
 
 namespace fs = std::filesystem;
 
@@ -161,10 +160,8 @@ std::string Session::Read(const std::string& absolute) {
     std::string problem;
     auto buffer = ReadFile(absolute, problem);
     if (!buffer) return problem;
-    const std::string_view text(buffer->buffer, static_cast<std::size_t>(buffer->size));
-    if (const std::size_t nul = text.find('\0'); nul != std::string_view::npos)
-        nuls.emplace_back(absolute, DescribeNul(text, nul));
-    PrintedErrors printed;
+    if (auto nul = FindNul({buffer->buffer, buffer->size})) nuls.emplace_back(absolute, std::move(*nul));
+    const SilentTraces silence;
     if (TAPSymbolTable::EndsAsIdl(absolute.c_str())) {
         table->LoadIdlFile(buffer.release(), 1);
     } else {
@@ -176,12 +173,13 @@ std::string Session::Read(const std::string& absolute) {
 TAPSyntaxe* Session::Load(const std::string& path, Result& result) {
     const std::string absolute = Absolute(path);
     TellMissingRoots(result);
-    if (Read(absolute).empty()) {
+    const std::string problem = Read(absolute);
+    if (problem.empty()) {
         TellNuls(result);
         TellFailedSources(absolute, result);
         result.files += std::max(table->sources.size - 1, 0);
     } else {
-        TellFailure({absolute, ""}, "", result);
+        TellFailure(absolute, {std::nullopt, problem}, "", result);
     }
     return static_cast<TAPSyntaxe*>(table->trees[absolute.c_str()]);
 }
@@ -196,7 +194,7 @@ void Session::LoadOneOfMany(const Input& input) {
 void Session::TellFailures(Result& result) const {
     TellMissingRoots(result);
     TellNuls(result);
-    for (const Input& input : unread) TellFailure(input, "", result);
+    for (const Input& input : unread) TellFailure(input.path, {std::nullopt, input.problem}, "", result);
     TellFailedSources("", result);
     TellRefusedArguments(result);
 }
@@ -226,7 +224,6 @@ void Session::TellRefusedArguments(Result& result) const {
     }
 }
 
-// A file without a tree failed, and so may one with an empty tree, which is what an unreadable file gets.
 void Session::TellFailedSources(const std::string& loaded, Result& result) const {
     std::unordered_map<std::string_view, std::string_view> includers;
     for (int i = 0; i < table->sources.size; ++i) {
@@ -235,22 +232,19 @@ void Session::TellFailedSources(const std::string& loaded, Result& result) const
             includers.try_emplace(source->includes[k]->name.View(), source->name.View());
     }
     for (int i = 0; i < table->sources.size; ++i) {
+        const auto* source = static_cast<const TAPDefSource*>(table->sources.values[i]);
         const std::string path = table->sources.keys[i];
-        const auto* root = static_cast<const TAPSyntaxe*>(table->trees[path.c_str()]);
-        if (root == nullptr || root->GetSize() == 0)
-            TellFailure({path, ""}, path == loaded ? std::string_view() : includers[path], result);
+        if (const auto failure = FailureOf(source->failure))
+            TellFailure(path, *failure, path == loaded ? std::string_view() : includers[path], result);
     }
 }
 
-void Session::TellFailure(const Input& input, std::string_view includer, Result& result) const {
-    SourceUnit unit(input.path, input.problem);
-    if (unit.Load()) unit.Build();
-    if (!unit.GetFailure()) return;
+void Session::TellFailure(const std::string& path, const Failure& failure, std::string_view includer,
+                          Result& result) const {
     ++result.failed;
-    std::string cause = unit.GetFailure()->cause;
+    std::string cause = failure.cause;
     if (!includer.empty()) cause += fmt::format(", included by {}", Shown(includer));
-    AppendMessage(result.err, Shown(input.path), unit.GetFailure()->place, "error", cause,
-                  request.colorErrors);
+    AppendMessage(result.err, Shown(path), failure.place, "error", cause, request.colorErrors);
 }
 
 } // namespace ostraka::tool

@@ -52,7 +52,8 @@ private:
     };
 
     void TellFailedSources(const std::string& loaded, Result& result) const;
-    void TellFailure(const Input& input, std::string_view includer, Result& result) const;
+    void TellFailure(const std::string& path, const Failure& failure, std::string_view includer,
+                     Result& result) const;
     void TellMissingRoots(Result& result) const;
     void TellNuls(Result& result) const;
     void TellRefusedArguments(Result& result) const;

@@ -1,0 +1,5 @@
+void f()
+{
+  xx();
+  delete[3] p;
+}

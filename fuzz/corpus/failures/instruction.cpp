@@ -1,0 +1,2 @@
+int aa;
+  foo = bar(1, (2);
