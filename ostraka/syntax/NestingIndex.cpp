@@ -7,6 +7,13 @@
 // are matched again. In between, the rightmost operator of the highest level is the last one of a chain: from
 // the last operator of the range to the nearest one before it with a higher level, and so on. Levels are few,
 // so that the chain is short.
+//
+// The bounds decide at the first three and at the last two positions of a range. A match asks whether the two
+// characters before a position belong to the text, and behind it the same: `->` at the end of `a->` is an
+// arrow, though the stream goes on with `*`. So what the index has matched holds from the fourth position to
+// the last but two, and margins are walked position by position: a range of two characters is nothing but
+// margin. The walk goes from the right, as the search does, and takes a match only if it beats those further
+// right.
 
 #include <ostraka/syntax/NestingIndex.h>
 
@@ -18,7 +25,7 @@ namespace ostraka::detail {
 
 namespace {
 
-// How far the bounds of a text reach into the matching of operators, from its begin and from its end.
+// At how many positions the bounds of a text decide what matches, at its begin and at its end.
 constexpr int marginAtBegin = 3;
 constexpr int marginAtEnd = 2;
 

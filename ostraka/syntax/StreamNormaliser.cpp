@@ -1,11 +1,24 @@
 // One pass over the bytes. Most of a file are runs of letters and digits, which go to the stream as they are:
 // 64 bytes at a time are classified into a mask of special characters, and what lies between two of them is
-// copied in chunks of 16 with their places. The specials are blanks, the marks that blanks yield to, quotes,
-// slashes, hashes and backslashes, and those letters that may end a word that is taken out of the stream or
-// begin a dialect word; they are told by two neighbours, so that they seldom turn up elsewhere.
+// copied in chunks of 16 with their places. The specials are all characters up to the slash, among which are
+// blanks, quotes, hashes and most marks that blanks yield to; colon, semicolon and backslash; and those
+// letters that may end a word that is taken out of the stream or begin a dialect word. A letter is told by
+// two neighbours, so that it seldom turns up elsewhere. A special that is none after all is stored like the
+// others.
 //
-// The column of a character is its distance from `lineOrigin`: a newline belongs to the line that it starts
-// and has column 1 there.
+// What one character leaves to the next, beside the stream itself:
+//
+// - Which line it stands on, in two views. For places, a line starts at each newline but those of character
+//   literals and of dialect words: `line` counts, and the column of a character is its distance from
+//   `lineOrigin`, so that the newline itself has column 1 of the line that it starts. A dialect word moves
+//   the origin, since its parenthesis has no column of its own. For directives, a line starts at each newline
+//   that isn't in a string either: `visualLine`, behind which `firstNonBlank` is found for the first hash.
+// - How far the lines are off: `hiddenLines`. Only what tells a place in the file itself adds it.
+// - Whether the stream joins what is apart in the source: `joined`. The mask looks at the source, where
+//   `exter` and `n` are no word if a comment parts them, so a plain character behind such a joint goes
+//   through the removal of words alone.
+// - The high bits of the last place: `wide` and the last of `marks`. What is taken out at the stream's end
+//   can leave marks behind it; they go when the next character is stored, or in the end.
 
 #include <ostraka/syntax/StreamNormaliser.h>
 

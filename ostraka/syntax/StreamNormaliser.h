@@ -78,7 +78,7 @@ private:
     std::ptrdiff_t length = 0;
     int line = 1;
     std::ptrdiff_t lineOrigin = -2;   // the column of a character is its distance from here
-    const char* visualLine;           // behind the last newline outside literals
+    const char* visualLine;           // behind the last newline outside literals and dialect words
     char firstNonBlank = 0;           // the first character above a blank on that line, once it was asked for
     bool joined = false;              // the next character doesn't stand behind the last one in the source
     bool wide = false;                // a line or column has needed more than 16 bits

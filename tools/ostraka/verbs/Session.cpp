@@ -218,8 +218,7 @@ void Session::TellRefusedArguments(Result& result) const {
     for (int i = 0; i < table->sources.size; ++i) {
         const auto* source = static_cast<const TAPDefSource*>(table->sources.values[i]);
         for (const RefusedArgument& argument : source->refusedArguments)
-            AppendMessage(result.err, Shown(source->name.View()),
-                          Place{argument.point.line, std::max(1, argument.point.col - 1)}, "warning",
+            AppendMessage(result.err, Shown(source->name.View()), PlaceOf(argument.point), "warning",
                           CauseOf(argument), request.colorErrors);
     }
 }
