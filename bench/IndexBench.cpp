@@ -3,6 +3,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <ostraka/foundation/TAIndex.h>
@@ -83,6 +84,29 @@ BENCHMARK(FillAndRead<ReadNothing>)->Unit(benchmark::kMillisecond);
 BENCHMARK(FillAndRead<ReadTwoKeys>)->Unit(benchmark::kMillisecond);
 BENCHMARK(FillAndRead<ReadKeyPointer>)->Unit(benchmark::kMillisecond);
 BENCHMARK(FillAndRead<ReadBothPointers>)->Unit(benchmark::kMillisecond);
+
+bool AskByPosition(const TAIndex& index, const std::string& key) {
+    return index.IsIn(key.c_str()) >= 0;
+}
+bool AskHolds(const TAIndex& index, const std::string& key) {
+    return index.Holds(key.c_str());
+}
+
+// Each key is asked for, and entered if it isn't there; half of them are.
+template <bool (*ask)(const TAIndex&, const std::string&)>
+void AskAndFill(benchmark::State& state) {
+    Texts texts = RandomTexts(50000, "");
+    const Texts copy = texts;
+    texts.insert(texts.end(), copy.begin(), copy.end());
+    std::shuffle(texts.begin(), texts.end(), std::mt19937_64(3));
+    for (auto _ : state) {
+        TAIndex index;
+        for (const std::string& text : texts)
+            if (!ask(index, text)) Add(index, text);
+    }
+}
+BENCHMARK(AskAndFill<AskByPosition>)->Unit(benchmark::kMillisecond);
+BENCHMARK(AskAndFill<AskHolds>)->Unit(benchmark::kMillisecond);
 
 template <class Keys, class Values>
 void Walk(benchmark::State& state, const Keys& keys, const Values& values, int size) {

@@ -13,13 +13,10 @@
 // behind the first change, for all columns together that have been read so before.
 namespace ostraka::detail {
 
+class SortedStore;
+
 enum class Column { Keys, Values, ValueCopies };
 inline constexpr int columnCount = 3;
-
-// The columns that are laid out as one array at the moment; null for the others.
-struct LaidOutColumns {
-    void** laidOut[columnCount] = {};
-};
 
 class OSTRAKA_EXPORT ColumnBase {
 public:
@@ -30,13 +27,13 @@ protected:
     ColumnBase() = default;
     ~ColumnBase() = default;
 
-    void** Array(Column column) const {
-        return store != nullptr ? store->laidOut[static_cast<int>(column)] : nullptr;
-    }
+    // Lets the column show what the store of its index holds.
+    void Show(SortedStore& shown, Column column);
     void* Read(Column column, int position) const;
     void** LayOut(Column column) const;
 
-    LaidOutColumns* store = nullptr; // of the index that owns it; null until it has an entry
+    SortedStore* store = nullptr; // null until the index has an entry
+    void** array = nullptr;       // set by the store while the column is laid out
 };
 
 // `Element` is a pointer type, `Index` the class that the column is a member of.
@@ -46,14 +43,12 @@ public:
     // The element at `position`, which lies in 0 .. size - 1.
     template <std::integral Position>
     Element operator[](Position position) const {
-        void** const array = Array(column);
         return static_cast<Element>(array != nullptr ? array[position]
                                                      : Read(column, static_cast<int>(position)));
     }
 
     // The first of `size` elements; may be null when there is none.
     operator Element*() const {
-        void** const array = Array(column);
         return reinterpret_cast<Element*>(array != nullptr ? array : LayOut(column));
     }
 

@@ -4,8 +4,6 @@
 
 namespace ostraka::detail {
 
-class SortedStore;
-
 // What the two sorted indexes have in common. `Index` derives from this and has the fields; a key that is
 // passed in is a `Key*`.
 template <class Index, class Key>

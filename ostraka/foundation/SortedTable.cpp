@@ -213,7 +213,8 @@ void SortedStore::ForgetShared() {
 void SortedStore::NoteChange(int leaf) {
     known = std::min(known, leaf + 1);
     if (layout.places != nullptr) layout.places[leaf] = -1;
-    std::fill(std::begin(laidOut), std::end(laidOut), nullptr);
+    for (void*** array : shown)
+        if (array != nullptr) *array = nullptr;
     reads = 0;
 }
 
@@ -254,17 +255,18 @@ void* SortedStore::Read(Column column, int position) {
 
 // The only leaf of a small table is laid out as it stands, but for the value copies, which no array holds.
 void** SortedStore::LayOut(Column column) {
-    void**& shown = laidOut[static_cast<int>(column)];
-    if (shown != nullptr) return shown;
+    const int wanted = static_cast<int>(column);
     if (!tall && column != Column::ValueCopies)
-        return shown = column == Column::Keys ? root->Keys() : root->Values();
+        return *shown[wanted] = column == Column::Keys ? root->Keys() : root->Values();
     MakeRoomFor(column);
-    if (tall)
-        UpdateLayout();
-    else
-        WriteColumn(root, column, layout.columns[static_cast<int>(column)]);
-    if (tall) std::copy(std::begin(layout.columns), std::end(layout.columns), laidOut);
-    return shown = layout.columns[static_cast<int>(column)];
+    if (!tall) {
+        WriteColumn(root, column, layout.columns[wanted]);
+        return *shown[wanted] = layout.columns[wanted];
+    }
+    UpdateLayout();
+    for (int i = 0; i < columnCount; ++i)
+        if (layout.columns[i] != nullptr) *shown[i] = layout.columns[i];
+    return layout.columns[wanted];
 }
 
 void SortedStore::MakeRoomFor(Column column) {
@@ -324,14 +326,18 @@ void SortedStore::WritePiece(int first, int last) {
     }
 }
 
+void ColumnBase::Show(SortedStore& shown, Column column) {
+    store = &shown;
+    store->ShowIn(array, column);
+}
+
 void* ColumnBase::Read(Column column, int position) const {
-    auto* sorted = static_cast<SortedStore*>(store);
-    if (sorted == nullptr) return nullptr;
-    return sorted->IsMuchRead() ? sorted->LayOut(column)[position] : sorted->Read(column, position);
+    if (store == nullptr) return nullptr;
+    return store->IsMuchRead() ? store->LayOut(column)[position] : store->Read(column, position);
 }
 
 void** ColumnBase::LayOut(Column column) const {
-    return store != nullptr ? static_cast<SortedStore*>(store)->LayOut(column) : nullptr;
+    return store != nullptr ? store->LayOut(column) : nullptr;
 }
 
 } // namespace ostraka::detail

@@ -71,7 +71,7 @@ struct Place {
 };
 
 // The part of a table that needs no order: its runs, and the way from a position to its entry and back.
-class SortedStore : public LaidOutColumns {
+class SortedStore {
 public:
     SortedStore() : root(MakeRun(smallestRoom)) {}
     ~SortedStore();
@@ -84,7 +84,9 @@ public:
     Place PlaceOf(int position);
 
     void* Read(Column column, int position);
-    // The column as one array, which `laidOut` shows until the next change.
+    // From now on sets `array` when the column is laid out, and to null at the next change.
+    void ShowIn(void**& array, Column column) { shown[static_cast<int>(column)] = &array; }
+    // Lays out a column that isn't, and with it all others that have been laid out before.
     void** LayOut(Column column);
     // Whether so much has been read since the last change that laying out the column pays off.
     bool IsMuchRead() { return ++reads > total / 8 + 8; }
@@ -146,6 +148,7 @@ protected:
     int reads = 0;
     bool tall = false; // whether the root is a top run
     Layout layout;
+    void*** shown[columnCount] = {}; // where each column is shown; null for one that the index hasn't got
 };
 
 // A store in the order that `Order` gives. `Order` says what a sought key is and knows, for keys of one kind:

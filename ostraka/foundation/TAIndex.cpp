@@ -89,7 +89,9 @@ const char* TAIndex::Append(const char* key, const void* value, int copy) {
     const Order::Sought sought = Order::SoughtOf(*this, key);
     if (store == nullptr) {
         store = new SortedTable<Order>;
-        keys.store = values.store = valueCopies.store = store;
+        keys.Show(*store, Column::Keys);
+        values.Show(*store, Column::Values);
+        valueCopies.Show(*store, Column::ValueCopies);
     }
     auto& table = TableOf<Order>(store);
     const Place place = table.Find(sought);

@@ -80,7 +80,8 @@ const void* ostraka::detail::AppendOrGet(TAIndexB& index, const void* key, void*
 const void* TAIndexB::AppendOrGet(const void* key, void*& value) {
     if (store == nullptr) {
         store = new SortedTable<Order>;
-        keys.store = values.store = store;
+        keys.Show(*store, Column::Keys);
+        values.Show(*store, Column::Values);
     }
     auto& table = TableOf<Order>(store);
     const Order::Sought sought = Order::SoughtOf(*this, key);
