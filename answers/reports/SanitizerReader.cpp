@@ -118,6 +118,16 @@ std::string_view TakeModule(std::string_view& text) {
     return module.substr(0, address);
 }
 
+// Where the message of "a.cpp:1:2: runtime error: division by zero" begins, or `npos`. Other programs use
+// these words, too, but with no place in front.
+std::size_t RuntimeErrorAt(std::string_view line) {
+    const std::size_t at = line.find(runtimeError);
+    if (at == std::string_view::npos) return at;
+    std::string_view place = line.substr(0, at);
+    const bool isPlace = place.ends_with(')') || place.ends_with('>') || !TakePlace(place).empty();
+    return isPlace ? at + runtimeError.size() : std::string_view::npos;
+}
+
 // "foo(int) /w/a b.cpp" at the blank before the path: a path from the root may hold blanks.
 std::size_t BlankBeforePath(std::string_view text) {
     const std::size_t slash = text.find(" /");
@@ -219,9 +229,9 @@ private:
     bool TakeHead(std::string_view line) {
         if (!IsSanitizerHead(line)) return false;
         anyHead = true;
-        if (const std::size_t error = line.find(runtimeError); error != std::string_view::npos) {
-            Open(KindOfRuntimeError(line.substr(error + runtimeError.size())));
-            place = line.substr(0, error);
+        if (const std::size_t error = RuntimeErrorAt(line); error != std::string_view::npos) {
+            Open(KindOfRuntimeError(line.substr(error)));
+            place = line.substr(0, error - runtimeError.size());
         } else if (Contains(line, leak)) {
             Open(line.substr(0, line.find(" of ")));
             record.bytes = NumberBehind(line, " leak of ");
@@ -300,8 +310,8 @@ private:
 } // namespace
 
 bool IsSanitizerHead(std::string_view line) {
-    return Contains(line, runtimeError) || (Contains(line, leak) && Contains(line, " byte(s) in ")) ||
-           !BehindBanner(line).empty();
+    return RuntimeErrorAt(line) != std::string_view::npos ||
+           (Contains(line, leak) && Contains(line, " byte(s) in ")) || !BehindBanner(line).empty();
 }
 
 std::unique_ptr<ReportReader> MakeSanitizerReader(RecordTaker& taker) {

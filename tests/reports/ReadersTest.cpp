@@ -186,6 +186,7 @@ TEST(Readers, TellWhatIsNoReport) {
         {"3\n", text},
         {"# f\n\n# g\n", text},
         {"make all\n", text},
+        {"panic: runtime error: index out of range\n", text},
         {"f\ntwo words\n", text},
         {"f\n\"AddressSanitizer: no head\"\n", text},
         {"a.cpp:1:2: warning: f [-Wall]\n", text},
