@@ -3,10 +3,13 @@
 #include <vector>
 
 #include "LoadedTable.h"
+#include "SlowQuestions.h"
 
 namespace {
 
 constexpr std::size_t mostNodes = 1000;
+constexpr std::size_t mostPlain = 40; // nodes from which the plain walks start
+constexpr int mostClasses = 20;
 
 class Questions {
 public:
@@ -22,6 +25,8 @@ public:
         for (std::size_t i = 0; i < nodes.size() && nodes.size() < mostNodes; ++i)
             for (int child = 1; child <= nodes[i]->ChildCount(); ++child)
                 nodes.push_back(nodes[i]->Child(child));
+        for (std::size_t i = 0; i < nodes.size(); i += nodes.size() / mostPlain + 1)
+            CompareWithPlain(nodes[i]);
         for (TAPSyntaxe* node : nodes) {
             AskForTypes(node);
             AskForDeclarations(node);
@@ -32,6 +37,7 @@ public:
             classes.back()->AddRef();
         }
         AskClasses();
+        CompareLines();
         for (int i = 0; i < table.functions.size; ++i)
             CheckNode(table.GetFunctionDeclarationLocation(table.functions.keys[i]));
     }
@@ -50,6 +56,39 @@ private:
             vars[i]->Release();
         }
         vars.RemoveAll(1);
+    }
+
+    // What the table looks up against the plain walks.
+    void CompareWithPlain(TAPSyntaxe* node) {
+        const std::string name = node->GetContent();
+        if (static_cast<int>(name.size()) != node->GetSize())
+            return; // it holds a NUL, or lies behind the end
+        NUBString type;
+        std::string plainType;
+        TAPSyntaxe* scope = nodes[name.size() % nodes.size()];
+        CHECK(table.FindDeclare(node, type, nullptr, 0) == slow::FindAround(table, node, plainType));
+        CHECK(type == plainType.c_str());
+        CHECK(table.FindDeclare(node, type, scope, 0) == slow::FindInScope(table, node, plainType, scope));
+        CHECK(type == plainType.c_str());
+        TAPSyntaxe* block = nullptr;
+        for (TAPSyntaxe* around = node; around != nullptr; around = around->GetParent())
+            if (around->GetType() == STYPE_Bloc) block = around;
+        int count = 0;
+        const bool isReturned = table.IsReturned(block, name.c_str(), count, 1) == -1;
+        CHECK((table.IsReturned(node, name.c_str(), count, 0) == -1) == isReturned);
+    }
+
+    void CompareLines() {
+        const TAIndex& index = table.classIndex;
+        for (int i = 0; i < index.size && i < mostClasses; ++i) {
+            for (int k = 0; k < index.size && k < mostClasses; ++k) {
+                const std::string derived = index.keys[i];
+                const std::string base = index.keys[k];
+                if ((derived + base).find_first_of("_*&") != std::string::npos) continue;
+                CHECK((table.InheritFrom(derived.c_str(), base.c_str()) != 0) ==
+                      slow::IsDerived(table, derived, base));
+            }
+        }
     }
 
     void AskForTypes(TAPSyntaxe* node) {
@@ -76,7 +115,8 @@ private:
             if (table.IsVariableDeclarationInternal(node, words, strict) == 1)
                 table.GetVariablesAndType(node, words, vars);
         }
-        CHECK(table.IsVariableOrFunctionDeclaration(node, vars) == 1 || vars.Size() >= 0);
+        CheckAndRelease(vars);
+        CHECK((table.IsVariableOrFunctionDeclaration(node, vars) == 1) == (vars.Size() > 0));
         CheckAndRelease(vars);
         NUBString type, name;
         TAPSyntaxe* args = nullptr;
@@ -97,7 +137,7 @@ private:
         CheckNode(table.FindObject(node, &cast));
         CheckNode(cast);
         int count = 0;
-        CHECK(table.IsReturned(node, name.c_str(), count, 0) >= -1);
+        table.IsReturned(node, name.c_str(), count, 0);
         NUBListPtrTAPDefVar vars;
         table.GetVariableDefinitions(node, vars);
         if (TAPDefVar* var = table.GetVariable(name.c_str(), node, vars)) CheckNode(var->GetDefinition());

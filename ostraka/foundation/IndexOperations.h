@@ -47,6 +47,7 @@ int SortedIndex<Index, Key>::RemovePosition(int position) {
     if (position < 0 || position >= Self().size) return 1;
     TableOf<OrderOf<Index>>(Self().store).Remove(position);
     --Self().size;
+    Self().NoteGone();
     return 0;
 }
 
@@ -54,6 +55,7 @@ template <class Index, class Key>
 int SortedIndex<Index, Key>::Reset() {
     if (Self().store != nullptr) Self().store->Clear();
     Self().size = 0;
+    Self().NoteGone();
     return 0;
 }
 

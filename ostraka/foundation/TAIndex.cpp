@@ -85,6 +85,11 @@ TAIndex::~TAIndex() {
     if (store != nullptr) delete &TableOf<Order>(store);
 }
 
+std::uint64_t TAIndex::NextEpoch() {
+    static std::uint64_t last = 0;
+    return ++last;
+}
+
 const char* TAIndex::Append(const char* key, const void* value, int copy) {
     const Order::Sought sought = Order::SoughtOf(*this, key);
     if (store == nullptr) {

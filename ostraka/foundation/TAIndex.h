@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include <ostraka/Export.h>
 #include <ostraka/foundation/IndexColumn.h>
 #include <ostraka/foundation/SortedIndex.h>
@@ -46,8 +48,17 @@ public:
     using SortedIndex::Holds;
     using SortedIndex::IsIn;
 
+    // A number that no other index has, and a new one whenever an entry may have gone. While it stays,
+    // entries have only been added, so that with `size` it tells whether an index holds what it held before.
+    std::uint64_t Epoch() const { return epoch; }
+
 private:
     friend SortedIndex;
 
+    static std::uint64_t NextEpoch();
+    // Entries have gone.
+    void NoteGone() { epoch = NextEpoch(); }
+
     ostraka::detail::SortedStore* store = nullptr; // null until the first entry
+    std::uint64_t epoch = NextEpoch();
 };

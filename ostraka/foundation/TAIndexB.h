@@ -50,6 +50,7 @@ public:
 
 private:
     friend SortedIndex;
+    static void NoteGone() {}
     friend const void* ostraka::detail::AppendOrGet(TAIndexB& index, const void* key, void*& value);
 
     const void* AppendOrGet(const void* key, void*& value);

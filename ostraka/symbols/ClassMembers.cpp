@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -16,16 +15,13 @@
 #include <ostraka/symbols/TAPDefSource.h>
 #include <ostraka/symbols/TAPDefVar.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
-#include <ostraka/symbols/TypeReading.h>
 
 namespace {
 
 using ostraka::detail::ChildOf;
 using ostraka::detail::ChildOfType;
-using ostraka::detail::DeclaredNames;
 using ostraka::detail::IsOfKind;
 using ostraka::detail::IsOfType;
-using ostraka::detail::ReadType;
 using ostraka::detail::TextOf;
 
 // A statement of the body that sets something; its text is the whole statement.
@@ -115,8 +111,7 @@ private:
     void AddMember(TAPSyntaxe& statement) {
         TAPSyntaxe* expression = ChildOfType(&statement, 1, STYPE_Expression);
         NUBString type;
-        const auto typeOfObject = [this](TAPSyntaxe* object) { return TypeOfObject(*object); };
-        if (expression == nullptr || ReadType(table, expression, type, typeOfObject) != 0) return;
+        if (expression == nullptr || table.GetType(expression, type) != 0) return;
         if (expression->ChildCount() == 0) return; // a literal
         const TAPSyntaxe* last = expression->Child(expression->ChildCount());
         if (last->GetType() != STYPE_Identifiant && !IsOfKind(last, "id")) return;
@@ -126,22 +121,11 @@ private:
         owner.vars.Append(member); // with the creator's reference
     }
 
-    // TAPSymbolTable::FindClass for a node of the body. Every type that the table doesn't know is asked for
-    // like an object, so that what the body declares is collected once.
-    NUBString TypeOfObject(TAPSyntaxe& object) {
-        const std::string_view name = TextOf(object);
-        if (name == "this" || !IsOfType(body.GetParent(), STYPE_File)) return table.FindClass(&object);
-        if (!declared) declared.emplace(table, &body);
-        const NUBString* type = declared->TypeOf(name);
-        return type != nullptr ? *type : NUBString();
-    }
-
     TAPDefClass& owner;
     TAPSymbolTable& table;
     TAPSyntaxe& body;
     int next = 1; // the child to be read
     int visibility = TAPDefEntity::Public;
-    std::optional<DeclaredNames> declared;
 };
 
 bool IsOnlyVoid(const NUBListPtrTAPDefVar& args) {
@@ -155,6 +139,9 @@ int TAPDefClass::SearchMethods(TAPSymbolTable* table) {
     TAPSyntaxe* body = table != nullptr ? table->GetSyntaxe(bodyPath) : nullptr;
     if (body == nullptr) return 0;
     BodyReader(*this, *table, *body).Read();
+    // What the unknown types in it were sought in. The next class knows more types, and has a body of its
+    // own.
+    if (body->source != nullptr) body->source->SetMemory(nullptr);
     if (table->InheritFrom(name, "NUBBaseDispatch") != 0) dispatch = BaseDispatch;
     return 0;
 }

@@ -25,16 +25,31 @@ public:
     void Add(TAPDefMethod* method);
 
     // The first method of that name whose types all agree; null if there is none.
-    TAPDefMethod* Find(std::string_view name, const ArgTypes& types) const;
+    TAPDefMethod* Find(std::string_view name, const ArgTypes& types);
 
 private:
+    // Which of the types can be told, one character for each.
+    using Pattern = std::string;
+
+    // Places in the list of methods by the types of one pattern, the first of equal ones.
+    using PlaceOfTypes = std::unordered_map<std::string, std::size_t>;
+
+    // Methods of which the same types can be told.
+    struct Group {
+        Pattern known;
+        std::vector<std::size_t> places;
+        std::unordered_map<Pattern, PlaceOfTypes> byTypes; // as far as implementations can tell them too
+    };
+
     // Methods with the same name and number of arguments, in the order of the class.
     struct Overloads {
         std::vector<TAPDefMethod*> methods;
-        std::unordered_map<std::string, std::size_t>
-            placeOfTypes;                   // the first one of each list of known types
-        std::vector<std::size_t> uncertain; // places of those with an unknown type
+        std::vector<Group> groups; // by their first method
+        std::unordered_map<Pattern, std::size_t> groupOf;
     };
+
+    static const PlaceOfTypes& TableFor(const Overloads& same, Group& group, const Pattern& shared);
+    static std::size_t FirstIn(const Overloads& same, Group& group, const ArgTypes& types);
 
     std::unordered_map<std::string, Overloads> overloads;
 };

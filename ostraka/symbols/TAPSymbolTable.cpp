@@ -9,6 +9,7 @@
 
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/symbols/DeclarationScan.h>
+#include <ostraka/symbols/LineOfBases.h>
 #include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/Ties.h>
 
@@ -71,7 +72,7 @@ void GiveMemoryBack() {
 
 } // namespace
 
-TAPSymbolTable::TAPSymbolTable() {
+TAPSymbolTable::TAPSymbolTable() : bases(std::make_unique<LineOfBases>()) {
     const char* os = std::getenv("QxqxOS_VAR");
     if (os == nullptr) std::exit(1);
     osName = os;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <memory>
+
 #include <basalt/NUBListValNUBString.h>
 #include <basalt/NUBString.h>
 #include <ostraka/Export.h>
@@ -17,6 +19,9 @@
 
 namespace ostraka {
 struct HeaderTrace;
+}
+namespace ostraka::detail {
+class LineOfBases;
 }
 
 // The files that a tool has loaded, what they declare, and the answers to questions about it.
@@ -172,7 +177,8 @@ public:
     // 1 if the two types fit, marks and "const" aside, or the first is derived from the second; else 0.
     int MatchType(const NUBString& first, const NUBString& second) const;
 
-    // 1 if the names, marks and "_var" aside, are equal or `base` stands in the line of bases, else 0.
+    // 1 if the names, marks and "_var" aside, are equal or `base` stands in the line of bases, else 0. The
+    // classes that a long line has led through keep how it ended for the base that was asked for last.
     int InheritFrom(const char* derived, const char* base) const;
 
     // 1 if the node has, respectively the text is, a basic type; else 0; -1 for a node without declaration.
@@ -180,6 +186,10 @@ public:
     int IsBasicType(const char* type) const;
 
     // ---- Names, asked from a node of a loaded tree
+    //
+    // The first question about a block reads all of it and what lies around it up to the file's level;
+    // further ones look up what was read. That stays until the tree goes, is changed by Append or Build, or
+    // other words are known as types; a change of a node's fields goes unnoticed.
 
     // The type of the object that the node names, or an empty text.
     NUBString FindClass(TAPSyntaxe* node);
@@ -222,4 +232,5 @@ private:
 
     TAIndex texts;        // names of classes and of their bases
     NUBString rootsStart; // the working directory when the roots were read, where relative ones start
+    const std::unique_ptr<ostraka::detail::LineOfBases> bases;
 };

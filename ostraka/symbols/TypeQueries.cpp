@@ -9,12 +9,10 @@
 #include <string_view>
 #include <vector>
 
-#include <ostraka/symbols/CircleWatch.h>
+#include <ostraka/symbols/LineOfBases.h>
 #include <ostraka/symbols/NodeShape.h>
-#include <ostraka/symbols/TAPDefClass.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 #include <ostraka/symbols/TypeNames.h>
-#include <ostraka/symbols/TypeReading.h>
 
 namespace {
 
@@ -24,7 +22,6 @@ using ostraka::detail::ChildOfType;
 using ostraka::detail::Holds;
 using ostraka::detail::IsOfKind;
 using ostraka::detail::TextOf;
-using ostraka::detail::TypeOfObject;
 using ostraka::detail::WithoutMarks;
 
 // A node has the type of `operand` without its last star, where `dropsStar` says so, and with marks behind.
@@ -93,8 +90,7 @@ const TAPSyntaxe* WordOf(const TAPSyntaxe& node) {
 }
 
 // The type of a node that ends the chain, where it can be told.
-std::optional<NUBString> TypeAtEnd(const TAPSymbolTable& table, TAPSyntaxe& node,
-                                   const TypeOfObject& typeOfObject) {
+std::optional<NUBString> TypeAtEnd(TAPSymbolTable& table, TAPSyntaxe& node) {
     if (IsConstType(node)) return NUBString(TextOf(node));
     if (IsOfKind(&node, "st")) return "const char *";
     const TAPSyntaxe* word = WordOf(node);
@@ -103,7 +99,7 @@ std::optional<NUBString> TypeAtEnd(const TAPSymbolTable& table, TAPSyntaxe& node
     if (text.ends_with('*') || Holds(table.basicTypes, text) || Holds(table.types, text)) {
         return NUBString(text);
     }
-    NUBString type = typeOfObject(&node);
+    NUBString type = table.FindClass(&node);
     if (type.Length() == 0) return std::nullopt;
     return type;
 }
@@ -125,8 +121,7 @@ std::string_view TextOrEmpty(const char* text) {
 
 } // namespace
 
-int ostraka::detail::ReadType(const TAPSymbolTable& table, TAPSyntaxe* node, NUBString& type,
-                              const TypeOfObject& typeOfObject) {
+int TAPSymbolTable::GetType(TAPSyntaxe* node, NUBString& type) {
     type = "";
     std::vector<Derivation> chain;
     while (node != nullptr && !IsConstType(*node)) {
@@ -136,18 +131,13 @@ int ostraka::detail::ReadType(const TAPSymbolTable& table, TAPSyntaxe* node, NUB
         node = derivation->operand;
     }
     if (node == nullptr) return 1;
-    const std::optional<NUBString> atEnd = TypeAtEnd(table, *node, typeOfObject);
+    const std::optional<NUBString> atEnd = TypeAtEnd(*this, *node);
     if (!atEnd) return 1;
     std::string text(atEnd->View());
     for (; !chain.empty(); chain.pop_back())
         if (!Apply(chain.back(), text)) return 1;
     type = NUBString(std::string_view(text));
     return 0;
-}
-
-int TAPSymbolTable::GetType(TAPSyntaxe* node, NUBString& type) {
-    return ostraka::detail::ReadType(*this, node, type,
-                                     [this](TAPSyntaxe* object) { return FindClass(object); });
 }
 
 int TAPSymbolTable::MatchType(const NUBString& first, const NUBString& second) const {
@@ -162,14 +152,7 @@ int TAPSymbolTable::InheritFrom(const char* derived, const char* base) const {
     const std::string_view sought = WithoutMarks(TextOrEmpty(base));
     if (start.empty()) return 0;
     if (start == sought) return 1;
-    ostraka::detail::CircleWatch watch;
-    for (const TAPDefClass* known = GetClass(start.c_str()); known != nullptr && !watch.IsBackAt(known);
-         known = GetClass(known->parent)) {
-        if (TextOrEmpty(known->name) == sought) return 1;
-        if (known->parent == nullptr) return 0;
-        if (known->parent == sought) return 1;
-    }
-    return 0;
+    return bases->LeadsTo(*this, GetClass(start.c_str()), sought) ? 1 : 0;
 }
 
 int TAPSymbolTable::IsBasicType(TAPSyntaxe* node) {

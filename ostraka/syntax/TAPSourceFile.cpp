@@ -37,6 +37,8 @@ void FreeArray(T*& array) {
 
 } // namespace
 
+int ostraka::detail::TreeMemory::alive = 0;
+
 TAPSourceFile::TAPSourceFile(const char* fileName) : TAPSourceFile(new TAFileBuffer(fileName, 0)) {}
 
 TAPSourceFile::TAPSourceFile(TAFileBuffer* rawFile) : buffer(rawFile), name(rawFile->fileName) {}

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <basalt/NUBString.h>
@@ -13,8 +14,22 @@
 #include <ostraka/syntax/TAPSyntaxePoint.h>
 
 namespace ostraka::detail {
+
 class TreeBuilder;
-}
+
+// What a room above has found out about the trees of a file, see TAPSourceFile::SetMemory.
+class TreeMemory {
+public:
+    TreeMemory() { ++alive; }
+    virtual ~TreeMemory() { --alive; }
+    TreeMemory(const TreeMemory&) = delete;
+    TreeMemory& operator=(const TreeMemory&) = delete;
+
+    // How many there are. While there is none, a tree that changes has nothing to tell.
+    OSTRAKA_EXPORT static int alive;
+};
+
+} // namespace ostraka::detail
 
 // An include directive, as it stands in the file.
 struct TAPInclude {
@@ -90,6 +105,12 @@ public:
     // The same of the last Build over this file, whichever node it was called on.
     const TAPFailure& GetTreeFailure() const { return treeFailure; }
 
+    // A place for what questions about the trees of this file have found out. It may name blocks and what
+    // lies below them by their addresses: it goes as soon as one of these trees is built further, gets a
+    // child by Append or loses a block, and with the file. Null until it is set.
+    ostraka::detail::TreeMemory* GetMemory() const { return memory.get(); }
+    void SetMemory(std::unique_ptr<ostraka::detail::TreeMemory> found) { memory = std::move(found); }
+
     // From position `pos` on, lines and columns have these bits above the 16 that the arrays hold.
     struct PlaceMark {
         int pos;
@@ -105,6 +126,8 @@ private:
     TAPFailure treeFailure;
 
     friend class ostraka::detail::TreeBuilder;
+
+    std::unique_ptr<ostraka::detail::TreeMemory> memory;
 
     void DropBuffer();
     void AdoptStream(int length);

@@ -51,6 +51,13 @@ void TAPSyntaxe::Append(TAPSyntaxe* child) {
     if (child == nullptr) return;
     child->AddRef();
     Adopt(child);
+    DropMemory();
+}
+
+void TAPSyntaxe::DropMemory() const {
+    if (ostraka::detail::TreeMemory::alive == 0) return;
+    for (const TAPSyntaxe* node = this; node != nullptr; node = node->parent)
+        if (node->source != nullptr) node->source->SetMemory(nullptr);
 }
 
 // Adds a child behind the second one.
@@ -122,6 +129,7 @@ constexpr int shortestPiece = 2;
 TreeBuilder::TreeBuilder(const TAPSyntaxe& top)
     : file(top.source),
       stream(top.source != nullptr && top.source->stream != nullptr ? top.source->stream : "") {
+    top.DropMemory();
     if (top.source == nullptr || top.depth > deepest) return;
     const int end = std::min(top.begin + top.size, top.source->size) - 1;
     if (top.begin >= 0 && top.begin <= end) nesting.emplace(stream, top.begin, end);

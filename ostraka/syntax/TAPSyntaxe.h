@@ -92,7 +92,10 @@ public:
     }
 
     ~TAPSyntaxe() override {
-        if (source != nullptr) source->Release();
+        if (source != nullptr) {
+            if (type <= STYPE_Bloc) source->SetMemory(nullptr);
+            source->Release();
+        }
         if (content != nullptr) FreeContent();
         if (childCount == 1 && firstChildren[0]->childCount == 0) {
             firstChildren[0]->Release(); // the leaf of a word: half of all nodes
@@ -242,6 +245,7 @@ private:
     bool StandsAtItsPosition() const;
     void FreeContent();
     void ReleaseChildren();
+    void DropMemory() const; // of the files of this node and of those above it
 
     friend class ostraka::detail::TreeBuilder;
 

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "support/LoadedText.h"
 #include "support/SmallStack.h"
@@ -104,6 +107,41 @@ TEST(DeclarationScan, FindsTheDeclarationOfAnImplementation) {
         const LoadedText text("class A {" + std::string(row.text) + "};");
         ASSERT_NE(text.table->GetClass("A"), nullptr);
         EXPECT_EQ(Methods(*text.table->GetClass("A")), row.entered);
+    }
+}
+
+// Many overloads, each implementation judged by a walk over them from the first to the last.
+TEST(DeclarationScan, FindsTheFirstOverloadThatAgrees) {
+    const char* const types[] = {"int", "char", "long", "Odd"}; // the last one isn't known
+    std::minstd_rand random(1);
+    for (int round = 0; round < 20; ++round) {
+        const auto list = [&](std::vector<std::string>& chosen) {
+            for (std::string& type : chosen) type = types[random() % std::size(types)];
+            return "(" + chosen[0] + " a," + chosen[1] + " b," + chosen[2] + " c)";
+        };
+        std::vector<std::vector<std::string>> declared(random() % 40 + 1, std::vector<std::string>(3));
+        std::vector<std::string> heads(declared.size()); // of the last implementation of each
+        std::string text = "class A {";
+        for (auto& each : declared) text += "int f" + list(each) + ";";
+        text += "};";
+        for (int i = 0; i < 60; ++i) {
+            std::vector<std::string> sought(3);
+            const std::string head = "int A::f" + list(sought);
+            text += head + "{}\n";
+            const auto agrees = [&](const std::vector<std::string>& each) {
+                for (std::size_t k = 0; k < 3; ++k)
+                    if (each[k] != sought[k] && each[k] != "Odd" && sought[k] != "Odd") return false;
+                return true;
+            };
+            const auto first = std::find_if(declared.begin(), declared.end(), agrees);
+            if (first != declared.end()) heads[static_cast<std::size_t>(first - declared.begin())] = head;
+        }
+        const LoadedText loaded(text);
+        const TAPDefClass& record = *loaded.table->GetClass("A");
+        for (std::size_t i = 0; i < heads.size(); ++i) {
+            TAPSyntaxePath* path = record.methods[static_cast<int>(i) + 1]->implPath;
+            EXPECT_EQ(path != nullptr ? loaded.table->GetSyntaxe(path)->GetContent() : "", heads[i]) << text;
+        }
     }
 }
 

@@ -40,6 +40,56 @@ TEST(NameResolution, FindsTheDeclarationOfAName) {
     }
 }
 
+// What was found out for one question doesn't outlive what it was found in.
+TEST(NameResolution, AnswersKeepUpWithWhatIsKnown) {
+    const LoadedText loaded("#define Late char\nvoid ff(){Late x1;Other x1;int x1;use1(x1);}");
+    TAPSymbolTable& table = *loaded.table;
+    const auto typeOfX = [&] { return std::string(table.FindClass(loaded.Leaf("x1", 4)).View()); };
+    EXPECT_EQ(typeOfX(), "Late");
+    table.macros.RemovePosition(table.macros.IsIn("Late"));
+    EXPECT_EQ(typeOfX(), "int");
+    table.types.Append("Other", nullptr, 0);
+    EXPECT_EQ(typeOfX(), "Other");
+    table.types.Append("Gone", nullptr, 0);
+    table.types.RemovePosition(table.types.IsIn("Other")); // as many as before
+    EXPECT_EQ(typeOfX(), "int");
+    TAPSymbolTable other;
+    EXPECT_EQ(other.FindClass(loaded.Leaf("x1", 4)), "int");
+    other.basicTypes.RemovePosition(other.basicTypes.IsIn("int"));
+    EXPECT_EQ(other.FindClass(loaded.Leaf("x1", 4)), "");
+    EXPECT_EQ(typeOfX(), "int");
+}
+
+TEST(NameResolution, AnswersKeepUpWithTheTree) {
+    const LoadedText loaded("void Foo::ff(char* x1){use1(x1);}int ff(int a1){long x1;return x1;}");
+    TAPSymbolTable& table = *loaded.table;
+    TAPSyntaxe* use = loaded.Leaf("x1", 2);
+    TAPSyntaxe* body = loaded.root->Child(2);
+    int arguments = 0;
+    EXPECT_EQ(table.FindClass(use), "char*");
+    EXPECT_EQ(table.IsReturned(use, "x1", arguments, 0), 1);
+    for (TAPSyntaxe* statement : {loaded.root->Child(4)->Child(1), loaded.root->Child(4)->Child(2)})
+        body->Append(statement);
+    EXPECT_EQ(table.FindClass(use), "long");
+    EXPECT_EQ(table.IsReturned(use, "x1", arguments, 0), -1);
+
+    // A tree made by hand, of which a part is built behind a question.
+    TAPSourceFile* file = loaded.root->GetTAPSourceFile();
+    for (int i = 0; i < 2; ++i) { // the second one where the first was
+        auto* block = new TAPSyntaxe(STYPE_Bloc, file, body->GetBegin(), body->GetSize(), -1);
+        auto* word = new TAPIdentifiant(block, use->GetBegin(), use->GetSize(), 1);
+        EXPECT_EQ(table.FindClass(word), "");
+        auto* inner =
+            new TAPBloc(block, loaded.root->Child(4)->GetBegin(), loaded.root->Child(4)->GetSize(), 2);
+        block->Append(inner);
+        EXPECT_EQ(table.FindClass(word), "");
+        EXPECT_EQ(inner->Build(), 0);
+        EXPECT_EQ(table.FindClass(word), "long");
+        for (TAPSyntaxe* node : {static_cast<TAPSyntaxe*>(word), static_cast<TAPSyntaxe*>(inner), block})
+            node->Release();
+    }
+}
+
 TEST(NameResolution, TellsWhereANodeStands) {
     struct Row {
         const char* text;

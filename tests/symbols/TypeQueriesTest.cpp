@@ -79,6 +79,37 @@ TEST(TypeQueries, TypesFitByNameAndByBase) {
     }
 }
 
+// A long line is walked once, and yet goes on, or ends sooner, when classes come and go.
+TEST(TypeQueries, LongLinesOfBasesFollowTheClasses) {
+    std::string line = "class C0 : public Bridge {};";
+    for (int i = 1; i < 50; ++i)
+        line += "class C" + std::to_string(i) + " : public C" + std::to_string(i - 1) + " {};";
+    const Workspace files{{"m/line.cpp", line},
+                          {"m/bridge.cpp", "class Bridge : public Base {};"},
+                          {"m/round.cpp", "class Base : public C49 {};"}};
+    TAPSymbolTable table;
+    const auto answers = [&] {
+        std::string all;
+        for (const char* base : {"Base", "C7", "C49", "Bridge", "None"})
+            for (const char* derived : {"C49", "C30"})
+                all += table.InheritFrom(derived, base) != 0 ? '1' : '0';
+        return all;
+    };
+    struct Row {
+        const char* file;
+        bool comes;
+        const char* answers; // for each base those of both classes
+    };
+    const Row rows[] = {{"m/line.cpp", true, "0011101100"},   {"m/bridge.cpp", true, "1111101100"},
+                        {"m/round.cpp", true, "1111111100"},  {"m/bridge.cpp", false, "0011101100"},
+                        {"m/bridge.cpp", true, "1111111100"}, {"m/line.cpp", false, "0000100000"}};
+    for (const Row& row : rows) {
+        const std::string path = files(row.file);
+        EXPECT_EQ(row.comes ? table.LoadFile(path.c_str(), 1) : table.UnLoadFile(path.c_str()), 0);
+        for (int time = 0; time < 2; ++time) EXPECT_EQ(answers(), row.answers) << row.file;
+    }
+}
+
 TEST(TypeQueries, BasicTypes) {
     struct Row {
         const char* type;
