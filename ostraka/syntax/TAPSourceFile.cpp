@@ -35,9 +35,21 @@ void FreeArray(T*& array) {
     array = nullptr;
 }
 
+int treeMemories = 0; // that are alive
+
 } // namespace
 
-int ostraka::detail::TreeMemory::alive = 0;
+ostraka::detail::TreeMemory::TreeMemory() {
+    ++treeMemories;
+}
+
+ostraka::detail::TreeMemory::~TreeMemory() {
+    --treeMemories;
+}
+
+bool ostraka::detail::TreeMemory::IsAnyAlive() {
+    return treeMemories > 0;
+}
 
 TAPSourceFile::TAPSourceFile(const char* fileName) : TAPSourceFile(new TAFileBuffer(fileName, 0)) {}
 

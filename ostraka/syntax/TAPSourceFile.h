@@ -18,15 +18,15 @@ namespace ostraka::detail {
 class TreeBuilder;
 
 // What a room above has found out about the trees of a file, see TAPSourceFile::SetMemory.
-class TreeMemory {
+class OSTRAKA_EXPORT TreeMemory {
 public:
-    TreeMemory() { ++alive; }
-    virtual ~TreeMemory() { --alive; }
+    TreeMemory();
+    virtual ~TreeMemory();
     TreeMemory(const TreeMemory&) = delete;
     TreeMemory& operator=(const TreeMemory&) = delete;
 
-    // How many there are. While there is none, a tree that changes has nothing to tell.
-    OSTRAKA_EXPORT static int alive;
+    // Whether there is one. While there is none, a tree that changes has nothing to tell.
+    static bool IsAnyAlive();
 };
 
 } // namespace ostraka::detail

@@ -55,7 +55,7 @@ void TAPSyntaxe::Append(TAPSyntaxe* child) {
 }
 
 void TAPSyntaxe::DropMemory() const {
-    if (ostraka::detail::TreeMemory::alive == 0) return;
+    if (!ostraka::detail::TreeMemory::IsAnyAlive()) return;
     for (const TAPSyntaxe* node = this; node != nullptr; node = node->parent)
         if (node->source != nullptr) node->source->SetMemory(nullptr);
 }
