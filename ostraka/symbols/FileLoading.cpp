@@ -13,6 +13,7 @@
 #include <vector>
 
 #include <ostraka/symbols/DeclarationScan.h>
+#include <ostraka/symbols/HeaderMemory.h>
 #include <ostraka/symbols/OwnedParts.h>
 
 using namespace ostraka::detail;
@@ -32,11 +33,12 @@ struct PendingLoad {
     TAPDefSource* record;
     std::vector<TAFileName> headers; // the files that the includes name, in the order of loading
     std::size_t next = 0;
+    unsigned round = 0; // of the memory of folders when they were searched
 };
 
 class Loader {
 public:
-    explicit Loader(TAPSymbolTable& ofTable) : table(ofTable) {}
+    explicit Loader(TAPSymbolTable& ofTable) : table(ofTable), memory(HeaderMemory::Of(ofTable)) {}
 
     // The results of headers are dropped; the file that was asked for is the last to be finished.
     int load(Language language, TAFileBuffer* buffer, int full) {
@@ -53,7 +55,8 @@ public:
 private:
     int begin(Language language, TAFileBuffer* buffer, int full);
     bool wasHandled(const char* name, int full);
-    void findHeaders(PendingLoad& load);
+    void searchHeaders(PendingLoad& load) const;
+    void listKnownHeaders(PendingLoad& load);
     bool loadNextHeader();
     int finish(PendingLoad& load);
     int makeTree(PendingLoad& load);
@@ -61,6 +64,7 @@ private:
     void readInterfaces(TAPDefSource& header);
 
     TAPSymbolTable& table;
+    const HeaderMemory& memory;
     std::vector<PendingLoad> pending;
 };
 
@@ -98,21 +102,26 @@ int Loader::begin(Language language, TAFileBuffer* buffer, int full) {
     }
     load.record->nbLine = load.file->GetNbLine();
     load.record->nbCodeLine = load.file->GetNbCodeLine();
-    if (full != 0) findHeaders(load);
+    if (full != 0) searchHeaders(load);
+    if (language == Language::Idl) listKnownHeaders(load);
     pending.push_back(std::move(load));
     return loaded;
 }
 
-// Asks for each header once. A file of interfaces lists those that are loaded by now a second time.
-void Loader::findHeaders(PendingLoad& load) {
+void Loader::searchHeaders(PendingLoad& load) const {
     const TAIndex& names = load.file->includes;
+    load.headers.clear();
     for (int i = names.size - 1; i >= 0; --i) {
         TAFileName header = table.SearchHeaderFile(load.record->name.CastToCharPtr(), names.keys[i]);
-        if (header.IsNull()) continue;
-        TAPDefSource* known = load.language == Language::Idl ? table.GetSource(header) : nullptr;
-        if (known != nullptr) load.record->AddInclude(known);
-        load.headers.push_back(std::move(header));
+        if (!header.IsNull()) load.headers.push_back(std::move(header));
     }
+    load.round = memory.Round();
+}
+
+// A file of interfaces lists the headers that are loaded by now a second time.
+void Loader::listKnownHeaders(PendingLoad& load) {
+    for (const TAFileName& header : load.headers)
+        if (TAPDefSource* known = table.GetSource(header)) load.record->AddInclude(known);
 }
 
 // False when the file on top waits for nothing more.
@@ -125,8 +134,9 @@ bool Loader::loadNextHeader() {
     return true;
 }
 
-// The second half. All headers are loaded now.
+// The second half. All headers are loaded now. Those who were told of them may have made others.
 int Loader::finish(PendingLoad& load) {
+    if (load.full != 0 && load.round != memory.Round()) searchHeaders(load);
     for (const TAFileName& header : load.headers) {
         TAPDefSource* included = table.GetSource(header);
         if (included == nullptr) continue;
@@ -205,6 +215,7 @@ int Loader::scan(PendingLoad& load, TAPSyntaxe* root) {
 } // namespace
 
 int ostraka::detail::LoadAs(Language language, TAPSymbolTable& table, TAFileBuffer* buffer, int full) {
+    const LoadInProgress load(table);
     return Loader(table).load(language, buffer, full);
 }
 

@@ -10,14 +10,16 @@
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <ostraka/foundation/Directory.h>
 #include <ostraka/foundation/TAFileName.h>
 #include <ostraka/foundation/TextHelpers.h>
+#include <ostraka/symbols/HeaderMemory.h>
 #include <ostraka/symbols/HeaderTrace.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
-using ostraka::HeaderPlace;
+using namespace ostraka::detail;
 using ostraka::HeaderRule;
 using ostraka::HeaderTrace;
 
@@ -59,43 +61,63 @@ const char* BaseName(const NUBString& path) {
     return path.CastToCharPtr() + (separator == std::string_view::npos ? 0 : separator + 1);
 }
 
-TAFileName Below(const TAFileName& folder, const Directory& directory, const NUBString& osName) {
-    const TAFileName below = folder + directory.name;
-    return directory.generated ? below + osName : below;
+std::string Below(const Directory& directory, const NUBString& osName) {
+    std::string below = directory.name;
+    return directory.generated ? below.append("/").append(osName.View()) : below;
 }
 
-// A step of the search is a look into a map under a key, or a file beside the one that asks. The visitor
+// A file that lies too high has the first of them only, or none.
+std::vector<BesidePlace> PlacesAround(const char* currentFile, const NUBString& osName) {
+    std::vector<BesidePlace> places;
+    const TAFileName file(currentFile);
+    for (const Around& around : aroundFile) {
+        TAFileName folder = file.dirname(around.level);
+        if (folder.IsNull()) break;
+        std::string directory = Below(around.directory, osName);
+        TAFileName path = folder + directory.c_str();
+        places.push_back({std::move(folder), std::move(directory), std::move(path)});
+    }
+    return places;
+}
+
+// A step of the search is a look into a map under a key, or for a file beside the one that asks. The visitor
 // tells whether it goes on.
 template <class Visitor>
-void Search(const TAPSymbolTable& table, const char* currentFile, const char* header, Visitor& visitor) {
+void Search(const TAPSymbolTable& table, const char* header, Visitor& visitor) {
     if (!visitor.Look(HeaderRule::Exported, table.headers, header)) return;
     if (const char* ending = std::strstr(header, ".h")) {
         const std::string twin = std::string(header, ending) + ".idl";
         if (!visitor.Look(HeaderRule::Twin, table.headers, twin.c_str())) return;
     }
     if (!visitor.Look(HeaderRule::Generated, table.generatedHeaders, header)) return;
-    const TAFileName file(currentFile);
-    for (const Around& around : aroundFile) {
-        const TAFileName folder = file.dirname(around.level);
-        if (folder.IsNull() || !visitor.LookBeside(folder, around.directory, header)) return;
-    }
+    for (const BesidePlace& place : visitor.Around())
+        if (!visitor.LookBeside(place, header)) return;
 }
 
 struct Finder {
+    const std::vector<BesidePlace>& Around() {
+        if (memory.IsInUse()) return memory.Around(currentFile, osName);
+        return places = PlacesAround(currentFile, osName);
+    }
+
     bool Look(HeaderRule, const TAIndex& map, const char* key) {
         const auto* path = static_cast<const char*>(map[key]);
         if (path != nullptr) found = path;
         return path == nullptr;
     }
 
-    bool LookBeside(const TAFileName& folder, const Directory& directory, const char* header) {
-        TAFileName file = Below(folder, directory, osName) + header;
+    bool LookBeside(const BesidePlace& place, const char* header) {
+        if (place.listing != nullptr && !place.listing->MayHold(header)) return true;
+        TAFileName file = place.path + header;
         if (!file.IsFile()) return true;
         found = std::move(file);
         return false;
     }
 
+    HeaderMemory& memory;
+    const char* currentFile;
     const NUBString& osName;
+    std::vector<BesidePlace> places;
     TAFileName found;
 };
 
@@ -114,7 +136,10 @@ bool IsSelectedBy(const TAFileName& pattern, const NUBString& start, const TAFil
 
 class Tracer {
 public:
-    Tracer(const TAPSymbolTable& symbols, const NUBString& start) : table(symbols), rootsStart(start) {}
+    Tracer(const TAPSymbolTable& symbols, const char* currentFile, const NUBString& start)
+        : table(symbols), around(PlacesAround(currentFile, symbols.osName)), rootsStart(start) {}
+
+    const std::vector<BesidePlace>& Around() const { return around; }
 
     bool Look(HeaderRule rule, const TAIndex& map, const char* key) {
         const auto* path = static_cast<const char*>(map[key]);
@@ -126,9 +151,10 @@ public:
         return true;
     }
 
-    bool LookBeside(const TAFileName& folder, const Directory& directory, const char* header) {
-        Add(HeaderRule::Beside, "", static_cast<const char*>(folder), directory, header);
-        TAFileName file = Below(folder, directory, table.osName) + header;
+    bool LookBeside(const BesidePlace& place, const char* header) {
+        trace.places.push_back(
+            {HeaderRule::Beside, "", static_cast<const char*>(place.folder), place.directory, header});
+        TAFileName file = place.path + header;
         if (trace.file.IsNull() && file.IsFile()) {
             trace.file = std::move(file);
             trace.found = static_cast<int>(trace.places.size()) - 1;
@@ -148,24 +174,29 @@ private:
     void AddShown(HeaderRule rule, const NUBString& root, const Directory& directory, const char* key,
                   bool givesFile) {
         const std::string text(root.View());
-        Add(rule, text, text + "/*", directory, key);
+        trace.places.push_back({rule, text, text + "/*", Below(directory, table.osName), key});
         if (givesFile && trace.found < 0 &&
             IsSelectedBy(trace.places.back().Pattern().c_str(), rootsStart, trace.file))
             trace.found = static_cast<int>(trace.places.size()) - 1;
     }
 
-    void Add(HeaderRule rule, std::string root, std::string folder, const Directory& directory,
-             const char* name) {
-        std::string below = directory.name;
-        if (directory.generated) below.append("/").append(table.osName.View());
-        trace.places.push_back({rule, std::move(root), std::move(folder), std::move(below), name});
-    }
-
     const TAPSymbolTable& table;
+    std::vector<BesidePlace> around;
     const NUBString& rootsStart;
 };
 
 } // namespace
+
+const std::vector<BesidePlace>& HeaderMemory::Around(const char* currentFile, const NUBString& os) {
+    if (round != folders.Round() || file != currentFile || osName != os) {
+        round = folders.Round();
+        file = currentFile;
+        osName = os;
+        places = PlacesAround(currentFile, os);
+        for (BesidePlace& place : places) place.listing = &folders.At(static_cast<const char*>(place.path));
+    }
+    return places;
+}
 
 std::string_view ostraka::NameOf(HeaderRule rule) {
     constexpr std::string_view names[] = {"exported", "twin", "generated", "beside"};
@@ -179,7 +210,8 @@ void TAPSymbolTable::SetConcatenation(const TAFileName& list) {
     generatedHeaders.Reset();
     for (const NUBString& root : concatenation) {
         for (const Shown& shown : shownFiles) {
-            const TAFileName pattern = Below(TAFileName(root) + "*", shown.directory, osName) + shown.files;
+            const TAFileName pattern =
+                TAFileName(root) + "*" + Below(shown.directory, osName).c_str() + shown.files;
             NUBListValNUBString paths;
             ReadDirectory(static_cast<const char*>(pattern), paths);
             TAIndex& map = shown.directory.generated ? generatedHeaders : headers;
@@ -188,14 +220,18 @@ void TAPSymbolTable::SetConcatenation(const TAFileName& list) {
     }
 }
 
+void TAPSymbolTable::RememberFolders(bool remember) {
+    headerMemory->Keep(remember);
+}
+
 TAFileName TAPSymbolTable::SearchHeaderFile(const char* currentFile, const char* header) const {
-    Finder finder{osName, {}};
-    Search(*this, currentFile, header, finder);
+    Finder finder{HeaderMemory::Of(*this), currentFile, osName, {}, {}};
+    Search(*this, header, finder);
     return finder.found;
 }
 
 HeaderTrace TAPSymbolTable::TraceHeaderFile(const char* currentFile, const char* header) const {
-    Tracer tracer(*this, rootsStart);
-    Search(*this, currentFile, header, tracer);
+    Tracer tracer(*this, currentFile, rootsStart);
+    Search(*this, header, tracer);
     return std::move(tracer.trace);
 }

@@ -9,6 +9,7 @@
 
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/symbols/DeclarationScan.h>
+#include <ostraka/symbols/HeaderMemory.h>
 #include <ostraka/symbols/LineOfBases.h>
 #include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/Ties.h>
@@ -72,7 +73,8 @@ void GiveMemoryBack() {
 
 } // namespace
 
-TAPSymbolTable::TAPSymbolTable() : bases(std::make_unique<LineOfBases>()) {
+TAPSymbolTable::TAPSymbolTable()
+    : bases(std::make_unique<LineOfBases>()), headerMemory(std::make_unique<HeaderMemory>()) {
     const char* os = std::getenv("QxqxOS_VAR");
     if (os == nullptr) std::exit(1);
     osName = os;
@@ -85,7 +87,8 @@ TAPSymbolTable::~TAPSymbolTable() {
 }
 
 int TAPSymbolTable::ReceiveCallback(TACallbackPublisher* publisher, int event, void* data1, void*) {
-    if (event == 1) SendCallback(1, static_cast<TAPSourceFile*>(publisher), data1);
+    const bool told = event == 1 && SendCallback(1, static_cast<TAPSourceFile*>(publisher), data1) == 0;
+    if (told) headerMemory->Doubt(); // a subscriber may make headers
     return 0;
 }
 
@@ -139,6 +142,7 @@ void TAPSymbolTable::UnLoadAllFiles() {
                                 &types,      &macros,       &classNames,  &interfaceNames,
                                 &enumNames,  &typedefNames, &scannedFiles};
     for (TAIndex* index : emptied) index->Reset();
+    headerMemory->Forget();
     GiveMemoryBack();
 }
 

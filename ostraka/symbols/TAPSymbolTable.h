@@ -19,10 +19,11 @@
 
 namespace ostraka {
 struct HeaderTrace;
-}
-namespace ostraka::detail {
+namespace detail {
+class HeaderMemory;
 class LineOfBases;
 }
+} // namespace ostraka
 
 // The files that a tool has loaded, what they declare, and the answers to questions about it.
 //
@@ -126,6 +127,14 @@ public:
     // The path of a header that `currentFile` names, or the null name.
     TAFileName SearchHeaderFile(const char* currentFile, const char* header) const;
 
+    // Folders around files are listed, rather than asked for each header. A listing stands for its folder
+    // while a file is loaded with all that it includes, unless subscribers were told of a file meanwhile; the
+    // next load looks whether the folder has changed. Searches outside of loads ask the system each time.
+    //
+    // With `remember`, from now on listings stand as long as this isn't called again, for all loads and
+    // searches; else back to that. Either way, all listings are forgotten, as they are by UnLoadAllFiles.
+    void RememberFolders(bool remember);
+
     // The same search with all its places, told in <ostraka/symbols/HeaderTrace.h>.
     ostraka::HeaderTrace TraceHeaderFile(const char* currentFile, const char* header) const;
 
@@ -225,6 +234,7 @@ public:
 
 private:
     friend class TAPDefClass;
+    friend class ostraka::detail::HeaderMemory;
 
     // The address at which the table holds this text, to its end.
     const char* holdText(const char* text) { return texts.Append(text, nullptr, 0); }
@@ -233,4 +243,5 @@ private:
     TAIndex texts;        // names of classes and of their bases
     NUBString rootsStart; // the working directory when the roots were read, where relative ones start
     const std::unique_ptr<ostraka::detail::LineOfBases> bases;
+    const std::unique_ptr<ostraka::detail::HeaderMemory> headerMemory;
 };

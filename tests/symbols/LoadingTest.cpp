@@ -201,6 +201,49 @@ TEST_F(Loading, PathsBringTheirTreeBack) {
     path->Release();
 }
 
+// Searches find what the system has at that moment, though folders are remembered.
+TEST_F(Loading, FindsHeadersThatAreMadeMeanwhile) {
+    class Maker final : public TACallbackSubscriber {
+    public:
+        explicit Maker(const Workspace& workspace) : files(workspace) {}
+        int ReceiveCallback(TACallbackPublisher*, int, void* data1, void*) override {
+            if (BaseName(static_cast<TAPSourceFile*>(data1)->name.View()) == cue) files.Write(made, "");
+            return 0;
+        }
+        const Workspace& files;
+        const std::string made = "w/Fw/Mod.m/LocalGenerated/unix_a/made.h";
+        std::string cue;
+    } maker(files);
+    const std::string source = "w/Fw/Mod.m/src/x.cpp";
+    files.Write(source, "#include \"b.h\"\n#include \"made.h\"\n#include <none.h>");
+    files.Write("w/Fw/Mod.m/LocalInterfaces/b.h", "#include \"c.h\"\n#include \"made.h\"");
+    files.Write("w/Fw/Mod.m/LocalInterfaces/c.h", "");
+    const auto includes = [&] {
+        files.Remove("w/Fw/Mod.m/LocalGenerated");
+        EXPECT_EQ(Load(source), 0);
+        const std::string found = Includes(source) + "| " + Includes("w/Fw/Mod.m/LocalInterfaces/b.h");
+        table.UnLoadAllFiles();
+        return found;
+    };
+    EXPECT_EQ(includes(), "b.h | c.h ");
+    table.AddSubscriber(&maker);
+    struct Row {
+        const char *cue, *includes;
+    };
+    for (const Row& row : {Row{"x.cpp", "made.h b.h | made.h c.h "}, Row{"b.h", "made.h b.h | made.h c.h "},
+                           Row{"c.h", "b.h | c.h "}, Row{"", "b.h | c.h "}}) {
+        maker.cue = row.cue;
+        EXPECT_EQ(includes(), row.includes) << row.cue;
+    }
+    maker.cue = "b.h";
+    table.RememberFolders(true);
+    EXPECT_EQ(Load(source), 0);
+    EXPECT_EQ(Includes(source), "b.h ") << "until it is told to forget";
+    EXPECT_EQ(table.SearchHeaderFile(files(source).c_str(), "made.h").IsNull(), 1);
+    table.RememberFolders(false);
+    EXPECT_EQ(table.SearchHeaderFile(files(source).c_str(), "made.h").IsNull(), 0);
+}
+
 TEST_F(Loading, UnLoadAllFilesAndLoadAgainGiveTheSame) {
     files.Write(Header("a.h"), "#define KEY 1\nclass A {};typedef int T;");
     files.Write("x.cpp", "#include \"a.h\"\nint f();enum E {e1};");

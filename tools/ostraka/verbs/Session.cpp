@@ -111,6 +111,7 @@ TAPSymbolTable* MakeTable(const std::string& osName, const std::vector<std::stri
     if (std::getenv(osVariable) == nullptr) setenv(osVariable, SystemIn(roots).c_str(), 0);
     auto* table = new TAPSymbolTable;
     table->headersByEnding = true;
+    table->RememberFolders(true);
     table->SetConcatenation(fmt::format("{}", fmt::join(roots, ":")).c_str());
     return table;
 }
