@@ -54,14 +54,6 @@ long BytesOf(const std::vector<std::string>& names) {
     return bytes;
 }
 
-// The records stay.
-void DropTrees(TAPSymbolTable& table) {
-    table.functions.Reset();
-    for (int i = table.trees.size - 1; i >= 0; --i)
-        static_cast<TAPSyntaxe*>(table.trees.values[i])->Release();
-    table.trees.Reset();
-}
-
 // Microseconds for a round of questions about classes taken evenly from the whole table.
 double AskQuestions(TAPSymbolTable& table) {
     const double start = bench::CpuSeconds();
@@ -105,7 +97,7 @@ int main(int argc, char** argv) {
                 bytes, table.classIndex.size, seconds, static_cast<double>(bytes) / 1e6 / seconds, failures);
     TellMemory("trees", baseline, bytes);
     std::printf("ask      us %.2f\n", AskQuestions(table));
-    DropTrees(table);
+    table.DropTrees();
     TellMemory("records", baseline, bytes);
     table.UnLoadAllFiles();
     TellMemory("empty", baseline, bytes);

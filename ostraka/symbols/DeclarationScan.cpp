@@ -14,6 +14,7 @@
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/foundation/TAFileBuffer.h>
 #include <ostraka/foundation/TAFileName.h>
+#include <ostraka/symbols/DroppedFunctions.h>
 #include <ostraka/symbols/FileLoading.h>
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/OverloadIndex.h>
@@ -47,6 +48,19 @@ const TAPSyntaxe* DeclaredFunction(const TAPSyntaxe& root, int i) {
     if (declared == nullptr || ChildOfType(&root, i + 1, STYPE_Bloc) != nullptr) return nullptr;
     const TAPSyntaxe* leaf = declared->GetLastLeaf();
     return leaf->GetType() == STYPE_Identifiant ? leaf : nullptr;
+}
+
+// Calls `action(position, declaration)` for each entry of `functions` that the scan of this root has made.
+template <class Action>
+void ForEachFunction(const TAPSymbolTable& table, const TAPSyntaxe& root, Action action) {
+    for (int i = 1; i <= root.ChildCount(); ++i) {
+        const TAPSyntaxe* name = DeclaredFunction(root, i);
+        if (name == nullptr) continue;
+        const std::string_view key = TextOf(*name);
+        const int position = table.functions.IsIn(key.data(), static_cast<int>(key.size()));
+        if (position >= 0 && table.functions.values[position] == root.Child(i))
+            action(position, *root.Child(i));
+    }
 }
 
 class FileScan {
@@ -265,13 +279,32 @@ bool EnterNamedType(TAPSymbolTable& table, TAPSyntaxe& declaration) {
 }
 
 void ForgetFunctions(TAPSymbolTable& table, const TAPSyntaxe& root) {
-    for (int i = 1; i <= root.ChildCount(); ++i) {
-        const TAPSyntaxe* name = DeclaredFunction(root, i);
-        if (name == nullptr) continue;
-        const std::string_view key = TextOf(*name);
-        const int position = table.functions.IsIn(key.data(), static_cast<int>(key.size()));
-        if (position >= 0 && table.functions.values[position] == root.Child(i))
-            table.functions.RemovePosition(position);
+    ForEachFunction(table, root,
+                    [&](int position, const TAPSyntaxe&) { table.functions.RemovePosition(position); });
+}
+
+void DroppedFunctions::Keep(const TAPSyntaxe& root) {
+    ForEachFunction(table, root, [&](int position, TAPSyntaxe& declaration) {
+        const std::string name = table.functions.keys[position];
+        paths[name] = Ref<TAPSyntaxePath>::Adopt(new TAPSyntaxePath(&declaration));
+        table.functions.RemovePosition(position);
+        table.functions.Append(name.c_str(), nullptr, 0);
+    });
+}
+
+TAPSyntaxe* DroppedFunctions::Find(const char* name) const {
+    const auto found = paths.find(name);
+    return found != paths.end() ? table.GetSyntaxe(found->second.Get()) : nullptr;
+}
+
+void DroppedFunctions::Forget(const NUBString& file) {
+    for (auto entry = paths.begin(); entry != paths.end();) {
+        if (entry->second->filePath != file) {
+            ++entry;
+            continue;
+        }
+        table.functions.RemovePosition(table.functions.IsIn(entry->first.c_str()));
+        entry = paths.erase(entry);
     }
 }
 

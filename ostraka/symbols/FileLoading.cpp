@@ -195,8 +195,7 @@ void Loader::readInterfaces(TAPDefSource& header) {
             enter(*source.includes[visit.next++]);
         } else {
             open.pop_back();
-            auto* root = static_cast<TAPSyntaxe*>(table.trees[source.name.CastToCharPtr()]);
-            table.SearchIdlDeclarations(root, &source, 1);
+            table.SearchIdlDeclarations(source.GetSyntaxe(), &source, 1);
         }
     }
 }

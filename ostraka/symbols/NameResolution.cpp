@@ -8,6 +8,7 @@
 
 #include <ostraka/symbols/BlockIndex.h>
 #include <ostraka/symbols/DeclaredVariables.h>
+#include <ostraka/symbols/DroppedFunctions.h>
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/StatementWalk.h>
@@ -203,7 +204,9 @@ TAPDefVar* TAPSymbolTable::GetVariable(const char* name, TAPSyntaxe* at, NUBList
 }
 
 TAPSyntaxe* TAPSymbolTable::GetFunctionDeclarationLocation(const char* name) const {
-    return name != nullptr ? static_cast<TAPSyntaxe*>(functions[name]) : nullptr;
+    if (name == nullptr) return nullptr;
+    auto* declaration = static_cast<TAPSyntaxe*>(functions[name]);
+    return declaration != nullptr ? declaration : droppedFunctions->Find(name);
 }
 
 TAPSyntaxe* TAPSymbolTable::GetClassDeclarationLocation(const char* name) const {

@@ -9,6 +9,7 @@
 
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/symbols/DeclarationScan.h>
+#include <ostraka/symbols/DroppedFunctions.h>
 #include <ostraka/symbols/HeaderMemory.h>
 #include <ostraka/symbols/LineOfBases.h>
 #include <ostraka/symbols/OwnedParts.h>
@@ -46,22 +47,32 @@ void releaseValues(const TAIndex& index) {
     for (int i = index.size - 1; i >= 0; --i) ReleaseIfAny(valueAt<Record>(index, i));
 }
 
-// A look at the path spares resolving the classes of other files.
-bool isDeclaredIn(TAPDefClass* cls, const TAPDefSource& source) {
+// A look at the path spares resolving the classes of other files, and reading a dropped tree again.
+bool isDeclaredIn(TAPDefClass* cls, const TAPDefSource& source, bool hasTree) {
     if (cls->path == nullptr || cls->path->filePath != source.name) return false;
+    if (!hasTree) return true;
     TAPSyntaxe* declaration = cls->GetDeclarationLocation();
     return declaration != nullptr && declaration->GetSource() == source.name;
 }
 
 // Takes the classes of a source out of the index, from the last to the first.
-void dropClassesOf(const TAPDefSource& source, TAIndex& classIndex) {
+void dropClassesOf(const TAPDefSource& source, bool hasTree, TAIndex& classIndex) {
     std::vector<int> positions;
     for (int i = classIndex.size - 1; i >= 0; --i)
-        if (isDeclaredIn(valueAt<TAPDefClass>(classIndex, i), source)) positions.push_back(i);
+        if (isDeclaredIn(valueAt<TAPDefClass>(classIndex, i), source, hasTree)) positions.push_back(i);
     for (int position : positions) {
         const auto cls = Ref<TAPDefClass>::Adopt(valueAt<TAPDefClass>(classIndex, position));
         classIndex.RemovePosition(position);
     }
+}
+
+// Nothing when there is none.
+Ref<TAPSyntaxe> TakeTree(TAIndex& trees, const char* name) {
+    const int position = trees.IsIn(name);
+    if (position < 0) return {};
+    auto* root = valueAt<TAPSyntaxe>(trees, position);
+    trees.RemovePosition(position);
+    return Ref<TAPSyntaxe>::Adopt(root);
 }
 
 // What was freed lies scattered over the heap, which keeps it from the system unless it is asked.
@@ -74,7 +85,8 @@ void GiveMemoryBack() {
 } // namespace
 
 TAPSymbolTable::TAPSymbolTable()
-    : bases(std::make_unique<LineOfBases>()), headerMemory(std::make_unique<HeaderMemory>()) {
+    : bases(std::make_unique<LineOfBases>()), headerMemory(std::make_unique<HeaderMemory>()),
+      droppedFunctions(std::make_unique<DroppedFunctions>(*this)) {
     const char* os = std::getenv("QxqxOS_VAR");
     if (os == nullptr) std::exit(1);
     osName = os;
@@ -121,19 +133,27 @@ int TAPSymbolTable::UnLoadFile(const char* name) {
     if (source == nullptr) return 1;
     const NUBString path(name); // the argument may be a key that goes
     BreakCirclesOfTies({source});
-    dropClassesOf(*source, classIndex);
+    dropClassesOf(*source, trees.Holds(name), classIndex);
     source->LeaveIncluders();
     sources.RemovePosition(sources.IsIn(path.CastToCharPtr()));
     source->Release();
+    droppedFunctions->Forget(path);
 
-    const int position = trees.IsIn(path.CastToCharPtr());
-    if (position < 0) return 0;
-    if (auto* root = valueAt<TAPSyntaxe>(trees, position)) {
-        ForgetFunctions(*this, *root);
-        root->Release();
-    }
-    trees.RemovePosition(position);
+    const Ref<TAPSyntaxe> root = TakeTree(trees, path.CastToCharPtr());
+    if (root) ForgetFunctions(*this, *root);
     return 0;
+}
+
+int TAPSymbolTable::DropTree(const char* name) {
+    if (!trees.Holds(name)) return 1;
+    const Ref<TAPSyntaxe> root = TakeTree(trees, name);
+    if (root) droppedFunctions->Keep(*root);
+    return 0;
+}
+
+void TAPSymbolTable::DropTrees() {
+    for (int i = trees.size - 1; i >= 0; --i) DropTree(trees.keys[i]);
+    GiveMemoryBack();
 }
 
 void TAPSymbolTable::UnLoadAllFiles() {
@@ -143,6 +163,7 @@ void TAPSymbolTable::UnLoadAllFiles() {
                                 &enumNames,  &typedefNames, &scannedFiles};
     for (TAIndex* index : emptied) index->Reset();
     headerMemory->Forget();
+    droppedFunctions->ForgetAll();
     GiveMemoryBack();
 }
 

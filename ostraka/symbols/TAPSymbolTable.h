@@ -20,17 +20,19 @@
 namespace ostraka {
 struct HeaderTrace;
 namespace detail {
+class DroppedFunctions;
 class HeaderMemory;
 class LineOfBases;
-}
+} // namespace detail
 } // namespace ostraka
 
 // The files that a tool has loaded, what they declare, and the answers to questions about it.
 //
 // The table owns the trees and the records through its indexes; what it hands out is borrowed, and whoever
 // keeps a record takes a reference of his own. A node is good as long as the tree of its file: until
-// UnLoadFile of that file, UnLoadAllFiles, or the table's end. Records outlive their tree and find their
-// nodes again, see TAPDefEntity; with the table gone they mustn't be asked for anything that it holds.
+// UnLoadFile or DropTree of that file, UnLoadAllFiles, DropTrees, or the table's end. Records outlive their
+// tree and find their nodes again, see TAPDefEntity; with the table gone they mustn't be asked for anything
+// that it holds.
 //
 // A declaration can be told only where its types are known, so a full load of a file loads the headers that
 // it includes first. Subscribers of the table receive event 1 for each file that is loaded: the TAPSourceFile
@@ -44,8 +46,8 @@ public:
     NUBListValNUBString concatenation; // the workspace roots, the first having precedence
     TAIndex headers;                   // base name of an exported header or IDL file: its path, a copy
     TAIndex generatedHeaders;          // base name of a generated exported header: its path, a copy
-    TAIndex functions;                 // name of a function declared at file level: the instruction
-    TAIndex keywords;                  // the words that may stand in a type beside its name
+    TAIndex functions; // name of a function declared at file level: the instruction, or null once dropped
+    TAIndex keywords;  // the words that may stand in a type beside its name
     TAIndex basicTypes;
     TAIndex types;          // every name of a type that was met
     TAIndex macros;         // name of a macro: the first word of its text, a copy
@@ -97,6 +99,16 @@ public:
     int UnLoadFile(const char* name);
     // Drops everything but the headers of the workspaces, the words of the language and `errMsg`.
     void UnLoadAllFiles();
+
+    // Release the tree of a file, respectively all trees, and keep what was read from them: records with
+    // their texts and paths, the includes, and all names. The files still count as loaded. 0, or 1 if there
+    // is no such tree.
+    //
+    // Nodes of a dropped tree are gone, and `functions` holds null for what it declares. Who asks a record or
+    // GetFunctionDeclarationLocation for a node gets one of a new tree, which is made as by LightLoadFile and
+    // stays; or null if the file is gone, as a text in memory is. The file has to be as it was.
+    int DropTree(const char* name);
+    void DropTrees();
 
     // Passes event 1 of a source file on to the subscribers of the table. 0.
     int ReceiveCallback(TACallbackPublisher* publisher, int event, void* data1, void* data2) override;
@@ -244,4 +256,5 @@ private:
     NUBString rootsStart; // the working directory when the roots were read, where relative ones start
     const std::unique_ptr<ostraka::detail::LineOfBases> bases;
     const std::unique_ptr<ostraka::detail::HeaderMemory> headerMemory;
+    const std::unique_ptr<ostraka::detail::DroppedFunctions> droppedFunctions;
 };

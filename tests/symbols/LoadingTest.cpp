@@ -269,6 +269,52 @@ TEST_F(Loading, UnLoadAllFilesAndLoadAgainGiveTheSame) {
     EXPECT_EQ(table.keywords.size * 100 + table.basicTypes.size, 1819);
 }
 
+TEST_F(Loading, DroppedTreesLeaveTheRecords) {
+    files.Write(Header("a.h"), "class A {int m; void f(int p);};interface I {};int free();");
+    files.Write("x.cpp", "#include \"a.h\"\nvoid A::f(int p) {int v;}int other();int free();");
+    files.Write("i.idl", "#include \"a.h\"");
+    table.SetConcatenation(files("w").c_str());
+    const auto records = [this] {
+        std::string line = Keys(table.functions) + "|" + Keys(table.types) + "|" + Keys(table.sources) + "|" +
+                           Keys(table.classIndex) + "|" + Includes("x.cpp");
+        if (const TAPDefClass* cls = table.GetClass("A"))
+            line += std::string(cls->methods[1]->name) + cls->methods[1]->args[1]->type + cls->vars[1]->name;
+        return line;
+    };
+    const auto content = [](TAPSyntaxe* node) {
+        return std::string(node != nullptr ? node->GetContent() : "");
+    };
+    Load("x.cpp");
+    const std::string before = records();
+    EXPECT_EQ(before, "free other|A|a.h x.cpp|A|a.h fintm");
+    for (const std::string& file : {Header("a.h"), std::string("x.cpp"), Header("a.h")}) {
+        EXPECT_EQ(table.DropTree(files(file).c_str()), 0);
+        EXPECT_EQ(table.DropTree(files(file).c_str()), 1) << file;
+        EXPECT_EQ(Load(file), 0);
+        EXPECT_EQ(records(), before) << file;
+        EXPECT_FALSE(table.trees.Holds(files(file).c_str())) << "it counts as loaded";
+        EXPECT_EQ(content(table.GetClass("A")->vars[1]->GetDefinition()), "int m");
+        EXPECT_EQ(content(table.GetClass("A")->GetMethod("f")->GetSyntaxe()), "void f(int p)");
+        EXPECT_EQ(content(table.GetFunctionDeclarationLocation("free")), "int free()");
+        EXPECT_EQ(content(table.GetFunctionDeclarationLocation("other")), "int other()");
+        EXPECT_EQ(Keys(table.trees), "a.h x.cpp");
+    }
+    table.DropTrees();
+    EXPECT_EQ(records() + Keys(table.trees), before);
+
+    table.headersByEnding = true;
+    table.LoadIdlFile(files("i.idl").c_str(), 1);
+    EXPECT_EQ(Keys(table.classIndex), "A I") << "a dropped header is read for its interfaces";
+    table.DropTrees();
+    files.Remove("x.cpp");
+    EXPECT_EQ(content(table.GetFunctionDeclarationLocation("other")), "");
+    EXPECT_EQ(UnLoad("x.cpp"), 0);
+    EXPECT_EQ(Keys(table.functions) + "|" + Keys(table.trees), "free|") << "nothing is read to be unloaded";
+    EXPECT_EQ(UnLoad(Header("a.h")), 0);
+    EXPECT_EQ(Keys(table.functions) + Keys(table.trees) + Keys(table.classIndex), "");
+    EXPECT_EQ(table.GetFunctionDeclarationLocation("free"), nullptr);
+}
+
 TEST_F(Loading, ClassNamesByKind) {
     files.Write("a.cpp", "class C {};class B {NUBDeclareInterface;};class A {NUBDeclareClass;};");
     Load("a.cpp");
