@@ -46,6 +46,12 @@ std::chrono::nanoseconds TimeOf(const timespec& time) {
     return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
+// How far apart changes have to be to get different times, generously: parts of a second go by the ticks of
+// the system, and file systems without them may count two seconds at a time.
+std::chrono::nanoseconds FinenessOf(const timespec& time) {
+    return time.tv_nsec != 0 ? std::chrono::milliseconds(100) : std::chrono::seconds(2);
+}
+
 } // namespace
 
 bool FolderMemory::Folder::MayHold(std::string_view name) const {
@@ -54,7 +60,7 @@ bool FolderMemory::Folder::MayHold(std::string_view name) const {
     return !IsPlain(first) || names.contains(Lowered(first));
 }
 
-void FolderMemory::Folder::Look(const char* path, std::chrono::nanoseconds settledAfter) {
+void FolderMemory::Folder::Look(const char* path, std::chrono::nanoseconds longestWait) {
     struct stat status;
     const State former = state;
     state = State::Absent;
@@ -70,7 +76,8 @@ void FolderMemory::Folder::Look(const char* path, std::chrono::nanoseconds settl
     version = present;
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
-    if (TimeOf(now) - TimeOf(status.st_ctim) >= settledAfter) List(path);
+    const auto wait = std::min(longestWait, FinenessOf(status.st_ctim));
+    if (TimeOf(now) - TimeOf(status.st_ctim) >= wait) List(path);
 }
 
 void FolderMemory::Folder::List(const char* path) {
@@ -86,13 +93,13 @@ const FolderMemory::Folder& FolderMemory::At(const std::string& path) {
     Folder& folder = folders[path];
     if (folder.round != round) {
         folder.round = round;
-        folder.Look(path.c_str(), settled);
+        folder.Look(path.c_str(), longestWait);
     }
     return folder;
 }
 
-void FolderMemory::Forget(std::chrono::nanoseconds settledAfter) {
-    settled = settledAfter;
+void FolderMemory::Forget(std::chrono::nanoseconds waitAtMost) {
+    longestWait = waitAtMost;
     folders.clear();
     ++round;
 }

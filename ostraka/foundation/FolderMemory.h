@@ -32,7 +32,7 @@ public:
         // Device, inode and the time of the last change, which nobody can set.
         using Version = std::tuple<dev_t, ino_t, std::chrono::nanoseconds>;
 
-        void Look(const char* path, std::chrono::nanoseconds settledAfter);
+        void Look(const char* path, std::chrono::nanoseconds longestWait);
         void List(const char* path);
 
         State state = State::Unlisted;
@@ -41,10 +41,10 @@ public:
         std::unordered_set<std::string> names; // in small letters: not every file system tells them apart
     };
 
-    // A folder is listed when it hasn't changed for so long. Who sees one round only needn't wait.
-    static constexpr std::chrono::nanoseconds fineness = std::chrono::seconds(2);
+    // How long a folder has to be as it is before it is listed. Who sees one round only needn't wait.
+    static constexpr std::chrono::nanoseconds untilSettled = std::chrono::nanoseconds::max();
     static constexpr std::chrono::nanoseconds noWait = std::chrono::nanoseconds::min();
-    explicit FolderMemory(std::chrono::nanoseconds settledAfter = fineness) : settled(settledAfter) {}
+    explicit FolderMemory(std::chrono::nanoseconds waitAtMost = untilSettled) : longestWait(waitAtMost) {}
 
     // The folder at the path as it was in this round; good until Forget.
     const Folder& At(const std::string& path);
@@ -53,10 +53,10 @@ public:
     unsigned Round() const { return round; }
 
     // Begins a round in which nothing is known.
-    void Forget(std::chrono::nanoseconds settledAfter);
+    void Forget(std::chrono::nanoseconds waitAtMost);
 
 private:
-    std::chrono::nanoseconds settled;
+    std::chrono::nanoseconds longestWait;
     unsigned round = 1;
     std::unordered_map<std::string, Folder> folders;
 };

@@ -30,7 +30,7 @@ public:
         lasts = forever;
         Forget();
     }
-    void Forget() { folders.Forget(lasts ? FolderMemory::noWait : FolderMemory::fineness); }
+    void Forget() { folders.Forget(lasts ? FolderMemory::noWait : FolderMemory::untilSettled); }
     // Something may have changed.
     void Doubt() {
         if (!lasts) folders.BeginRound();
