@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/foundation/TAFileBuffer.h>
@@ -286,7 +287,10 @@ void ForgetFunctions(TAPSymbolTable& table, const TAPSyntaxe& root) {
 void DroppedFunctions::Keep(const TAPSyntaxe& root) {
     ForEachFunction(table, root, [&](int position, TAPSyntaxe& declaration) {
         const std::string name = table.functions.keys[position];
-        paths[name] = Ref<TAPSyntaxePath>::Adopt(new TAPSyntaxePath(&declaration));
+        auto path = Ref<TAPSyntaxePath>::Adopt(new TAPSyntaxePath(&declaration));
+        std::string file(path->filePath.View());
+        const auto entry = paths.insert_or_assign(name, std::move(path)).first;
+        ofFile[std::move(file)].push_back(&*entry);
         table.functions.RemovePosition(position);
         table.functions.Append(name.c_str(), nullptr, 0);
     });
@@ -298,14 +302,13 @@ TAPSyntaxe* DroppedFunctions::Find(const char* name) const {
 }
 
 void DroppedFunctions::Forget(const NUBString& file) {
-    for (auto entry = paths.begin(); entry != paths.end();) {
-        if (entry->second->filePath != file) {
-            ++entry;
-            continue;
-        }
+    const auto found = ofFile.find(std::string(file.View()));
+    if (found == ofFile.end()) return;
+    for (const Paths::const_pointer entry : found->second) {
         table.functions.RemovePosition(table.functions.IsIn(entry->first.c_str()));
-        entry = paths.erase(entry);
+        paths.erase(paths.find(entry->first));
     }
+    ofFile.erase(found);
 }
 
 } // namespace ostraka::detail

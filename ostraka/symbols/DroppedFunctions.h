@@ -5,6 +5,7 @@
 
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
@@ -23,11 +24,17 @@ public:
 
     // When the file is unloaded.
     void Forget(const NUBString& file);
-    void ForgetAll() { paths.clear(); }
+    void ForgetAll() {
+        ofFile.clear();
+        paths.clear();
+    }
 
 private:
+    using Paths = std::unordered_map<std::string, Ref<TAPSyntaxePath>>;
+
     TAPSymbolTable& table;
-    std::unordered_map<std::string, Ref<TAPSyntaxePath>> paths;
+    Paths paths;                                                               // by the name of the function
+    std::unordered_map<std::string, std::vector<Paths::const_pointer>> ofFile; // entries of `paths`
 };
 
 } // namespace ostraka::detail
