@@ -229,6 +229,7 @@ const Recognised recognised[] = {
     {Function, "const Foo ExportedByX f();", "const Foo |f|"},
     {Function, "unsigned ExportedByX int f();", "unsigned int|f|"},
     {Function, "Bar f();", ""},
+    {Function, "int a;", ""},
     {Function, "int my_operator(int a);", ""},
     {Function, "int operators(int a);", "int|operators|int a"},
     {MethodBody, "int A::f(int a) {}", "A|f|int a"},

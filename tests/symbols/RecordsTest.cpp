@@ -113,6 +113,11 @@ TEST(Records, OutliveTheirFile) {
     TAPDefMethod* method = cls->methods[1];
     EXPECT_EQ(cls->count, 2);
     EXPECT_EQ(method->count, 2);
+    auto* other = new TAPDefSource("other.h", nullptr, &table);
+    other->AddDefClass(nullptr);
+    other->AddDefClass(cls);
+    other->Release();
+    EXPECT_NE(cls->source, nullptr) << "it belongs to who declares it";
     cls->AddRef();
     EXPECT_EQ(table.UnLoadFile(header.c_str()), 0);
     EXPECT_EQ(cls->source, nullptr);

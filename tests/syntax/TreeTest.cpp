@@ -63,6 +63,7 @@ TEST(Tree, ClassifiesInstructions) {
         {"class ExportedByX Foo: public Bar, private Baz;", "decl(Foo ,(id(Bar) dc(id(private) id(Baz))))"},
         {"class {}", "decl({) bloc"},
         {"interface IFoo : IBar;", "decl(IFoo IBar)"},
+        {"interface IFoo :;", "decl(IFoo ;)"},
         {"enum E {a1a}", "decl(?E ) bloc(inst(id(a1a)))"},
         {"ExportedByX enum E;", "decl(?E)"},
         {"ExportedByX int f;", "inst(dc(dc(id(ExportedByX) id(int)) id(f)))"},
