@@ -84,7 +84,7 @@ public:
     }
     template <class Elements>
     void List(std::string_view key, const Elements& elements) {
-        List(key, elements, [this](const auto& element) { Value(element); });
+        List(key, elements, [this](const auto& element) { this->Value(element); });
     }
 
     // "file", "line" and "column".
