@@ -6,7 +6,7 @@
 #include <gneiss/qxOFStream.h>
 #include <string>
 
-[[gnu::noinline]] void ostraka::detail::stopProcess(const char* message) {
+[[gnu::noinline]] void ostraka::detail::StopProcess(const char* message) {
     qxStderr << "FATAL INTERNAL ERROR ------------------------" << endl;
     qxStderr << message << endl;
     qxStderr << "STACK ---------------------------------------" << endl;

@@ -96,8 +96,8 @@ private:
     struct Block;
 
     // The three texts in a row, just as they are; null if all are empty.
-    static TAFileName joined(std::string_view head, std::string_view glue, std::string_view tail);
-    std::string_view view() const;
+    static TAFileName Joined(std::string_view head, std::string_view glue, std::string_view tail);
+    std::string_view View() const;
 
     Block* block = nullptr;
 };

@@ -64,7 +64,7 @@ public:
     TAPAttr(TAPAttr&& other) noexcept
         : value(std::exchange(other.value, 0)), type(std::exchange(other.type, TAPATTR_Null)) {}
     ~TAPAttr() {
-        if (type != TAPATTR_Null) release();
+        if (type != TAPATTR_Null) Release();
     }
 
     // The other value may be this one, or lie within its list.
@@ -105,5 +105,5 @@ public:
     int operator>(const TAPAttr& other) const { return other < *this; }
 
 private:
-    void release();
+    void Release();
 };
