@@ -5,9 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <string>
 #include <system_error>
+
+#include <gtest/gtest.h>
 
 class TemporaryFolder {
 public:

@@ -8,13 +8,14 @@
 #include <dirent.h>
 #include <filesystem>
 #include <memory>
-#include <ostraka/foundation/FileMode.h>
-#include <ostraka/foundation/TextHelpers.h>
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
+
+#include <ostraka/foundation/FileMode.h>
+#include <ostraka/foundation/TextHelpers.h>
 
 namespace {
 

@@ -1,10 +1,11 @@
 #include <ostraka/foundation/Fatal.h>
 
-#include <basalt/NUBStackTrace.h>
 #include <cstdio>
 #include <cstdlib>
-#include <gneiss/qxOFStream.h>
 #include <string>
+
+#include <basalt/NUBStackTrace.h>
+#include <gneiss/qxOFStream.h>
 
 [[gnu::noinline]] void ostraka::detail::StopProcess(const char* message) {
     qxStderr << "FATAL INTERNAL ERROR ------------------------" << endl;

@@ -1,16 +1,17 @@
 #include <ostraka/foundation/TAFileBuffer.h>
 
 #include <algorithm>
-#include <basalt/NUBUnicodeString.h>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
+
+#include <basalt/NUBUnicodeString.h>
 #include <gneiss/qxContext.h>
 #include <gneiss/qxErrorCodeManager.h>
 #include <gneiss/qxMMap.h>
-#include <new>
 
 namespace {
 

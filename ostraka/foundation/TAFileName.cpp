@@ -4,9 +4,6 @@
 
 #include <ostraka/foundation/TAFileName.h>
 
-#include <ostraka/foundation/Directory.h>
-#include <ostraka/foundation/FileMode.h>
-
 #include <algorithm>
 #include <cstring>
 #include <fcntl.h>
@@ -15,6 +12,9 @@
 #include <string>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <ostraka/foundation/Directory.h>
+#include <ostraka/foundation/FileMode.h>
 
 struct TAFileName::Block {
     int count;

@@ -6,10 +6,11 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <gneiss/qxOFStream.h>
 #include <limits>
 #include <string_view>
 #include <utility>
+
+#include <gneiss/qxOFStream.h>
 
 namespace {
 

@@ -19,9 +19,10 @@
 //
 //     using NUBListValTAPAttr = ostraka::detail::ValueList<TAPAttr>;
 
+#include <utility>
+
 #include <basalt/NUBRawColl.h>
 #include <ostraka/Export.h>
-#include <utility>
 
 namespace ostraka::detail {
 

@@ -1,16 +1,16 @@
-#include <ostraka/objects/TAPAttr.h>
+// Lists may lie in lists and objects in objects without an end that the stack could bear, so copies
+// and comparisons keep what is left to do in a list of their own.
 
-#include <ostraka/foundation/Fatal.h>
-#include <ostraka/objects/Releases.h>
-#include <ostraka/objects/TAPObject.h>
+#include <ostraka/objects/TAPAttr.h>
 
 #include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
 
-// Lists may lie in lists and objects in objects without an end that the stack could bear, so copies
-// and comparisons keep what is left to do in a list of their own.
+#include <ostraka/foundation/Fatal.h>
+#include <ostraka/objects/Releases.h>
+#include <ostraka/objects/TAPObject.h>
 
 namespace {
 

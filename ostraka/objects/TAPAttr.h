@@ -14,13 +14,13 @@
 // that it holds before the next. Only where about a hundred of their destructors stand above each other on
 // the machine stack does what the innermost one lets go of wait until that one has returned.
 
+#include <cstdint>
+#include <utility>
+
 #include <basalt/NUBString.h>
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TAFileName.h>
 #include <ostraka/foundation/TypedLists.h>
-
-#include <cstdint>
-#include <utility>
 
 class TAPAttr;
 class TAPObject;

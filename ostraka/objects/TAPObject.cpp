@@ -1,9 +1,9 @@
 #include <ostraka/objects/TAPObject.h>
 
+#include <utility>
+
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/objects/Releases.h>
-
-#include <utility>
 
 using ostraka::detail::Ref;
 

@@ -1,9 +1,10 @@
 #include <ostraka/symbols/TAPDefSource.h>
 
 #include <algorithm>
+#include <string_view>
+
 #include <ostraka/foundation/TAFileName.h>
 #include <ostraka/symbols/OwnedParts.h>
-#include <string_view>
 
 using namespace ostraka::detail;
 

@@ -4,13 +4,13 @@
 // iterator, is good until the list changes. A text handed to a call that changes the list may be an element
 // of that list.
 
-#include <basalt/Export.h>
-#include <basalt/NUBCollec.h>
-#include <basalt/NUBString.h>
-
 #include <cassert>
 #include <cstddef>
 #include <vector>
+
+#include <basalt/Export.h>
+#include <basalt/NUBCollec.h>
+#include <basalt/NUBString.h>
 
 class BASALT_EXPORT NUBListValNUBString : public NUBCollecRoot {
 public:

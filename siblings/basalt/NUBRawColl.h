@@ -4,9 +4,6 @@
 // that a pointer in it points to. Positions count from 1; a reference to an entry is good until the
 // collection changes. `size` is the number of entries, to be read only.
 
-#include <basalt/Export.h>
-#include <basalt/NUBCollec.h>
-
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
@@ -16,6 +13,9 @@
 #include <new>
 #include <type_traits>
 #include <utility>
+
+#include <basalt/Export.h>
+#include <basalt/NUBCollec.h>
 
 namespace basalt::detail {
 

@@ -9,12 +9,12 @@
 // no call reads or writes outside of it. A null `const char*` counts as the empty text, and a view counts up
 // to its first NUL. Order is that of the bytes as unsigned numbers.
 
-#include <basalt/Export.h>
-
 #include <compare>
 #include <cstddef>
 #include <cstring>
 #include <string_view>
+
+#include <basalt/Export.h>
 
 // A character to fill with.
 class NUBChar {

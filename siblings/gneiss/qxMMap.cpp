@@ -3,8 +3,6 @@
 
 #include <gneiss/qxMMap.h>
 
-#include <gneiss/qxErrorCodeManager.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
@@ -16,6 +14,8 @@
 #include <sys/types.h>
 #include <unistd.h>
 #include <utility>
+
+#include <gneiss/qxErrorCodeManager.h>
 
 namespace {
 

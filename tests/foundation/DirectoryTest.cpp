@@ -1,11 +1,12 @@
-#include <ostraka/foundation/Directory.h>
-
 #include <algorithm>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <string>
 #include <support/TemporaryFolder.h>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/Directory.h>
 
 namespace {
 

@@ -1,12 +1,13 @@
-#include <ostraka/foundation/TAFileName.h>
-
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <string>
 #include <support/TemporaryFolder.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TAFileName.h>
 
 namespace {
 

@@ -1,13 +1,14 @@
-#include <ostraka/foundation/TAIndex.h>
-#include <ostraka/foundation/TAIndexB.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TAIndex.h>
+#include <ostraka/foundation/TAIndexB.h>
 
 namespace {
 

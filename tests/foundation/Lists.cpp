@@ -1,8 +1,9 @@
-#include <ostraka/foundation/TypedLists.h>
-
-#include <gtest/gtest.h>
 #include <string>
 #include <type_traits>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TypedLists.h>
 
 namespace {
 

@@ -1,10 +1,11 @@
-#include <ostraka/foundation/TextHelpers.h>
-
 #include <algorithm>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <string>
 #include <tuple>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TextHelpers.h>
 
 namespace {
 

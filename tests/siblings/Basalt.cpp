@@ -1,12 +1,13 @@
-#include <basalt/NUBListValNUBString.h>
-#include <basalt/NUBRawColl.h>
-
 #include <algorithm>
 #include <cctype>
-#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <tuple>
+
+#include <gtest/gtest.h>
+
+#include <basalt/NUBListValNUBString.h>
+#include <basalt/NUBRawColl.h>
 
 namespace {
 

@@ -1,21 +1,22 @@
-#include <gneiss/qxContext.h>
-#include <gneiss/qxErrorCodeManager.h>
-#include <gneiss/qxMMap.h>
-#include <gneiss/qxOFStream.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iostream>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
+
+#include <gtest/gtest.h>
+
+#include <gneiss/qxContext.h>
+#include <gneiss/qxErrorCodeManager.h>
+#include <gneiss/qxMMap.h>
+#include <gneiss/qxOFStream.h>
 
 namespace {
 

@@ -1,12 +1,13 @@
-#include <ostraka/workspace/FrameworkListing.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <ostraka/foundation/Directory.h>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/Directory.h>
+#include <ostraka/workspace/FrameworkListing.h>
 
 #include "support/TemporaryFolder.h"
 

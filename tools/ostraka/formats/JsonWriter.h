@@ -18,8 +18,9 @@
 #include <string>
 #include <string_view>
 
-#include <answers/facts/Place.h>
 #include <fmt/format.h>
+
+#include <answers/facts/Place.h>
 
 #include "cli/Request.h"
 
