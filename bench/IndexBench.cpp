@@ -1,16 +1,17 @@
 // The sorted indexes: filled from random keys against an ordered map, read while they fill, walked, and
 // searched.
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <cstdint>
 #include <map>
-#include <ostraka/foundation/TAIndex.h>
-#include <ostraka/foundation/TAIndexB.h>
 #include <random>
 #include <string>
 #include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include <ostraka/foundation/TAIndex.h>
+#include <ostraka/foundation/TAIndexB.h>
 
 namespace {
 

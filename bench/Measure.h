@@ -6,9 +6,8 @@
 #include <cstdio>
 #include <fstream>
 #include <string>
-#include <vector>
-
 #include <sys/resource.h>
+#include <vector>
 
 namespace bench {
 

@@ -1,13 +1,14 @@
 // The attributes of one object: set in a random order, asked for, walked through and released.
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <cstdint>
-#include <ostraka/objects/TAPObject.h>
 #include <random>
 #include <string>
 #include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include <ostraka/objects/TAPObject.h>
 
 namespace {
 

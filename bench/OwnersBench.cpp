@@ -1,9 +1,10 @@
 // Ownership listings: as many lines as people, read as the tool reads them.
 
+#include <string>
+
 #include <benchmark/benchmark.h>
 
 #include <ostraka/workspace/FrameworkResponsibility.h>
-#include <string>
 
 namespace {
 

@@ -1,22 +1,23 @@
 // Memory reports at scale: frame lines and stacks interned, against ordered maps that do the same, and masks
 // matched against stacks.
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <map>
 #include <memory>
-#include <ostraka/memreport/Call.h>
-#include <ostraka/memreport/Stack.h>
-#include <ostraka/memreport/StackMask.h>
-#include <ostraka/memreport/TAPIndexContainer.h>
 #include <random>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include <benchmark/benchmark.h>
+
+#include <ostraka/memreport/Call.h>
+#include <ostraka/memreport/Stack.h>
+#include <ostraka/memreport/StackMask.h>
+#include <ostraka/memreport/TAPIndexContainer.h>
 
 namespace {
 

@@ -10,12 +10,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <malloc.h>
 #include <string>
 #include <string_view>
-#include <vector>
-
-#include <malloc.h>
 #include <unistd.h>
+#include <vector>
 
 #include <ostraka/symbols/TAPSymbolTable.h>
 

@@ -5,9 +5,8 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <string>
-
 #include <malloc.h>
+#include <string>
 #include <sys/wait.h>
 #include <unistd.h>
 

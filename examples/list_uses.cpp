@@ -4,9 +4,10 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <ostraka/ostraka.h>
 #include <string>
 #include <string_view>
+
+#include <ostraka/ostraka.h>
 
 namespace {
 

@@ -2,6 +2,7 @@
 
 #include <cstdio>
 #include <initializer_list>
+
 #include <ostraka/ostraka.h>
 
 namespace {

@@ -1,4 +1,5 @@
 #include <cstdio>
+
 #include <ostraka/ostraka.h>
 
 int main(int argc, char** argv) {

@@ -4,8 +4,9 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <ostraka/ostraka.h>
 #include <string_view>
+
+#include <ostraka/ostraka.h>
 
 namespace {
 

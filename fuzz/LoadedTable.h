@@ -9,9 +9,9 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 
 #include <ostraka/symbols/TAPSymbolTable.h>
-#include <unistd.h>
 
 #include "Check.h"
 

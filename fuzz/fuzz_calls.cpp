@@ -3,6 +3,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+
 #include <ostraka/memreport/Stack.h>
 #include <ostraka/memreport/TAPIndexContainer.h>
 

@@ -1,6 +1,7 @@
 // A mask in the first line, and the calls of a stack in the others.
 
 #include <memory>
+
 #include <ostraka/memreport/Call.h>
 #include <ostraka/memreport/StackMask.h>
 

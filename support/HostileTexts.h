@@ -5,12 +5,11 @@
 // hold what becomes of them.
 
 #include <cstdint>
+#include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <string_view>
-
-#include <cstdlib>
-#include <cstring>
 
 #include <ostraka/foundation/TAFileBuffer.h>
 

@@ -2,9 +2,9 @@
 
 #include <cstddef>
 #include <functional>
+#include <pthread.h>
 
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #if defined(__SANITIZE_ADDRESS__)
 constexpr std::size_t smallStack = 4 << 20; // the sanitizer makes each frame several times as large

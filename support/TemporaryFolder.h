@@ -5,9 +5,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <string>
 #include <system_error>
+
+#include <gtest/gtest.h>
 
 class TemporaryFolder {
 public:
@@ -25,14 +26,14 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     // An empty file, and the folders it needs.
-    void add(const std::string& file) const {
+    void Add(const std::string& file) const {
         const std::filesystem::path folder = std::filesystem::path(file).parent_path();
         if (!folder.empty()) std::filesystem::create_directories(folder);
         std::ofstream{file};
     }
 
     // Goes down until the working directory is too long to be handed to the system.
-    void sink() const {
+    void Sink() const {
         const std::string name(200, 'd');
         for (int depth = 0; depth < 25; ++depth) {
             std::filesystem::create_directory(name);

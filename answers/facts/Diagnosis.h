@@ -5,10 +5,9 @@
 #include <optional>
 #include <string_view>
 
+#include <answers/facts/Place.h>
 #include <gneiss/qxContext.h>
 #include <ostraka/syntax/TAPFailure.h>
-
-#include <answers/facts/Place.h>
 
 namespace ostraka::answers {
 

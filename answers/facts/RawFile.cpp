@@ -1,14 +1,14 @@
 #include <answers/facts/RawFile.h>
 
 #include <cerrno>
+#include <fcntl.h>
 #include <optional>
+#include <sys/stat.h>
 #include <system_error>
 
-#include <fcntl.h>
 #include <gneiss/qxErrorCodeManager.h>
 #include <gneiss/qxMMap.h>
 #include <ostraka/foundation/TAFileBuffer.h>
-#include <sys/stat.h>
 
 namespace ostraka::answers {
 

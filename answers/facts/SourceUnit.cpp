@@ -1,9 +1,8 @@
 #include <answers/facts/SourceUnit.h>
 
-#include <ostraka/foundation/TAFileBuffer.h>
-
 #include <answers/facts/Diagnosis.h>
 #include <answers/facts/RawFile.h>
+#include <ostraka/foundation/TAFileBuffer.h>
 
 namespace ostraka::answers {
 

@@ -9,11 +9,10 @@
 #include <string>
 #include <utility>
 
+#include <answers/facts/Place.h>
 #include <ostraka/foundation/TAIndex.h>
 #include <ostraka/syntax/TAPSourceFile.h>
 #include <ostraka/syntax/TAPSyntaxe.h>
-
-#include <answers/facts/Place.h>
 
 namespace ostraka::answers {
 

@@ -10,10 +10,10 @@
 #include <unordered_map>
 
 #include <fmt/format.h>
-#include <ostraka/symbols/TAPSymbolTable.h>
-#include <ostraka/syntax/TAPExpression.h>
 
 #include <answers/resolve/NodeText.h>
+#include <ostraka/symbols/TAPSymbolTable.h>
+#include <ostraka/syntax/TAPExpression.h>
 
 namespace ostraka::answers {
 

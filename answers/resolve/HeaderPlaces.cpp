@@ -4,6 +4,7 @@
 #include <utility>
 
 #include <fmt/format.h>
+
 #include <ostraka/foundation/Directory.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 

@@ -2,11 +2,10 @@
 
 #include <algorithm>
 
-#include <ostraka/symbols/NodeShape.h>
-#include <ostraka/symbols/TAPSymbolTable.h>
-
 #include <answers/facts/DeclarationText.h>
 #include <answers/resolve/NodeText.h>
+#include <ostraka/symbols/NodeShape.h>
+#include <ostraka/symbols/TAPSymbolTable.h>
 
 namespace ostraka::answers {
 

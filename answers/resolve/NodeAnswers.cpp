@@ -10,13 +10,13 @@
 #include <utility>
 
 #include <fmt/format.h>
-#include <ostraka/symbols/NodeShape.h>
-#include <ostraka/symbols/TAPSymbolTable.h>
-#include <ostraka/symbols/TypeNames.h>
 
 #include <answers/facts/DeclarationText.h>
 #include <answers/resolve/Heads.h>
 #include <answers/resolve/NodeText.h>
+#include <ostraka/symbols/NodeShape.h>
+#include <ostraka/symbols/TAPSymbolTable.h>
+#include <ostraka/symbols/TypeNames.h>
 
 namespace ostraka::answers {
 

@@ -5,6 +5,7 @@
 #include <iterator>
 
 #include <fmt/format.h>
+
 #include <ostraka/syntax/TAPExpression.h>
 #include <ostraka/syntax/TAPInstruction.h>
 

@@ -8,24 +8,25 @@
 #include <dirent.h>
 #include <filesystem>
 #include <memory>
-#include <ostraka/foundation/FileMode.h>
-#include <ostraka/foundation/TextHelpers.h>
 #include <string_view>
 #include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
 
+#include <ostraka/foundation/FileMode.h>
+#include <ostraka/foundation/TextHelpers.h>
+
 namespace {
 
 // How an entry of a directory is written in a path.
 using Spelling = NUBString (*)(const char* entry);
 
-NUBString asText(const char* entry) {
+NUBString AsText(const char* entry) {
     return entry;
 }
 
-NUBString asName(const char* entry) {
+NUBString AsName(const char* entry) {
     return NUBString(TAFileName(entry));
 }
 
@@ -33,12 +34,12 @@ struct Close {
     void operator()(DIR* directory) const { closedir(directory); }
 };
 
-bool exists(const NUBString& path) {
+bool Exists(const NUBString& path) {
     struct stat status;
     return stat(path.CastToCharPtr(), &status) == 0;
 }
 
-void appendMatches(const NUBString& place, const NUBString& part, const char* behind, Spelling spell,
+void AppendMatches(const NUBString& place, const NUBString& part, const char* behind, Spelling spell,
                    NUBListValNUBString& out) {
     const std::unique_ptr<DIR, Close> directory(opendir(place.CastToCharPtr()));
     if (!directory) return;
@@ -49,31 +50,31 @@ void appendMatches(const NUBString& place, const NUBString& part, const char* be
     }
 }
 
-NUBListValNUBString step(const NUBListValNUBString& places, const NUBString& part, const char* behind,
+NUBListValNUBString Step(const NUBListValNUBString& places, const NUBString& part, const char* behind,
                          Spelling spell) {
     NUBListValNUBString next;
     const bool starred = part.FindPosition("*") >= 0;
     for (const NUBString& place : places) {
         if (starred) {
-            appendMatches(place, part, behind, spell, next);
+            AppendMatches(place, part, behind, spell, next);
             continue;
         }
         NUBString path = place + spell(part.CastToCharPtr()) + behind;
-        if (exists(path)) next.Append(std::move(path));
+        if (Exists(path)) next.Append(std::move(path));
     }
     return next;
 }
 
-const char* startOf(const NUBString& pattern) {
+const char* StartOf(const NUBString& pattern) {
     return pattern.View().starts_with('/') ? "/" : "./";
 }
 
-NUBListValNUBString matchesOf(const NUBString& pattern, Spelling spell) {
+NUBListValNUBString MatchesOf(const NUBString& pattern, Spelling spell) {
     NUBListValNUBString parts, places;
     Split(pattern, parts, "/");
-    places.Append(startOf(pattern));
+    places.Append(StartOf(pattern));
     for (int i = 1; i <= parts.Size() && places.Size() > 0; ++i)
-        places = step(places, parts[i], i < parts.Size() ? "/" : "", spell);
+        places = Step(places, parts[i], i < parts.Size() ? "/" : "", spell);
     return places;
 }
 
@@ -98,9 +99,9 @@ void ReadDirectory(const char* pattern, NUBListValNUBString& out) {
 }
 
 void ReadDirectory(const NUBString& pattern, NUBListValNUBString& out) {
-    const std::string_view start = startOf(pattern);
+    const std::string_view start = StartOf(pattern);
     const NUBString root = start == "/" ? NUBString("/") : GetWorkDir() + "/";
-    for (const NUBString& place : matchesOf(pattern, asText))
+    for (const NUBString& place : MatchesOf(pattern, AsText))
         out.Append(root + (place.CastToCharPtr() + start.size()));
 }
 
@@ -109,14 +110,14 @@ void ReadDirectory(const char* pattern, NUBListValTAFileName& out) {
 }
 
 void ReadDirectory(const NUBString& pattern, NUBListValTAFileName& out) {
-    const std::string_view start = startOf(pattern);
+    const std::string_view start = StartOf(pattern);
     const TAFileName root = start == "/" ? TAFileName("/") : TAFileName::GetWorkDir();
-    for (const NUBString& place : matchesOf(pattern, asName)) {
+    for (const NUBString& place : MatchesOf(pattern, AsName)) {
         const char* path = place.CastToCharPtr() + start.size();
         out.Append(*path == '\0' ? root : root + path);
     }
 }
 
 int FileSelectionSize(const NUBString& pattern) {
-    return matchesOf(pattern, asText).Size();
+    return MatchesOf(pattern, AsText).Size();
 }

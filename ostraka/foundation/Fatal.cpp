@@ -1,12 +1,13 @@
 #include <ostraka/foundation/Fatal.h>
 
-#include <basalt/NUBStackTrace.h>
 #include <cstdio>
 #include <cstdlib>
-#include <gneiss/qxOFStream.h>
 #include <string>
 
-[[gnu::noinline]] void ostraka::detail::stopProcess(const char* message) {
+#include <basalt/NUBStackTrace.h>
+#include <gneiss/qxOFStream.h>
+
+[[gnu::noinline]] void ostraka::detail::StopProcess(const char* message) {
     qxStderr << "FATAL INTERNAL ERROR ------------------------" << endl;
     qxStderr << message << endl;
     qxStderr << "STACK ---------------------------------------" << endl;

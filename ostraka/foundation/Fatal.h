@@ -8,14 +8,14 @@
 namespace ostraka::detail {
 
 // Prints the message on standard error and the caller's stack on standard output, then aborts.
-[[noreturn, gnu::cold]] OSTRAKA_EXPORT void stopProcess(const char* message);
+[[noreturn, gnu::cold]] OSTRAKA_EXPORT void StopProcess(const char* message);
 
 } // namespace ostraka::detail
 
 // Nothing when `condition` is 0; else stops the process with the message. No input is ever to reach that.
 inline void FATAL(int condition, const char* message) {
     if (condition) [[unlikely]]
-        ostraka::detail::stopProcess(message);
+        ostraka::detail::StopProcess(message);
 }
 
 // As "%d" prints it.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <concepts>
+
 #include <ostraka/Export.h>
 
 // One array of a sorted index (its keys, its values, ...), read from outside. A column can be indexed from 0

@@ -1,4 +1,7 @@
-#include <ostraka/foundation/Fatal.h>
+// A leaf's entries have the positions from its start on. The starts are sums of the counts of the leaves
+// before; a change in a leaf spoils the starts behind it, and whoever next asks for one of those adds up as
+// far as it takes.
+
 #include <ostraka/foundation/SortedTable.h>
 
 #include <iterator>
@@ -6,9 +9,7 @@
 #include <sys/mman.h>
 #include <utility>
 
-// A leaf's entries have the positions from its start on. The starts are sums of the counts of the leaves
-// before; a change in a leaf spoils the starts behind it, and whoever next asks for one of those adds up as
-// far as it takes.
+#include <ostraka/foundation/Fatal.h>
 
 namespace ostraka::detail {
 

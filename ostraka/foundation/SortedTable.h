@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+
 #include <ostraka/foundation/IndexColumn.h>
 
 // The engine of the sorted indexes. The entries lie in leaves: sorted runs of up to `leafRoom` entries, so

@@ -1,29 +1,30 @@
 #include <ostraka/foundation/TAFileBuffer.h>
 
 #include <algorithm>
-#include <basalt/NUBUnicodeString.h>
 #include <cerrno>
 #include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <new>
+
+#include <basalt/NUBUnicodeString.h>
 #include <gneiss/qxContext.h>
 #include <gneiss/qxErrorCodeManager.h>
 #include <gneiss/qxMMap.h>
-#include <new>
 
 namespace {
 
 constexpr int lookAhead = 8;
 constexpr std::size_t tooLarge = std::size_t{1} << 31;
 
-int tellFailure(const char* fileName) {
+int TellFailure(const char* fileName) {
     qxExtContext.GetTraceMngr()->Print(MSG_KEY_systError, stderr, NUBUnicodeString(fileName),
                                        qxExtLastError.GetMsgError());
     return 1;
 }
 
-char* paddedCopy(std::string_view text) {
+char* PaddedCopy(std::string_view text) {
     auto* copy = static_cast<char*>(std::malloc(text.size() + lookAhead));
     if (!copy) throw std::bad_alloc();
     char* past = std::copy(text.begin(), text.end(), copy);
@@ -42,10 +43,10 @@ TAFileBuffer::TAFileBuffer(const char* name, std::string_view text) : TAFileBuff
     loaded = 1;
     if (text.size() >= tooLarge) {
         qxExtLastError.SetError(EFBIG);
-        tellFailure(fileName);
+        TellFailure(fileName);
         return;
     }
-    buffer = paddedCopy(text);
+    buffer = PaddedCopy(text);
     size = static_cast<unsigned int>(text.size());
 }
 
@@ -59,7 +60,7 @@ int TAFileBuffer::LoadFile() {
     size = 0;
     buffer = nullptr;
     loaded = 1;
-    return qxMMap(fileName, lookAhead, buffer, size, '\n') == 0 ? 0 : tellFailure(fileName);
+    return qxMMap(fileName, lookAhead, buffer, size, '\n') == 0 ? 0 : TellFailure(fileName);
 }
 
 char* TAFileBuffer::GetBuffer() {

@@ -3,10 +3,10 @@
 // The raw bytes of one file, read on first demand or given as a text, and kept to the end of the object,
 // which owns them and the copy of the name. What `GetBuffer` returns dies with the object.
 
+#include <string_view>
+
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TypedLists.h>
-
-#include <string_view>
 
 class OSTRAKA_EXPORT TAFileBuffer {
 public:

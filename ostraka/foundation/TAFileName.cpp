@@ -4,9 +4,6 @@
 
 #include <ostraka/foundation/TAFileName.h>
 
-#include <ostraka/foundation/Directory.h>
-#include <ostraka/foundation/FileMode.h>
-
 #include <algorithm>
 #include <cstring>
 #include <fcntl.h>
@@ -16,10 +13,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <ostraka/foundation/Directory.h>
+#include <ostraka/foundation/FileMode.h>
+
 struct TAFileName::Block {
     int count;
 
-    char* text() { return reinterpret_cast<char*>(this + 1); }
+    char* Text() { return reinterpret_cast<char*>(this + 1); }
 };
 
 namespace {
@@ -30,20 +30,20 @@ constexpr int openToReturn = O_PATH | O_DIRECTORY | O_CLOEXEC; // works in a dir
 constexpr int openToReturn = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 #endif
 
-std::string_view viewOf(const char* text) {
+std::string_view ViewOf(const char* text) {
     return text ? text : "";
 }
 
 // The end of the first part when the last component before `end` is taken off with its slash, or 0 when there
 // is no slash but perhaps the one at the front.
-std::size_t endOfParent(std::string_view text, std::size_t end) {
+std::size_t EndOfParent(std::string_view text, std::size_t end) {
     const std::size_t slash = end < 2 ? 0 : text.rfind('/', end - 1);
     return slash == std::string_view::npos ? 0 : slash;
 }
 
-std::size_t endOfAncestor(std::string_view text, int level) {
+std::size_t EndOfAncestor(std::string_view text, int level) {
     std::size_t end = text.size();
-    for (; level > 0 && end > 0; --level) end = endOfParent(text, end);
+    for (; level > 0 && end > 0; --level) end = EndOfParent(text, end);
     return end;
 }
 
@@ -63,7 +63,7 @@ public:
     Return(const Return&) = delete;
     Return& operator=(const Return&) = delete;
 
-    bool isPossible() const { return possible; }
+    bool IsPossible() const { return possible; }
 
 private:
     int directory;
@@ -73,32 +73,32 @@ private:
 
 } // namespace
 
-TAFileName TAFileName::joined(std::string_view head, std::string_view glue, std::string_view tail) {
+TAFileName TAFileName::Joined(std::string_view head, std::string_view glue, std::string_view tail) {
     TAFileName name;
     const std::size_t length = head.size() + glue.size() + tail.size();
     if (length == 0) return name;
     name.block = new (::operator new(sizeof(Block) + length + 1)) Block{1};
-    char* past = name.block->text();
+    char* past = name.block->Text();
     for (std::string_view piece : {head, glue, tail}) past = std::copy(piece.begin(), piece.end(), past);
     *past = '\0';
     return name;
 }
 
-std::string_view TAFileName::view() const {
+std::string_view TAFileName::View() const {
     return static_cast<const char*>(*this);
 }
 
-TAFileName::TAFileName(const NUBString& text) : TAFileName(joined(text.View(), {}, {})) {
+TAFileName::TAFileName(const NUBString& text) : TAFileName(Joined(text.View(), {}, {})) {
     Normalize();
 }
 
-TAFileName::TAFileName(const char* text) : TAFileName(joined(viewOf(text), {}, {})) {
+TAFileName::TAFileName(const char* text) : TAFileName(Joined(ViewOf(text), {}, {})) {
     Normalize();
 }
 
 TAFileName::TAFileName(const char* text, int length) {
     if (!text || length <= 0) return;
-    *this = joined({text, strnlen(text, static_cast<std::size_t>(length))}, {}, {});
+    *this = Joined({text, strnlen(text, static_cast<std::size_t>(length))}, {}, {});
     Normalize();
 }
 
@@ -129,11 +129,11 @@ TAFileName& TAFileName::operator=(TAFileName&& other) noexcept {
 }
 
 TAFileName::operator const char*() const {
-    return block ? block->text() : "";
+    return block ? block->Text() : "";
 }
 
 int TAFileName::IsEqual(const TAFileName& other) const {
-    return view() == other.view();
+    return View() == other.View();
 }
 
 int TAFileName::Compare(TAFileName* a, TAFileName* b) {
@@ -144,36 +144,36 @@ int TAFileName::IsUnderDirectory(const TAFileName& directory) const {
     if (IsNull()) return 0;
     if (IsEqual(directory)) return 1;
     const TAFileName parent = dirname(1);
-    const std::string_view text = parent.view();
-    for (std::size_t end = text.size(); end > 0; end = endOfParent(text, end))
-        if (text.substr(0, end) == directory.view()) return 1;
+    const std::string_view text = parent.View();
+    for (std::size_t end = text.size(); end > 0; end = EndOfParent(text, end))
+        if (text.substr(0, end) == directory.View()) return 1;
     return 0;
 }
 
 TAFileName TAFileName::basename(int level) const {
-    const std::string_view text = view();
-    const std::size_t slash = endOfAncestor(text, std::max(level, 1));
+    const std::string_view text = View();
+    const std::size_t slash = EndOfAncestor(text, std::max(level, 1));
     if (slash == 0) return *this;
     const std::string_view rest = text.substr(slash + 1);
-    TAFileName name = joined(rest.substr(0, rest.find('/')), {}, {});
+    TAFileName name = Joined(rest.substr(0, rest.find('/')), {}, {});
     name.Normalize();
     return name;
 }
 
 TAFileName TAFileName::dirname(int level) const {
-    const std::string_view text = view();
-    TAFileName name = joined(text.substr(0, endOfAncestor(text, level)), {}, {});
+    const std::string_view text = View();
+    TAFileName name = Joined(text.substr(0, EndOfAncestor(text, level)), {}, {});
     name.Normalize();
     return name;
 }
 
 NUBString TAFileName::GetExtension() const {
-    const std::size_t dot = view().rfind('.');
-    return dot == std::string_view::npos ? NUBString() : NUBString(view().substr(dot + 1));
+    const std::size_t dot = View().rfind('.');
+    return dot == std::string_view::npos ? NUBString() : NUBString(View().substr(dot + 1));
 }
 
 TAFileName TAFileName::operator+(const char* part) const {
-    TAFileName name = joined(view(), IsNull() ? "" : "/", viewOf(part));
+    TAFileName name = Joined(View(), IsNull() ? "" : "/", ViewOf(part));
     name.Normalize();
     return name;
 }
@@ -187,19 +187,19 @@ TAFileName& TAFileName::operator+=(const char* part) {
 }
 
 void TAFileName::AddExtension(const NUBString& extension) {
-    *this = joined(view(), {}, extension.View());
+    *this = Joined(View(), {}, extension.View());
 }
 
 void TAFileName::SetExtension(const NUBString& extension) {
     // Without a dot this is the whole text: `rfind` gives the greatest number then, and `substr` clamps.
-    const std::size_t dot = view().rfind('.');
-    *this = joined(view().substr(0, dot == std::string_view::npos ? dot : dot + 1), {}, extension.View());
+    const std::size_t dot = View().rfind('.');
+    *this = Joined(View().substr(0, dot == std::string_view::npos ? dot : dot + 1), {}, extension.View());
 }
 
 void TAFileName::Normalize() {
     if (!block) return;
-    if (block->count > 1) *this = joined(view(), {}, {});
-    char* text = block->text();
+    if (block->count > 1) *this = Joined(View(), {}, {});
+    char* text = block->Text();
     std::replace(text, text + std::strlen(text), '\\', '/');
 }
 
@@ -227,13 +227,13 @@ int TAFileName::CreateDirectory() const {
 TAFileName TAFileName::GetFullPath() const {
     if (IsNull()) return GetWorkDir();
     const Return back;
-    if (!back.isPossible()) return *this;
+    if (!back.IsPossible()) return *this;
     if (SetWorkDir(dirname(1)) != 0) SetWorkDir((GetWorkDir() + *this).dirname(1));
     const NUBString directory = ::GetWorkDir();
     if (directory == ".") return *this;
     // The root loses its only slash here and gets it back as the glue.
     const std::size_t length = directory.View().find_last_not_of('/') + 1;
-    TAFileName path = joined(directory.View().substr(0, length), "/", basename(1).view());
+    TAFileName path = Joined(directory.View().substr(0, length), "/", basename(1).View());
     path.Normalize();
     return path;
 }

@@ -12,13 +12,13 @@
 // The count of holders isn't atomic and `GetFullPath` leaves the working directory for a moment: one thread
 // at a time. What the system refuses to look at, a path too long for it included, counts as absent.
 
-#include <basalt/NUBString.h>
-#include <ostraka/Export.h>
-#include <ostraka/foundation/TypedLists.h>
-
 #include <cstddef>
 #include <string_view>
 #include <utility>
+
+#include <basalt/NUBString.h>
+#include <ostraka/Export.h>
+#include <ostraka/foundation/TypedLists.h>
 
 class OSTRAKA_EXPORT TAFileName {
 public:
@@ -96,8 +96,8 @@ private:
     struct Block;
 
     // The three texts in a row, just as they are; null if all are empty.
-    static TAFileName joined(std::string_view head, std::string_view glue, std::string_view tail);
-    std::string_view view() const;
+    static TAFileName Joined(std::string_view head, std::string_view glue, std::string_view tail);
+    std::string_view View() const;
 
     Block* block = nullptr;
 };

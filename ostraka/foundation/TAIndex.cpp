@@ -1,5 +1,6 @@
-#include <ostraka/foundation/IndexOperations.h>
 #include <ostraka/foundation/TAIndex.h>
+
+#include <ostraka/foundation/IndexOperations.h>
 
 namespace ostraka::detail {
 

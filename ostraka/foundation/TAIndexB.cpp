@@ -1,7 +1,8 @@
+#include <ostraka/foundation/TAIndexB.h>
+
 #include <ostraka/foundation/AppendOrGet.h>
 #include <ostraka/foundation/Fatal.h>
 #include <ostraka/foundation/IndexOperations.h>
-#include <ostraka/foundation/TAIndexB.h>
 
 namespace ostraka::detail {
 

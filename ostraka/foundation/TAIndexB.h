@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+
 #include <ostraka/Export.h>
 #include <ostraka/foundation/IndexColumn.h>
 #include <ostraka/foundation/SortedIndex.h>

@@ -6,17 +6,18 @@
 #include <cstdio>
 #include <cstring>
 #include <ctime>
-#include <gneiss/qxOFStream.h>
 #include <limits>
 #include <string_view>
 #include <utility>
+
+#include <gneiss/qxOFStream.h>
 
 namespace {
 
 constexpr int noLimit = std::numeric_limits<int>::max();
 
 // Cuts at no more than `cuts` separators and steps `step` characters past each.
-int splitInto(const NUBString& text, NUBListValNUBString& out, const NUBString& separator, int step,
+int SplitInto(const NUBString& text, NUBListValNUBString& out, const NUBString& separator, int step,
               int cuts) {
     NUBListValNUBString fragments;
     int cursor = 0;
@@ -31,7 +32,7 @@ int splitInto(const NUBString& text, NUBListValNUBString& out, const NUBString& 
     return out.Size();
 }
 
-std::tm localTime() {
+std::tm LocalTime() {
     const std::time_t now = std::time(nullptr);
     std::tm fields = {};
     localtime_r(&now, &fields);
@@ -39,7 +40,7 @@ std::tm localTime() {
 }
 
 // Each piece is searched from where the one before it begins, so the cursor only ever moves forward.
-bool holdsInOrder(const NUBString& text, const NUBListValNUBString& pieces) {
+bool HoldsInOrder(const NUBString& text, const NUBListValNUBString& pieces) {
     int cursor = 0;
     for (const NUBString& piece : pieces) {
         cursor = text.FindPosition(piece, cursor);
@@ -48,11 +49,11 @@ bool holdsInOrder(const NUBString& text, const NUBListValNUBString& pieces) {
     return true;
 }
 
-bool beginsWith(const NUBString& text, const NUBString& entry) {
+bool BeginsWith(const NUBString& text, const NUBString& entry) {
     return text.View().starts_with(entry.View());
 }
 
-void insertIntoPair(const NUBString& text, NUBListValNUBString& list, int first, int last) {
+void InsertIntoPair(const NUBString& text, NUBListValNUBString& list, int first, int last) {
     if (text == list[first] || text == list[last]) return;
     if (text < list[first])
         list.InsertBefore(first, text);
@@ -83,11 +84,11 @@ int Split(const NUBString& text, NUBListValNUBString& out) {
 }
 
 int Split(const NUBString& text, NUBListValNUBString& out, const NUBString& separator) {
-    return splitInto(text, out, separator, separator.Length(), noLimit);
+    return SplitInto(text, out, separator, separator.Length(), noLimit);
 }
 
 int Split(const NUBString& text, NUBListValNUBString& out, const NUBString& separator, int limit) {
-    return splitInto(text, out, separator, separator.Length() > 0, limit < 2 ? 0 : limit - 1);
+    return SplitInto(text, out, separator, separator.Length() > 0, limit < 2 ? 0 : limit - 1);
 }
 
 int Split(const NUBString& text, NUBListValNUBString& out, int count) {
@@ -103,7 +104,7 @@ NUBString GetDate() {
 }
 
 NUBString GetSortDate() {
-    const std::tm now = localTime();
+    const std::tm now = LocalTime();
     char date[80];
     std::snprintf(date, sizeof date, "%.2d-%.2d-%.2d-%.2d-%.2d-%.2d", now.tm_year, now.tm_mon + 1,
                   now.tm_mday, now.tm_hour, now.tm_min, now.tm_sec);
@@ -111,7 +112,7 @@ NUBString GetSortDate() {
 }
 
 NUBString GetShortDate() {
-    const std::tm now = localTime();
+    const std::tm now = LocalTime();
     char date[80];
     std::snprintf(date, sizeof date, "%.2d-%.2d.%.2d:%.2d", now.tm_mon + 1, now.tm_mday, now.tm_hour,
                   now.tm_min);
@@ -127,11 +128,11 @@ int TestMatch(const NUBString& text, const NUBString& pattern) {
     NUBListValNUBString pieces;
     const int count = Split(pattern, pieces, "*");
     if (count == 0) return 0;
-    if (!pattern.View().starts_with('*') && !beginsWith(text, pieces[1])) return 0;
+    if (!pattern.View().starts_with('*') && !BeginsWith(text, pieces[1])) return 0;
     const std::string_view last = pieces[count].View();
     // A text shorter than the last piece fails below, where the piece isn't found.
     if (!pattern.View().ends_with('*') && !text.View().ends_with(last)) return 0;
-    return holdsInOrder(text, pieces);
+    return HoldsInOrder(text, pieces);
 }
 
 int TestMatchNoCase(const NUBString& text, const NUBString& pattern) {
@@ -153,8 +154,8 @@ int rSearchInStringList(const NUBString& text, const NUBListValNUBString& list, 
         const int middle = first + (last - first) / 2;
         (text < list[middle] ? last : first) = middle;
     }
-    if (beginsWith(text, list[first])) return first;
-    return beginsWith(text, list[last]) ? last : 0;
+    if (BeginsWith(text, list[first])) return first;
+    return BeginsWith(text, list[last]) ? last : 0;
 }
 
 void InsertInList(const NUBString& text, NUBListValNUBString& list) {
@@ -170,7 +171,7 @@ void rInsertInList(const NUBString& text, NUBListValNUBString& list, int first, 
         const int middle = first + (last - first) / 2;
         (text < list[middle] ? last : first) = middle;
     }
-    insertIntoPair(text, list, first, last);
+    InsertIntoPair(text, list, first, last);
 }
 
 // Nothing in `text` is looked at twice, save the character at which a begun match fails.

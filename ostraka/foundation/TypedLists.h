@@ -19,9 +19,10 @@
 //
 //     using NUBListValTAPAttr = ostraka::detail::ValueList<TAPAttr>;
 
+#include <utility>
+
 #include <basalt/NUBRawColl.h>
 #include <ostraka/Export.h>
-#include <utility>
 
 namespace ostraka::detail {
 
@@ -74,7 +75,7 @@ public:
     // Empty, with room for so many; the second argument has no effect.
     explicit ValueList(int room) : elements(room) {}
     ValueList(int room, int) : elements(room) {}
-    ValueList(const ValueList& other) : NUBCollecRoot(other), elements(other.Size()) { appendAll(other); }
+    ValueList(const ValueList& other) : NUBCollecRoot(other), elements(other.Size()) { AppendAll(other); }
     // The other list may lie within an element of this one.
     ValueList& operator=(const ValueList& other) {
         if (this == &other) return *this;
@@ -82,7 +83,7 @@ public:
         std::swap(elements, copy.elements);
         return *this;
     }
-    ~ValueList() override { deleteAll(); }
+    ~ValueList() override { DeleteAll(); }
 
     int Size() const { return elements.size; }
     X& operator[](int i) { return *static_cast<X*>(elements[i]); }
@@ -93,7 +94,7 @@ public:
 
     // Deletes every element, from the last to the first.
     void RemoveAll(NUBCollec::MemoryHandling mode) {
-        deleteAll();
+        DeleteAll();
         elements.RemoveAll(mode);
     }
 
@@ -118,10 +119,10 @@ public:
     void QuickSort(int (*order)(X*, X*)) { elements.QuickSort(order); }
 
 private:
-    void appendAll(const ValueList& other) {
+    void AppendAll(const ValueList& other) {
         for (int i = 1; i <= other.Size(); ++i) Append(other[i]);
     }
-    void deleteAll() {
+    void DeleteAll() {
         for (int i = Size(); i >= 1; --i) delete &(*this)[i];
     }
 

@@ -8,9 +8,10 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <string>
+
 #include <ostraka/memreport/CallText.h>
 #include <ostraka/memreport/TAPIndexContainer.h>
-#include <string>
 
 namespace {
 

@@ -13,10 +13,11 @@
 // `TAPIndexContainer::respForFwIndex`. Both are good while those entries last. Lines and paths may have any
 // length.
 
+#include <string_view>
+
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TAIndex.h>
 #include <ostraka/foundation/TypedLists.h>
-#include <string_view>
 
 class Call;
 

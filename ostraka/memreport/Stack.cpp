@@ -4,11 +4,12 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
+
 #include <ostraka/foundation/AppendOrGet.h>
 #include <ostraka/foundation/Fatal.h>
 #include <ostraka/memreport/CallText.h>
 #include <ostraka/memreport/TAPIndexContainer.h>
-#include <string_view>
 
 namespace {
 

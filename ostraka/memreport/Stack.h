@@ -7,9 +7,10 @@
 // the stacks, owns them, and keeps them while an index names them. The keys belong to the index, the calls to
 // whoever built them, and the framework's name to `TAPIndexContainer::respForFwIndex`.
 
+#include <cstdint>
+
 #include <basalt/NUBListValNUBString.h>
 #include <basalt/NUBString.h>
-#include <cstdint>
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TAIndex.h>
 #include <ostraka/foundation/TAIndexB.h>

@@ -11,8 +11,9 @@
 #include <climits>
 #include <cstring>
 #include <functional>
-#include <ostraka/memreport/Call.h>
 #include <string_view>
+
+#include <ostraka/memreport/Call.h>
 
 namespace {
 

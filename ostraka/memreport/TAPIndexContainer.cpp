@@ -7,10 +7,11 @@
 #include <cstdlib>
 #include <memory>
 #include <new>
-#include <ostraka/foundation/TextHelpers.h>
-#include <ostraka/workspace/FrameworkResponsibility.h>
 #include <utility>
 #include <vector>
+
+#include <ostraka/foundation/TextHelpers.h>
+#include <ostraka/workspace/FrameworkResponsibility.h>
 
 #define EARLIEST [[gnu::init_priority(101)]]
 

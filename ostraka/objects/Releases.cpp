@@ -1,11 +1,11 @@
 #include <ostraka/objects/Releases.h>
 
-#include <ostraka/foundation/Ref.h>
-#include <ostraka/foundation/ReleaseQueue.h>
-
 #include <cstdlib>
 #include <utility>
 #include <vector>
+
+#include <ostraka/foundation/Ref.h>
+#include <ostraka/foundation/ReleaseQueue.h>
 
 namespace ostraka::detail {
 

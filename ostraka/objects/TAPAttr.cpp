@@ -1,44 +1,44 @@
-#include <ostraka/objects/TAPAttr.h>
+// Lists may lie in lists and objects in objects without an end that the stack could bear, so copies
+// and comparisons keep what is left to do in a list of their own.
 
-#include <ostraka/foundation/Fatal.h>
-#include <ostraka/objects/Releases.h>
-#include <ostraka/objects/TAPObject.h>
+#include <ostraka/objects/TAPAttr.h>
 
 #include <cstring>
 #include <new>
 #include <utility>
 #include <vector>
 
-// Lists may lie in lists and objects in objects without an end that the stack could bear, so copies
-// and comparisons keep what is left to do in a list of their own.
+#include <ostraka/foundation/Fatal.h>
+#include <ostraka/objects/Releases.h>
+#include <ostraka/objects/TAPObject.h>
 
 namespace {
 
 using List = NUBListValTAPAttr;
 
 template <class Held>
-std::intptr_t wordOf(Held* held) {
+std::intptr_t WordOf(Held* held) {
     return reinterpret_cast<std::intptr_t>(held);
 }
 
 template <class Held>
-Held* heldBy(const TAPAttr& attr) {
+Held* HeldBy(const TAPAttr& attr) {
     return reinterpret_cast<Held*>(attr.value);
 }
 
 template <class Counted>
-Counted* shared(Counted* object) {
+Counted* Shared(Counted* object) {
     if (object != nullptr) object->AddRef();
     return object;
 }
 
-char* copyOf(const char* text) {
+char* CopyOf(const char* text) {
     char* copy = strdup(text != nullptr ? text : "");
     if (copy == nullptr) throw std::bad_alloc();
     return copy;
 }
 
-List* copyOf(const List& list) {
+List* CopyOf(const List& list) {
     auto* copy = new List(list.Size());
     std::vector<std::pair<const List*, List*>> open{{&list, copy}};
     while (!open.empty()) {
@@ -49,10 +49,10 @@ List* copyOf(const List& list) {
             const bool nested = element.IsType(TAPATTR_List);
             to->Append(nested ? TAPAttr() : element);
             if (!nested) continue;
-            const auto* inner = heldBy<const List>(element);
+            const auto* inner = HeldBy<const List>(element);
             auto* innerCopy = new List(inner->Size());
             (*to)[i].type = TAPATTR_List;
-            (*to)[i].value = wordOf(innerCopy);
+            (*to)[i].value = WordOf(innerCopy);
             open.emplace_back(inner, innerCopy);
         }
     }
@@ -60,33 +60,33 @@ List* copyOf(const List& list) {
 }
 
 // The word of a copy.
-std::intptr_t copyOf(const TAPAttr& attr) {
+std::intptr_t CopyOf(const TAPAttr& attr) {
     switch (attr.type) {
-    case TAPATTR_String: return wordOf(copyOf(heldBy<const char>(attr)));
-    case TAPATTR_FileName: return wordOf(new TAFileName(*heldBy<const TAFileName>(attr)));
-    case TAPATTR_Object: return wordOf(shared(heldBy<TAPObject>(attr)));
-    case TAPATTR_List: return wordOf(copyOf(*heldBy<const List>(attr)));
-    case TAPATTR_Path: return wordOf(shared(heldBy<TAPPath>(attr)));
+    case TAPATTR_String: return WordOf(CopyOf(HeldBy<const char>(attr)));
+    case TAPATTR_FileName: return WordOf(new TAFileName(*HeldBy<const TAFileName>(attr)));
+    case TAPATTR_Object: return WordOf(Shared(HeldBy<TAPObject>(attr)));
+    case TAPATTR_List: return WordOf(CopyOf(*HeldBy<const List>(attr)));
+    case TAPATTR_Path: return WordOf(Shared(HeldBy<TAPPath>(attr)));
     default: return attr.value;
     }
 }
 
-const char* textOf(const TAPAttr& attr) {
-    if (attr.IsType(TAPATTR_String)) return heldBy<const char>(attr);
-    return *heldBy<const TAFileName>(attr);
+const char* TextOf(const TAPAttr& attr) {
+    if (attr.IsType(TAPATTR_String)) return HeldBy<const char>(attr);
+    return *HeldBy<const TAFileName>(attr);
 }
 
 // Of values of one kind, no lists.
-bool differ(const TAPAttr& a, const TAPAttr& b) {
+bool Differ(const TAPAttr& a, const TAPAttr& b) {
     switch (a.type) {
     case TAPATTR_Null: return false;
     case TAPATTR_String:
-    case TAPATTR_FileName: return std::strcmp(textOf(a), textOf(b)) != 0;
+    case TAPATTR_FileName: return std::strcmp(TextOf(a), TextOf(b)) != 0;
     default: return a.value != b.value;
     }
 }
 
-bool differ(const List& left, const List& right) {
+bool Differ(const List& left, const List& right) {
     std::vector<std::pair<const List*, const List*>> open{{&left, &right}};
     while (!open.empty()) {
         const auto [a, b] = open.back();
@@ -97,8 +97,8 @@ bool differ(const List& left, const List& right) {
             const TAPAttr& y = (*b)[i];
             if (x.type != y.type) return true;
             if (x.IsType(TAPATTR_List))
-                open.emplace_back(heldBy<const List>(x), heldBy<const List>(y));
-            else if (differ(x, y))
+                open.emplace_back(HeldBy<const List>(x), HeldBy<const List>(y));
+            else if (Differ(x, y))
                 return true;
         }
     }
@@ -117,19 +117,19 @@ constinit NeverDestroyed null;
 
 constinit const TAPAttr& TAPAttr::Null = null.attr;
 
-TAPAttr::TAPAttr(const TAFileName& name) : value(wordOf(new TAFileName(name))), type(TAPATTR_FileName) {}
+TAPAttr::TAPAttr(const TAFileName& name) : value(WordOf(new TAFileName(name))), type(TAPATTR_FileName) {}
 
-TAPAttr::TAPAttr(const char* text) : value(wordOf(copyOf(text))), type(TAPATTR_String) {}
+TAPAttr::TAPAttr(const char* text) : value(WordOf(CopyOf(text))), type(TAPATTR_String) {}
 
 TAPAttr::TAPAttr(const NUBString& text) : TAPAttr(text.CastToCharPtr()) {}
 
-TAPAttr::TAPAttr(const NUBListValTAPAttr& list) : value(wordOf(copyOf(list))), type(TAPATTR_List) {}
+TAPAttr::TAPAttr(const NUBListValTAPAttr& list) : value(WordOf(CopyOf(list))), type(TAPATTR_List) {}
 
-TAPAttr::TAPAttr(TAPObject* object) : value(wordOf(shared(object))), type(TAPATTR_Object) {}
+TAPAttr::TAPAttr(TAPObject* object) : value(WordOf(Shared(object))), type(TAPATTR_Object) {}
 
-TAPAttr::TAPAttr(TAPPath* path) : value(wordOf(shared(path))), type(TAPATTR_Path) {}
+TAPAttr::TAPAttr(TAPPath* path) : value(WordOf(Shared(path))), type(TAPATTR_Path) {}
 
-TAPAttr::TAPAttr(const TAPAttr& other) : value(copyOf(other)), type(other.type) {}
+TAPAttr::TAPAttr(const TAPAttr& other) : value(CopyOf(other)), type(other.type) {}
 
 TAPAttr& TAPAttr::operator=(const TAPAttr& other) {
     if (this != &other) *this = TAPAttr(other);
@@ -143,7 +143,7 @@ TAPAttr& TAPAttr::operator=(TAPAttr&& other) noexcept {
     return *this;
 }
 
-void TAPAttr::release() {
+void TAPAttr::Release() {
     ostraka::detail::ReleaseContent(*this);
 }
 
@@ -154,22 +154,22 @@ int TAPAttr::GetInteger() const {
 
 NUBString TAPAttr::GetString() const {
     FATAL(type != TAPATTR_String, "TAPAttr::GetString : bad type for get");
-    return heldBy<const char>(*this);
+    return HeldBy<const char>(*this);
 }
 
 TAFileName TAPAttr::GetFileName() const {
     FATAL(type != TAPATTR_FileName, "TAPAttr::GetFileName : bad type for get");
-    return *heldBy<TAFileName>(*this);
+    return *HeldBy<TAFileName>(*this);
 }
 
 TAPObject* TAPAttr::GetObject() const {
     FATAL(type != TAPATTR_Object, "TAPAttr::GetObject : bad type for get");
-    return shared(heldBy<TAPObject>(*this));
+    return Shared(HeldBy<TAPObject>(*this));
 }
 
 TAPPath* TAPAttr::GetPath() const {
     FATAL(type != TAPATTR_Path, "TAPAttr::GetPath : bad type for get");
-    return shared(heldBy<TAPPath>(*this));
+    return Shared(HeldBy<TAPPath>(*this));
 }
 
 NUBListValTAPAttr& TAPAttr::GetList() {
@@ -178,7 +178,7 @@ NUBListValTAPAttr& TAPAttr::GetList() {
 
 const NUBListValTAPAttr& TAPAttr::GetList() const {
     FATAL(type != TAPATTR_List, "TAPAttr::GetList : bad type for get");
-    return *heldBy<const List>(*this);
+    return *HeldBy<const List>(*this);
 }
 
 int TAPAttr::GetInteger(int fallback) const {
@@ -194,11 +194,11 @@ TAFileName TAPAttr::GetFileName(const TAFileName& fallback) const {
 }
 
 TAPObject* TAPAttr::GetObject(TAPObject* fallback) const {
-    return IsType(TAPATTR_Object) ? GetObject() : shared(fallback);
+    return IsType(TAPATTR_Object) ? GetObject() : Shared(fallback);
 }
 
 TAPPath* TAPAttr::GetPath(TAPPath* fallback) const {
-    return IsType(TAPATTR_Path) ? GetPath() : shared(fallback);
+    return IsType(TAPATTR_Path) ? GetPath() : Shared(fallback);
 }
 
 NUBListValTAPAttr& TAPAttr::GetList(NUBListValTAPAttr& fallback) {
@@ -211,14 +211,14 @@ const NUBListValTAPAttr& TAPAttr::GetList(const NUBListValTAPAttr& fallback) con
 
 int TAPAttr::operator!=(const TAPAttr& other) const {
     if (type != other.type) return 1;
-    return IsType(TAPATTR_List) ? differ(GetList(), other.GetList()) : differ(*this, other);
+    return IsType(TAPATTR_List) ? Differ(GetList(), other.GetList()) : Differ(*this, other);
 }
 
 int TAPAttr::operator<(const TAPAttr& other) const {
     if (type != other.type) return type < other.type;
     switch (type) {
     case TAPATTR_String:
-    case TAPATTR_FileName: return std::strcmp(textOf(*this), textOf(other)) < 0;
+    case TAPATTR_FileName: return std::strcmp(TextOf(*this), TextOf(other)) < 0;
     case TAPATTR_Integer: return value < other.value;
     case TAPATTR_Object:
     case TAPATTR_Path: return static_cast<std::uintptr_t>(value) < static_cast<std::uintptr_t>(other.value);

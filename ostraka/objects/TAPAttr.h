@@ -14,13 +14,13 @@
 // that it holds before the next. Only where about a hundred of their destructors stand above each other on
 // the machine stack does what the innermost one lets go of wait until that one has returned.
 
+#include <cstdint>
+#include <utility>
+
 #include <basalt/NUBString.h>
 #include <ostraka/Export.h>
 #include <ostraka/foundation/TAFileName.h>
 #include <ostraka/foundation/TypedLists.h>
-
-#include <cstdint>
-#include <utility>
 
 class TAPAttr;
 class TAPObject;
@@ -64,7 +64,7 @@ public:
     TAPAttr(TAPAttr&& other) noexcept
         : value(std::exchange(other.value, 0)), type(std::exchange(other.type, TAPATTR_Null)) {}
     ~TAPAttr() {
-        if (type != TAPATTR_Null) release();
+        if (type != TAPATTR_Null) Release();
     }
 
     // The other value may be this one, or lie within its list.
@@ -105,5 +105,5 @@ public:
     int operator>(const TAPAttr& other) const { return other < *this; }
 
 private:
-    void release();
+    void Release();
 };

@@ -95,6 +95,6 @@ public:
     TAPObject* GetObject(const TAPPath* way) const;
 
 private:
-    TAPAttr* find(const char* name) const { return static_cast<TAPAttr*>(attributes[name]); }
-    void givePlace(TAPObject* child, const char* name) const;
+    TAPAttr* Find(const char* name) const { return static_cast<TAPAttr*>(attributes[name]); }
+    void GivePlace(TAPObject* child, const char* name) const;
 };

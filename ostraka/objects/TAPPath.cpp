@@ -1,11 +1,10 @@
-#include <ostraka/objects/TAPObject.h>
-
 #include <cstdlib>
 #include <cstring>
 #include <new>
 #include <vector>
 
 #include <ostraka/foundation/Ref.h>
+#include <ostraka/objects/TAPObject.h>
 
 using ostraka::detail::Ref;
 

@@ -41,34 +41,34 @@ public:
     explicit Loader(TAPSymbolTable& ofTable) : table(ofTable), memory(HeaderMemory::Of(ofTable)) {}
 
     // The results of headers are dropped; the file that was asked for is the last to be finished.
-    int load(Language language, TAFileBuffer* buffer, int full) {
-        int result = begin(language, buffer, full);
+    int Load(Language language, TAFileBuffer* buffer, int full) {
+        int result = Begin(language, buffer, full);
         while (!pending.empty()) {
-            if (loadNextHeader()) continue;
+            if (LoadNextHeader()) continue;
             PendingLoad done = std::move(pending.back());
             pending.pop_back();
-            result = finish(done);
+            result = Finish(done);
         }
         return result;
     }
 
 private:
-    int begin(Language language, TAFileBuffer* buffer, int full);
-    bool wasHandled(const char* name, int full);
-    void searchHeaders(PendingLoad& load) const;
-    void listKnownHeaders(PendingLoad& load);
-    bool loadNextHeader();
-    int finish(PendingLoad& load);
-    int makeTree(PendingLoad& load);
-    int scan(PendingLoad& load, TAPSyntaxe* root);
-    void readInterfaces(TAPDefSource& header);
+    int Begin(Language language, TAFileBuffer* buffer, int full);
+    bool WasHandled(const char* name, int full);
+    void SearchHeaders(PendingLoad& load) const;
+    void ListKnownHeaders(PendingLoad& load);
+    bool LoadNextHeader();
+    int Finish(PendingLoad& load);
+    int MakeTree(PendingLoad& load);
+    int Scan(PendingLoad& load, TAPSyntaxe* root);
+    void ReadInterfaces(TAPDefSource& header);
 
     TAPSymbolTable& table;
     const HeaderMemory& memory;
     std::vector<PendingLoad> pending;
 };
 
-bool Loader::wasHandled(const char* name, int full) {
+bool Loader::WasHandled(const char* name, int full) {
     if (full == 0) {
         if (table.scannedFiles.Holds(name)) return true;
         table.scannedFiles.Append(name, nullptr, 0);
@@ -77,9 +77,9 @@ bool Loader::wasHandled(const char* name, int full) {
 }
 
 // The first half. It ends with the file on the stack, unless there is nothing to do or the text is unsound.
-int Loader::begin(Language language, TAFileBuffer* buffer, int full) {
+int Loader::Begin(Language language, TAFileBuffer* buffer, int full) {
     if (buffer == nullptr) return nothingGiven;
-    if (wasHandled(buffer->fileName, full)) {
+    if (WasHandled(buffer->fileName, full)) {
         delete buffer;
         return loaded;
     }
@@ -102,13 +102,13 @@ int Loader::begin(Language language, TAFileBuffer* buffer, int full) {
     }
     load.record->nbLine = load.file->GetNbLine();
     load.record->nbCodeLine = load.file->GetNbCodeLine();
-    if (full != 0) searchHeaders(load);
-    if (language == Language::Idl) listKnownHeaders(load);
+    if (full != 0) SearchHeaders(load);
+    if (language == Language::Idl) ListKnownHeaders(load);
     pending.push_back(std::move(load));
     return loaded;
 }
 
-void Loader::searchHeaders(PendingLoad& load) const {
+void Loader::SearchHeaders(PendingLoad& load) const {
     const TAIndex& names = load.file->includes;
     load.headers.clear();
     for (int i = names.size - 1; i >= 0; --i) {
@@ -119,37 +119,37 @@ void Loader::searchHeaders(PendingLoad& load) const {
 }
 
 // A file of interfaces lists the headers that are loaded by now a second time.
-void Loader::listKnownHeaders(PendingLoad& load) {
+void Loader::ListKnownHeaders(PendingLoad& load) {
     for (const TAFileName& header : load.headers)
         if (TAPDefSource* known = table.GetSource(header)) load.record->AddInclude(known);
 }
 
 // False when the file on top waits for nothing more.
-bool Loader::loadNextHeader() {
+bool Loader::LoadNextHeader() {
     PendingLoad& load = pending.back();
     if (load.next == load.headers.size()) return false;
     const TAFileName header = load.headers[load.next++];
     if (table.sources.Holds(header)) return true;
-    begin(LanguageOfHeader(table, load.language, header), new TAFileBuffer(header, 0), 1);
+    Begin(LanguageOfHeader(table, load.language, header), new TAFileBuffer(header, 0), 1);
     return true;
 }
 
 // The second half. All headers are loaded now. Those who were told of them may have made others.
-int Loader::finish(PendingLoad& load) {
-    if (load.full != 0 && load.round != memory.Round()) searchHeaders(load);
+int Loader::Finish(PendingLoad& load) {
+    if (load.full != 0 && load.round != memory.Round()) SearchHeaders(load);
     for (const TAFileName& header : load.headers) {
         TAPDefSource* included = table.GetSource(header);
         if (included == nullptr) continue;
         load.record->AddInclude(included);
-        if (load.record->readForInterfaces && table.headersByEnding) readInterfaces(*included);
+        if (load.record->readForInterfaces && table.headersByEnding) ReadInterfaces(*included);
     }
-    const int result = makeTree(load);
+    const int result = MakeTree(load);
     load.record->Release();
     return result;
 }
 
 // Takes the tree that a light load has left, or builds one; then reads its declarations.
-int Loader::makeTree(PendingLoad& load) {
+int Loader::MakeTree(PendingLoad& load) {
     const char* name = load.record->name.CastToCharPtr();
     const int position = table.trees.IsIn(name);
     TAPSyntaxe* root = nullptr;
@@ -173,12 +173,12 @@ int Loader::makeTree(PendingLoad& load) {
     load.record->SetSyntaxe(root);
     load.file->RemoveSubscriber(&table);
     load.file->Release();
-    return scan(load, root);
+    return Scan(load, root);
 }
 
 // Reads a header that was loaded as C++ for its interfaces, those that it includes first. What has no tree
 // yet waits for its own scan.
-void Loader::readInterfaces(TAPDefSource& header) {
+void Loader::ReadInterfaces(TAPDefSource& header) {
     struct Visit {
         TAPDefSource* source;
         int next = 1; // of its includes
@@ -200,7 +200,7 @@ void Loader::readInterfaces(TAPDefSource& header) {
     }
 }
 
-int Loader::scan(PendingLoad& load, TAPSyntaxe* root) {
+int Loader::Scan(PendingLoad& load, TAPSyntaxe* root) {
     const int result =
         load.language == Language::Cxx ? table.SearchDeclarations(root, load.record, load.full) : 0;
     if (load.record->readForInterfaces) table.SearchIdlDeclarations(root, load.record, load.full);
@@ -215,7 +215,7 @@ int Loader::scan(PendingLoad& load, TAPSyntaxe* root) {
 
 int ostraka::detail::LoadAs(Language language, TAPSymbolTable& table, TAFileBuffer* buffer, int full) {
     const LoadInProgress load(table);
-    return Loader(table).load(language, buffer, full);
+    return Loader(table).Load(language, buffer, full);
 }
 
 Language ostraka::detail::LanguageOfHeader(const TAPSymbolTable& table, Language includer, const char* path) {

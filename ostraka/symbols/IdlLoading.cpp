@@ -31,13 +31,13 @@ struct Direction {
 constexpr Direction directions[] = {
     {"in", TAPDefVar::In, "&"}, {"out", TAPDefVar::Out, "*&"}, {"inout", TAPDefVar::InOut, "&"}};
 
-const Direction* directionOf(const NUBString& word) {
+const Direction* DirectionOf(const NUBString& word) {
     for (const Direction& direction : directions)
         if (word == direction.word) return &direction;
     return nullptr;
 }
 
-void enter(TAIndex& index, const NUBString& name) {
+void Enter(TAIndex& index, const NUBString& name) {
     index.Append(name.CastToCharPtr(), nullptr, 0);
 }
 
@@ -47,22 +47,22 @@ public:
         : table(symbols), source(record), full(withRecords) {}
 
     // A declaration, with the block behind it or null.
-    void scan(TAPSyntaxe& head, TAPSyntaxe* body) {
+    void Scan(TAPSyntaxe& head, TAPSyntaxe* body) {
         if (EnterNamedType(table, head)) return;
         if (!StreamOf(head).starts_with("interface ") || head.ChildCount() == 0) return;
         const NUBString name(TextOf(*head.Child(1)));
         if (body == nullptr) {
-            enter(source.forwardClasses, name);
-            enterNames(name);
-        } else if (isFree(name)) {
-            define(name, head, *body);
+            Enter(source.forwardClasses, name);
+            EnterNames(name);
+        } else if (IsFree(name)) {
+            Define(name, head, *body);
         }
     }
 
 private:
     // Whether the name can be declared now. The first declaration wins, but of `IDispatch`, and of what that
     // begins with, the last does.
-    bool isFree(const NUBString& name) {
+    bool IsFree(const NUBString& name) {
         const int position = table.classIndex.IsIn(name.CastToCharPtr());
         if (position < 0) return true;
         if (!std::string_view("IDispatch").starts_with(name.View())) return false;
@@ -72,28 +72,28 @@ private:
         return true;
     }
 
-    void define(const NUBString& name, TAPSyntaxe& head, TAPSyntaxe& body) {
+    void Define(const NUBString& name, TAPSyntaxe& head, TAPSyntaxe& body) {
         const auto record = Ref<TAPDefClass>::Adopt(new TAPDefClass(&head, &body, &source, &table));
         const bool handle = name.FindPosition("_var") >= 0;
         if (!handle) {
             record->kind = TAPDefClass::Interface;
-            if (full) keep(name, record);
+            if (full) Keep(name, record);
         }
-        enterNames(name);
+        EnterNames(name);
         if (!handle) record->SearchIdlMethods(&table);
     }
 
-    void keep(const NUBString& name, Ref<TAPDefClass> record) {
+    void Keep(const NUBString& name, Ref<TAPDefClass> record) {
         source.AddDefClass(record.Get());
         table.classIndex.Append(name.CastToCharPtr(), record.HandOver(), 0);
     }
 
     // A handle makes known what it is a handle on, if anything.
-    void enterNames(const NUBString& name) {
+    void EnterNames(const NUBString& name) {
         const NUBString referred(BeforeHandle(name.View()));
         if (referred.Length() == 0 && name.Length() > 0) return;
-        enter(table.types, referred);
-        enter(table.interfaceNames, referred);
+        Enter(table.types, referred);
+        Enter(table.interfaceNames, referred);
     }
 
     TAPSymbolTable& table;
@@ -101,7 +101,7 @@ private:
     bool full;
 };
 
-void refuse(const char* key, const NUBListValNUBString& pieces) {
+void Refuse(const char* key, const NUBListValNUBString& pieces) {
     NUBUnicodeString argument;
     for (const NUBString& piece : pieces) {
         argument += piece;
@@ -111,29 +111,29 @@ void refuse(const char* key, const NUBListValNUBString& pieces) {
                                        qxExtContext.GetMsgMngr()->GetMsg(key, argument));
 }
 
-NUBString joined(const NUBListValNUBString& pieces, int first, int last) {
+NUBString Joined(const NUBListValNUBString& pieces, int first, int last) {
     NUBString text;
     for (int i = first; i <= last; ++i) text.Append(i == first ? "" : " ").Append(pieces[i]);
     return text;
 }
 
 // What stands between the direction and the name, told in terms of C++.
-NUBString typeOf(const NUBListValNUBString& pieces, const Direction& direction) {
-    return joined(pieces, 2, pieces.Size() - 1).Append(direction.ending);
+NUBString TypeOf(const NUBListValNUBString& pieces, const Direction& direction) {
+    return Joined(pieces, 2, pieces.Size() - 1).Append(direction.ending);
 }
 
 // Null for an argument that is refused, with a message and an entry in the record of its file.
-const Direction* checkedDirection(TAPSyntaxe& argument, const NUBListValNUBString& pieces,
+const Direction* CheckedDirection(TAPSyntaxe& argument, const NUBListValNUBString& pieces,
                                   TAPDefSource* source) {
     const bool tooFew = pieces.Size() < 3;
-    const Direction* direction = tooFew ? nullptr : directionOf(pieces[1]);
+    const Direction* direction = tooFew ? nullptr : DirectionOf(pieces[1]);
     if (direction != nullptr) return direction;
-    refuse(tooFew ? "TAparser.InvIdlArg" : "TAparser.InvNubIdlArg", pieces);
+    Refuse(tooFew ? "TAparser.InvIdlArg" : "TAparser.InvNubIdlArg", pieces);
     if (source != nullptr) {
         using Cause = RefusedArgument::Cause;
         source->refusedArguments.push_back({tooFew ? Cause::TooFewWords : Cause::NoDirection,
                                             argument.GetTAPSourceFile()->GetPoint(argument.GetBegin()),
-                                            joined(pieces, 1, pieces.Size())});
+                                            Joined(pieces, 1, pieces.Size())});
     }
     return nullptr;
 }
@@ -153,7 +153,7 @@ int TAPSymbolTable::SearchIdlDeclarations(TAPSyntaxe* root, TAPDefSource* source
     InterfaceScan scan(*this, *source, full != 0);
     for (int i = 1; i <= root->ChildCount(); ++i)
         if (TAPSyntaxe* head = ChildOfType(root, i, STYPE_Declaration))
-            scan.scan(*head, ChildOfType(root, i + 1, STYPE_Bloc));
+            scan.Scan(*head, ChildOfType(root, i + 1, STYPE_Bloc));
     return 0;
 }
 
@@ -186,10 +186,10 @@ int TAPDefMethod::SearchIdlArgs(TAPSymbolTable* table, TAPSyntaxe* argsNode) {
         NUBListValNUBString pieces;
         child->GetListOfString(pieces);
         const Direction* direction =
-            checkedDirection(*child, pieces, defClass != nullptr ? defClass->source : nullptr);
+            CheckedDirection(*child, pieces, defClass != nullptr ? defClass->source : nullptr);
         if (direction == nullptr) return 1;
         auto* argument = new TAPDefVar(child, pieces[pieces.Size()].CastToCharPtr(),
-                                       typeOf(pieces, *direction).CastToCharPtr(), table);
+                                       TypeOf(pieces, *direction).CastToCharPtr(), table);
         argument->direction = direction->code;
         args.Append(argument);
     }

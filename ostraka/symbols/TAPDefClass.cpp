@@ -16,9 +16,9 @@ TAPDefClass::TAPDefClass(TAPSyntaxe* declaration, TAPSyntaxe* body, TAPDefSource
     // Behind the word `class` come the name and, with a colon, the bases.
     TAPSyntaxe* head = GetDeclarationLocation();
     const bool named = head != nullptr && head->ChildCount() > 0;
-    name = named ? table->holdText(head->Child(1)->GetContent()) : "";
+    name = named ? table->HoldText(head->Child(1)->GetContent()) : "";
     if (declaration != nullptr && declaration->ChildCount() >= 2)
-        parent = table->holdText(declaration->GetLastLeaf()->GetContent());
+        parent = table->HoldText(declaration->GetLastLeaf()->GetContent());
 }
 
 TAPDefClass::~TAPDefClass() {

@@ -1,9 +1,10 @@
 #include <ostraka/symbols/TAPDefSource.h>
 
 #include <algorithm>
+#include <string_view>
+
 #include <ostraka/foundation/TAFileName.h>
 #include <ostraka/symbols/OwnedParts.h>
-#include <string_view>
 
 using namespace ostraka::detail;
 
@@ -33,7 +34,7 @@ constexpr Classification directories[] = {
 };
 
 // The dot may lie in the name of a directory; what follows it then is no extension of the table.
-int fileKindOf(std::string_view path) {
+int FileKindOf(std::string_view path) {
     const std::size_t dot = path.rfind('.');
     if (dot == std::string_view::npos) return TAPDefSource::OtherFile;
     for (const Classification& row : extensions)
@@ -41,7 +42,7 @@ int fileKindOf(std::string_view path) {
     return TAPDefSource::OtherFile;
 }
 
-int interfaceKindOf(std::string_view path) {
+int InterfaceKindOf(std::string_view path) {
     int kind = TAPDefSource::NoInterface;
     for (const Classification& row : directories)
         if (path.find(row.text) != std::string_view::npos) kind = row.kind;
@@ -49,7 +50,7 @@ int interfaceKindOf(std::string_view path) {
 }
 
 // The nearest of the path itself and its directories that holds an identity card, by its last component.
-const char* frameworkOf(const char* path) {
+const char* FrameworkOf(const char* path) {
     const char* framework = TAPDefSource::fws.Append("NotInAframework", nullptr, 0);
     TAFileName directory(path);
     while (!directory.IsNull() && !(directory + "IdentityCard").IsDirectory())
@@ -60,8 +61,8 @@ const char* frameworkOf(const char* path) {
 } // namespace
 
 TAPDefSource::TAPDefSource(const NUBString& fileName, TAPSyntaxe* root, TAPSymbolTable* table)
-    : fileKind(fileKindOf(fileName.View())), interfaceKind(interfaceKindOf(fileName.View())), name(fileName),
-      framework(frameworkOf(fileName.CastToCharPtr())) {
+    : fileKind(FileKindOf(fileName.View())), interfaceKind(InterfaceKindOf(fileName.View())), name(fileName),
+      framework(FrameworkOf(fileName.CastToCharPtr())) {
     symTab = table;
     path = PathTo(root);
 }

@@ -32,23 +32,23 @@ constexpr const char* basicTypeTable[] = {
 constexpr const char* lightLoadProblem = "Problem while loading a file in light mode";
 
 template <class Record>
-Record* valueAt(const TAIndex& index, int position) {
+Record* ValueAt(const TAIndex& index, int position) {
     return static_cast<Record*>(index.values[position]);
 }
 
 template <class Record>
-Record* valueOf(const TAIndex& index, const char* key) {
+Record* ValueOf(const TAIndex& index, const char* key) {
     return static_cast<Record*>(index[key]);
 }
 
 // Gives back the index's reference on each value, from the last to the first.
 template <class Record>
-void releaseValues(const TAIndex& index) {
-    for (int i = index.size - 1; i >= 0; --i) ReleaseIfAny(valueAt<Record>(index, i));
+void ReleaseValues(const TAIndex& index) {
+    for (int i = index.size - 1; i >= 0; --i) ReleaseIfAny(ValueAt<Record>(index, i));
 }
 
 // A look at the path spares resolving the classes of other files, and reading a dropped tree again.
-bool isDeclaredIn(TAPDefClass* cls, const TAPDefSource& source, bool hasTree) {
+bool IsDeclaredIn(TAPDefClass* cls, const TAPDefSource& source, bool hasTree) {
     if (cls->path == nullptr || cls->path->filePath != source.name) return false;
     if (!hasTree) return true;
     TAPSyntaxe* declaration = cls->GetDeclarationLocation();
@@ -56,12 +56,12 @@ bool isDeclaredIn(TAPDefClass* cls, const TAPDefSource& source, bool hasTree) {
 }
 
 // Takes the classes of a source out of the index, from the last to the first.
-void dropClassesOf(const TAPDefSource& source, bool hasTree, TAIndex& classIndex) {
+void DropClassesOf(const TAPDefSource& source, bool hasTree, TAIndex& classIndex) {
     std::vector<int> positions;
     for (int i = classIndex.size - 1; i >= 0; --i)
-        if (isDeclaredIn(valueAt<TAPDefClass>(classIndex, i), source, hasTree)) positions.push_back(i);
+        if (IsDeclaredIn(ValueAt<TAPDefClass>(classIndex, i), source, hasTree)) positions.push_back(i);
     for (int position : positions) {
-        const auto cls = Ref<TAPDefClass>::Adopt(valueAt<TAPDefClass>(classIndex, position));
+        const auto cls = Ref<TAPDefClass>::Adopt(ValueAt<TAPDefClass>(classIndex, position));
         classIndex.RemovePosition(position);
     }
 }
@@ -95,7 +95,7 @@ TAPSymbolTable::TAPSymbolTable()
 }
 
 TAPSymbolTable::~TAPSymbolTable() {
-    releaseAll();
+    ReleaseAllFiles();
 }
 
 int TAPSymbolTable::ReceiveCallback(TACallbackPublisher* publisher, int event, void* data1, void*) {
@@ -129,11 +129,11 @@ int TAPSymbolTable::AddSyntaxeInTable(const NUBString& name, TAPSyntaxe* root) {
 }
 
 int TAPSymbolTable::UnLoadFile(const char* name) {
-    auto* source = valueOf<TAPDefSource>(sources, name);
+    auto* source = ValueOf<TAPDefSource>(sources, name);
     if (source == nullptr) return 1;
     const NUBString path(name); // the argument may be a key that goes
     BreakCirclesOfTies({source});
-    dropClassesOf(*source, trees.Holds(name), classIndex);
+    DropClassesOf(*source, trees.Holds(name), classIndex);
     source->LeaveIncluders();
     sources.RemovePosition(sources.IsIn(path.CastToCharPtr()));
     source->Release();
@@ -157,7 +157,7 @@ void TAPSymbolTable::DropTrees() {
 }
 
 void TAPSymbolTable::UnLoadAllFiles() {
-    releaseAll();
+    ReleaseAllFiles();
     TAIndex* const emptied[] = {&classIndex, &functions,    &trees,       &sources,
                                 &types,      &macros,       &classNames,  &interfaceNames,
                                 &enumNames,  &typedefNames, &scannedFiles};
@@ -167,16 +167,16 @@ void TAPSymbolTable::UnLoadAllFiles() {
     GiveMemoryBack();
 }
 
-void TAPSymbolTable::releaseAll() {
+void TAPSymbolTable::ReleaseAllFiles() {
     std::vector<TAPDefSource*> records;
     records.reserve(static_cast<std::size_t>(sources.size));
-    for (int i = 0; i < sources.size; ++i) records.push_back(valueAt<TAPDefSource>(sources, i));
+    for (int i = 0; i < sources.size; ++i) records.push_back(ValueAt<TAPDefSource>(sources, i));
     BreakCirclesOfTies(records);
-    releaseValues<TAPDefClass>(classIndex);
-    releaseValues<TAPSyntaxe>(trees);
+    ReleaseValues<TAPDefClass>(classIndex);
+    ReleaseValues<TAPSyntaxe>(trees);
     // Before any record goes, and upward, since the lists run downward and give up their last entry for less.
     for (TAPDefSource* record : records) record->LeaveIncluders();
-    releaseValues<TAPDefSource>(sources);
+    ReleaseValues<TAPDefSource>(sources);
 }
 
 TAPSyntaxe* TAPSymbolTable::GetSyntaxe(TAPSyntaxePath* path) {
@@ -186,7 +186,7 @@ TAPSyntaxe* TAPSymbolTable::GetSyntaxe(TAPSyntaxePath* path) {
         errMsg = lightLoadProblem;
         return nullptr;
     }
-    auto* node = valueOf<TAPSyntaxe>(trees, file);
+    auto* node = ValueOf<TAPSyntaxe>(trees, file);
     for (int i = 1; i <= path->posInTree.size && node != nullptr; ++i) {
         const int position = path->posInTree[i];
         node = position >= 1 && position <= node->ChildCount() ? node->Child(position) : nullptr;
@@ -195,17 +195,17 @@ TAPSyntaxe* TAPSymbolTable::GetSyntaxe(TAPSyntaxePath* path) {
 }
 
 TAPDefSource* TAPSymbolTable::GetSource(const char* name) const {
-    return valueOf<TAPDefSource>(sources, name);
+    return ValueOf<TAPDefSource>(sources, name);
 }
 
 TAPDefClass* TAPSymbolTable::GetClass(const char* name) const {
-    return valueOf<TAPDefClass>(classIndex, name);
+    return ValueOf<TAPDefClass>(classIndex, name);
 }
 
 void TAPSymbolTable::GetClassNames(NUBListValNUBString& names, int mask) const {
     names.RemoveAll(0);
     for (int i = 0; i < classIndex.size; ++i)
-        if ((valueAt<TAPDefClass>(classIndex, i)->kind & mask) != 0)
+        if ((ValueAt<TAPDefClass>(classIndex, i)->kind & mask) != 0)
             names.Append(NUBString(classIndex.keys[i]));
 }
 

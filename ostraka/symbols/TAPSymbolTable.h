@@ -249,8 +249,8 @@ private:
     friend class ostraka::detail::HeaderMemory;
 
     // The address at which the table holds this text, to its end.
-    const char* holdText(const char* text) { return texts.Append(text, nullptr, 0); }
-    void releaseAll();
+    const char* HoldText(const char* text) { return texts.Append(text, nullptr, 0); }
+    void ReleaseAllFiles();
 
     TAIndex texts;        // names of classes and of their bases
     NUBString rootsStart; // the working directory when the roots were read, where relative ones start

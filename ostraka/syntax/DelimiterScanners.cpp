@@ -5,13 +5,12 @@
 // machine's: the pair on top says which characters count. Only the outermost scanner needs a counter, since
 // it alone can start on something else than its own delimiter.
 
-#include <ostraka/syntax/TAPSyntaxe.h>
-
 #include <cstring>
 #include <string>
 #include <string_view>
 
 #include <ostraka/syntax/NestingIndex.h>
+#include <ostraka/syntax/TAPSyntaxe.h>
 
 namespace {
 

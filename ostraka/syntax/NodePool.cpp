@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <new>
-
 #include <sys/mman.h>
 
 namespace ostraka::detail {

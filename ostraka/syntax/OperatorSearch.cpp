@@ -1,8 +1,6 @@
 // At which operator a text is split. The levels are rows of one table, tried from the top; the highest level
 // wins, and among equals the rightmost. A pair of && or ||, and a colon that stands alone, end the search.
 
-#include <ostraka/syntax/TAPExpression.h>
-
 #include <array>
 #include <bit>
 #include <cstdint>
@@ -10,6 +8,7 @@
 #include <string_view>
 
 #include <ostraka/syntax/NestingIndex.h>
+#include <ostraka/syntax/TAPExpression.h>
 
 namespace {
 

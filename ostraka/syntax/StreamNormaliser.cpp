@@ -2,9 +2,9 @@
 // 64 bytes at a time are classified into a mask of special characters, and what lies between two of them is
 // copied in chunks of 16 with their places. The specials are all characters up to the slash, among which are
 // blanks, quotes, hashes and most marks that blanks yield to; colon, semicolon and backslash; and those
-// letters that may end a word that is taken out of the stream or begin a dialect word. A letter is told by
-// two neighbours, so that it seldom turns up elsewhere. A special that is none after all is stored like the
-// others.
+// letters that may end a word that is taken out of the stream or begin a dialect word. Such a letter counts
+// only beside its neighbour in the word, as `n` behind `r`, so that it seldom turns up elsewhere. A special
+// that is none after all is stored like the others.
 //
 // What one character leaves to the next, beside the stream itself:
 //

@@ -4,12 +4,13 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <ostraka/foundation/Directory.h>
-#include <ostraka/foundation/TAFileName.h>
-#include <ostraka/foundation/TextHelpers.h>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
+
+#include <ostraka/foundation/Directory.h>
+#include <ostraka/foundation/TAFileName.h>
+#include <ostraka/foundation/TextHelpers.h>
 
 namespace {
 

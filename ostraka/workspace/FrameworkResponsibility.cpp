@@ -8,12 +8,13 @@
 #include <cstdint>
 #include <cstring>
 #include <optional>
-#include <ostraka/foundation/TextHelpers.h>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <utility>
 #include <vector>
+
+#include <ostraka/foundation/TextHelpers.h>
 
 namespace {
 

@@ -11,9 +11,10 @@
 // whose name ends in it and holds it nowhere before. The words, codes and names are compared without regard
 // to case, frameworks as they stand. Any line and any name is taken; what fits no form says nothing.
 
+#include <memory>
+
 #include <basalt/NUBListValNUBString.h>
 #include <basalt/NUBString.h>
-#include <memory>
 #include <ostraka/Export.h>
 
 // Appends an entry "framework owner" for each framework that a line names, the tag standing in for an owner

@@ -7,7 +7,7 @@ namespace {
 
 using Texts = std::vector<NUBString>;
 
-Texts::const_iterator at(const Texts& texts, std::size_t index) {
+Texts::const_iterator At(const Texts& texts, std::size_t index) {
     return texts.begin() + static_cast<Texts::difference_type>(index);
 }
 
@@ -26,15 +26,15 @@ void NUBListValNUBString::Append(const NUBListValNUBString& list) {
 }
 
 void NUBListValNUBString::InsertBefore(int i, const NUBString& text) {
-    elements.insert(at(elements, indexOf(i)), text);
+    elements.insert(At(elements, IndexOf(i)), text);
 }
 
 void NUBListValNUBString::InsertAfter(int i, const NUBString& text) {
-    elements.insert(at(elements, indexOf(i) + 1), text);
+    elements.insert(At(elements, IndexOf(i) + 1), text);
 }
 
 void NUBListValNUBString::RemovePosition(int i) {
-    if (i >= 1 && i <= Size()) elements.erase(at(elements, indexOf(i)));
+    if (i >= 1 && i <= Size()) elements.erase(At(elements, IndexOf(i)));
 }
 
 void NUBListValNUBString::RemoveAll(NUBCollec::MemoryHandling mode) {

@@ -4,13 +4,13 @@
 // iterator, is good until the list changes. A text handed to a call that changes the list may be an element
 // of that list.
 
-#include <basalt/Export.h>
-#include <basalt/NUBCollec.h>
-#include <basalt/NUBString.h>
-
 #include <cassert>
 #include <cstddef>
 #include <vector>
+
+#include <basalt/Export.h>
+#include <basalt/NUBCollec.h>
+#include <basalt/NUBString.h>
 
 class BASALT_EXPORT NUBListValNUBString : public NUBCollecRoot {
 public:
@@ -24,8 +24,8 @@ public:
     ~NUBListValNUBString() override;
 
     int Size() const { return static_cast<int>(elements.size()); }
-    NUBString& operator[](int i) { return elements[indexOf(i)]; }
-    const NUBString& operator[](int i) const { return elements[indexOf(i)]; }
+    NUBString& operator[](int i) { return elements[IndexOf(i)]; }
+    const NUBString& operator[](int i) const { return elements[IndexOf(i)]; }
 
     void Append(const NUBString& text) { elements.push_back(text); }
     void Append(NUBString&& text) { elements.push_back(static_cast<NUBString&&>(text)); }
@@ -47,7 +47,7 @@ public:
     auto end() const { return elements.end(); }
 
 private:
-    std::size_t indexOf(int i) const {
+    std::size_t IndexOf(int i) const {
         assert(i >= 1 && i <= Size());
         return static_cast<std::size_t>(i) - 1;
     }

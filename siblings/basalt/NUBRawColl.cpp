@@ -6,12 +6,12 @@ NUBRawCollPV::~NUBRawCollPV() = default;
 
 void NUBRawCollPV::RemoveDuplicates(NUBRawCollPV* removed) {
     std::unordered_set<void*> seen;
-    void** kept = first();
-    for (void** entry = first(); entry != past(); ++entry) {
+    void** kept = First();
+    for (void** entry = First(); entry != Past(); ++entry) {
         if (seen.insert(*entry).second)
             *kept++ = *entry;
         else if (removed)
             removed->Append(*entry);
     }
-    size = static_cast<int>(kept - first());
+    size = static_cast<int>(kept - First());
 }

@@ -4,9 +4,6 @@
 // that a pointer in it points to. Positions count from 1; a reference to an entry is good until the
 // collection changes. `size` is the number of entries, to be read only.
 
-#include <basalt/Export.h>
-#include <basalt/NUBCollec.h>
-
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
@@ -16,6 +13,9 @@
 #include <new>
 #include <type_traits>
 #include <utility>
+
+#include <basalt/Export.h>
+#include <basalt/NUBCollec.h>
 
 namespace basalt::detail {
 
@@ -27,18 +27,18 @@ public:
     // Number of entries.
     int size = 0;
 
-    explicit RawColl(int room = 0) { reserve(room); }
-    RawColl(const T* array, int n) { assign(array, n); }
-    RawColl(const RawColl& other) { assign(other.entries, other.size); }
-    RawColl(RawColl&& other) noexcept { swap(other); }
+    explicit RawColl(int room = 0) { Reserve(room); }
+    RawColl(const T* array, int n) { Assign(array, n); }
+    RawColl(const RawColl& other) { Assign(other.entries, other.size); }
+    RawColl(RawColl&& other) noexcept { Swap(other); }
     ~RawColl() { std::free(entries); }
 
     RawColl& operator=(const RawColl& other) {
-        if (this != &other) assign(other.entries, other.size);
+        if (this != &other) Assign(other.entries, other.size);
         return *this;
     }
     RawColl& operator=(RawColl&& other) noexcept {
-        swap(other);
+        Swap(other);
         return *this;
     }
 
@@ -55,7 +55,7 @@ public:
 
     // Adds at the end.
     void Append(T entry) {
-        if (size == capacity) grow();
+        if (size == capacity) Grow();
         entries[size++] = entry;
     }
 
@@ -75,29 +75,29 @@ public:
     }
 
 protected:
-    T* first() { return entries; }
-    T* past() { return entries + size; }
+    T* First() { return entries; }
+    T* Past() { return entries + size; }
 
 private:
-    void swap(RawColl& other) noexcept {
+    void Swap(RawColl& other) noexcept {
         std::swap(size, other.size);
         std::swap(capacity, other.capacity);
         std::swap(entries, other.entries);
     }
 
-    void assign(const T* array, int n) {
-        reserve(n);
+    void Assign(const T* array, int n) {
+        Reserve(n);
         size = std::max(n, 0);
         std::copy_n(array, size, entries);
     }
 
-    void grow() {
+    void Grow() {
         constexpr int most = std::numeric_limits<int>::max() / 2;
         if (capacity > most) throw std::bad_alloc();
-        reserve(capacity < 4 ? 4 : capacity * 2);
+        Reserve(capacity < 4 ? 4 : capacity * 2);
     }
 
-    void reserve(int room) {
+    void Reserve(int room) {
         if (room <= capacity) return;
         void* block = std::realloc(entries, static_cast<std::size_t>(room) * sizeof(T));
         if (!block) throw std::bad_alloc();
@@ -146,13 +146,13 @@ public:
     // `order` says "greater", so a comparator that answers -1 for equal entries sorts as well.
     template <class X>
     void QuickSort(int (*order)(X*, X*)) {
-        std::stable_sort(first(), past(), [order](void* a, void* b) {
+        std::stable_sort(First(), Past(), [order](void* a, void* b) {
             return order(static_cast<X*>(b), static_cast<X*>(a)) > 0;
         });
     }
     // The same with a comparator like those of `qsort`, which is given the addresses of two entries.
     void QuickSort(int (*order)(const void*, const void*)) {
-        std::stable_sort(first(), past(),
+        std::stable_sort(First(), Past(),
                          [order](void* const& a, void* const& b) { return order(&b, &a) > 0; });
     }
 };

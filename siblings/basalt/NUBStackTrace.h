@@ -3,10 +3,10 @@
 // The calls that led to a place, for the last words of a process that stops. The frames lie in the object and
 // are printed without an allocation, so that it works when memory is what has run out.
 
-#include <basalt/Export.h>
-
 #include <array>
 #include <cstdio>
+
+#include <basalt/Export.h>
 
 // Frames that were captured somewhere, and their printing.
 class BASALT_EXPORT NUBBasicStackTrace {

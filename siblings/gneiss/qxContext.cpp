@@ -21,14 +21,14 @@ constexpr std::array catalogue = {
     Message{"TAparser.InvNubIdlArg", "an IDL argument has to begin with in, out or inout: %"},
 };
 
-const Message* findMessage(const NUBString& key) {
+const Message* FindMessage(const NUBString& key) {
     for (const Message& message : catalogue)
         if (message.key == key.View()) return &message;
     return nullptr;
 }
 
 // In one piece, so that lines of several processes on one terminal don't mix.
-void printLine(std::FILE* file, const NUBString& line) {
+void PrintLine(std::FILE* file, const NUBString& line) {
     if (!file) return;
     if (file != stdout) std::fflush(stdout);
     std::fputs(line.CastToCharPtr(), file);
@@ -45,7 +45,7 @@ void qxTraceManager::Print(const qxKeyForTraceManager& key, std::FILE* file, con
     if (sink != nullptr && file == stderr)
         sink->Receive(key, text);
     else
-        printLine(file, NUBString(key.label) + ": " + text.CastToCharPtr() + "\n");
+        PrintLine(file, NUBString(key.label) + ": " + text.CastToCharPtr() + "\n");
 }
 
 void qxTraceManager::Print(const qxKeyForTraceManager& key, std::FILE* file, const NUBUnicodeString& text1,
@@ -62,7 +62,7 @@ NUBUnicodeString qxMsgManager::GetMsg(const NUBString& key) {
 }
 
 NUBUnicodeString qxMsgManager::GetMsg(const NUBString& key, const NUBUnicodeString& params) {
-    const Message* message = findMessage(key);
+    const Message* message = FindMessage(key);
     if (!message) return NUBUnicodeString(key);
     const std::size_t place = message->text.find('%');
     NUBUnicodeString result(NUBString(message->text.substr(0, place)));

@@ -4,11 +4,11 @@
 // hands them to a sink, and the context through which a caller reaches both. The global objects are ready
 // before any constructor runs and stay so to the end; nobody owns or deletes them. One thread at a time.
 
+#include <cstdio>
+
 #include <basalt/NUBString.h>
 #include <basalt/NUBUnicodeString.h>
 #include <gneiss/Export.h>
-
-#include <cstdio>
 
 // How grave a traced text is; `label` is what its line begins with.
 class qxKeyForTraceManager {

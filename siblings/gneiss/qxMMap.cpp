@@ -3,8 +3,6 @@
 
 #include <gneiss/qxMMap.h>
 
-#include <gneiss/qxErrorCodeManager.h>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
@@ -16,6 +14,8 @@
 #include <sys/types.h>
 #include <unistd.h>
 #include <utility>
+
+#include <gneiss/qxErrorCodeManager.h>
 
 namespace {
 
@@ -48,12 +48,12 @@ struct Content {
     std::size_t size = 0;
 };
 
-std::size_t roundUp(std::size_t length, int mode) {
+std::size_t RoundUp(std::size_t length, int mode) {
     const std::size_t unit = static_cast<std::size_t>(std::max(mode, 1));
     return (length + unit - 1) / unit * unit;
 }
 
-int resize(Content& content, std::size_t capacity) {
+int Resize(Content& content, std::size_t capacity) {
     void* block = std::realloc(content.block.get(), capacity);
     if (!block) return ENOMEM;
     static_cast<void>(content.block.release());
@@ -63,7 +63,7 @@ int resize(Content& content, std::size_t capacity) {
 }
 
 // How many bytes to make room for, the NUL included.
-int guessLength(const Descriptor& file, std::size_t& length) {
+int GuessLength(const Descriptor& file, std::size_t& length) {
     struct stat status;
     if (fstat(file.number, &status) != 0) return errno;
     if (S_ISDIR(status.st_mode)) return EISDIR;
@@ -72,10 +72,10 @@ int guessLength(const Descriptor& file, std::size_t& length) {
     return length > tooLarge ? EFBIG : 0;
 }
 
-int readToEnd(const Descriptor& file, Content& content) {
+int ReadToEnd(const Descriptor& file, Content& content) {
     for (;;) {
         if (content.size == content.capacity)
-            if (int error = resize(content, content.capacity * 2)) return error;
+            if (int error = Resize(content, content.capacity * 2)) return error;
         const ssize_t count =
             read(file.number, content.block.get() + content.size, content.capacity - content.size);
         if (count == 0) return 0;
@@ -87,32 +87,32 @@ int readToEnd(const Descriptor& file, Content& content) {
 }
 
 // Cuts the block to its final length and fills what is behind the bytes.
-int finish(Content& content, int mode, char pad) {
-    const std::size_t length = roundUp(content.size + 1, mode);
+int Finish(Content& content, int mode, char pad) {
+    const std::size_t length = RoundUp(content.size + 1, mode);
     if (length != content.capacity)
-        if (int error = resize(content, length)) return error;
+        if (int error = Resize(content, length)) return error;
     char* past = content.block.get() + content.size;
     *past = '\0';
     std::memset(past + 1, pad, length - content.size - 1);
     return 0;
 }
 
-int readFile(const char* path, int mode, Content& content, char pad) {
+int ReadFile(const char* path, int mode, Content& content, char pad) {
     if (!path) return EFAULT;
     const Descriptor file(path);
     if (file.number < 0) return errno;
     std::size_t length = 0;
-    if (int error = guessLength(file, length)) return error;
-    if (int error = resize(content, roundUp(length, mode))) return error;
-    if (int error = readToEnd(file, content)) return error;
-    return finish(content, mode, pad);
+    if (int error = GuessLength(file, length)) return error;
+    if (int error = Resize(content, RoundUp(length, mode))) return error;
+    if (int error = ReadToEnd(file, content)) return error;
+    return Finish(content, mode, pad);
 }
 
 } // namespace
 
 int qxMMap(const char* path, const int& mode, char*& data, unsigned int& size, char pad) {
     Content content;
-    if (int error = readFile(path, mode, content, pad)) {
+    if (int error = ReadFile(path, mode, content, pad)) {
         qxExtLastError.SetError(error);
         return 1;
     }

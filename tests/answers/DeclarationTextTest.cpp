@@ -1,8 +1,9 @@
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include <answers/facts/DeclarationText.h>
 #include <answers/resolve/Declarations.h>
-#include <gtest/gtest.h>
 
 namespace {
 

@@ -1,7 +1,8 @@
 #include <string>
 
-#include <answers/resolve/Declarations.h>
 #include <gtest/gtest.h>
+
+#include <answers/resolve/Declarations.h>
 
 #include "support/LoadedText.h"
 

@@ -1,10 +1,11 @@
 #include <chrono>
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include <answers/resolve/NodeAnswers.h>
 #include <answers/resolve/NodeSearch.h>
 #include <answers/resolve/NodeText.h>
-#include <gtest/gtest.h>
 
 #include "support/HostileTexts.h"
 #include "support/LoadedText.h"

@@ -1,8 +1,9 @@
 #include <string>
 
+#include <gtest/gtest.h>
+
 #include <answers/resolve/NodeSearch.h>
 #include <answers/resolve/NodeText.h>
-#include <gtest/gtest.h>
 
 #include "support/MarkedText.h"
 #include "support/Source.h"

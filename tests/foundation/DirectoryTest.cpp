@@ -1,17 +1,18 @@
-#include <ostraka/foundation/Directory.h>
-
 #include <algorithm>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <string>
 #include <support/TemporaryFolder.h>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/Directory.h>
 
 namespace {
 
 // The paths that are found, in order and each behind a "|", without what they begin with.
 template <class List>
-std::string found(const std::string& pattern, std::size_t startLength) {
+std::string Found(const std::string& pattern, std::size_t startLength) {
     List list;
     list.Append("kept");
     ReadDirectory(NUBString(pattern.c_str()), list);
@@ -30,7 +31,7 @@ std::string found(const std::string& pattern, std::size_t startLength) {
 TEST(ReadDirectory, SelectsByPattern) {
     const TemporaryFolder folder;
     for (const char* file : {"A/In/x.h", "A/In/y.h", "A/In/z.idl", "B.tst/In/x.h", ".C/In/.h", "file"})
-        folder.add(file);
+        folder.Add(file);
     std::filesystem::create_symlink("nowhere", "A/dangling");
     std::filesystem::create_symlink("around", "A/around");
     std::filesystem::create_directory_symlink(".", "B.tst/self");
@@ -45,11 +46,11 @@ TEST(ReadDirectory, SelectsByPattern) {
           Row{"A/../*.tst", "|A/../B.tst"}, Row{"none/*", ""}, Row{"n*/x", ""}, Row{"**", ""},
           Row{"B.tst/self/*/*/x.h", "|B.tst/self/self/In/x.h"}}) {
         const std::size_t length = folder.path.size() + 1;
-        EXPECT_EQ(found<NUBListValNUBString>(row.pattern, length), row.paths) << row.pattern;
-        EXPECT_EQ(found<NUBListValTAFileName>(row.pattern, length), row.paths) << row.pattern;
+        EXPECT_EQ(Found<NUBListValNUBString>(row.pattern, length), row.paths) << row.pattern;
+        EXPECT_EQ(Found<NUBListValTAFileName>(row.pattern, length), row.paths) << row.pattern;
         const std::string absolute = folder.path + "/" + row.pattern;
-        EXPECT_EQ(found<NUBListValNUBString>(absolute, length), row.paths) << absolute;
-        EXPECT_EQ(found<NUBListValTAFileName>(absolute, length + 1), row.paths) << absolute;
+        EXPECT_EQ(Found<NUBListValNUBString>(absolute, length), row.paths) << absolute;
+        EXPECT_EQ(Found<NUBListValTAFileName>(absolute, length + 1), row.paths) << absolute;
     }
     EXPECT_EQ(GetWorkDir(), folder.path.c_str());
     EXPECT_EQ(FileExists("file") * 100 + FileExists("A") * 10 + FileExists("A/around"), 100);
@@ -57,7 +58,7 @@ TEST(ReadDirectory, SelectsByPattern) {
 
 TEST(ReadDirectory, JoinsTextsAndNamesInTheirOwnWays) {
     const TemporaryFolder folder;
-    folder.add("a\\b/c\xff");
+    folder.Add("a\\b/c\xff");
     struct Row {
         const char *wanted, *pattern;
         std::string texts, names;
@@ -66,7 +67,7 @@ TEST(ReadDirectory, JoinsTextsAndNamesInTheirOwnWays) {
                            Row{"start", "", "|" + folder.path + "/", "|" + folder.path},
                            Row{"backslash", "a\\*", "|" + folder.path + "/a\\b", "|" + folder.path + "/a/b"},
                            Row{"any byte", "*/*\xff", "|" + folder.path + "/a\\b/c\xff", ""}}) {
-        EXPECT_EQ(found<NUBListValNUBString>(row.pattern, 0), row.texts) << row.wanted;
+        EXPECT_EQ(Found<NUBListValNUBString>(row.pattern, 0), row.texts) << row.wanted;
         NUBListValTAFileName names;
         ReadDirectory(row.pattern, names);
         EXPECT_EQ(names.Size() ? "|" + std::string(names[1]) : "", row.names) << row.wanted;
@@ -75,15 +76,15 @@ TEST(ReadDirectory, JoinsTextsAndNamesInTheirOwnWays) {
 
 TEST(ReadDirectory, WorksWhereTheWorkingDirectoryHasNoUsableName) {
     const TemporaryFolder folder;
-    folder.sink();
-    folder.add("in/x");
+    folder.Sink();
+    folder.Add("in/x");
     const std::string deepest = std::filesystem::current_path();
-    EXPECT_EQ(found<NUBListValNUBString>("i*/x", 0), "|" + deepest + "/in/x");
+    EXPECT_EQ(Found<NUBListValNUBString>("i*/x", 0), "|" + deepest + "/in/x");
     EXPECT_EQ(GetWorkDir(), deepest.c_str());
     std::filesystem::remove_all("in");
     std::filesystem::remove(std::filesystem::path("../") / std::string(200, 'd'));
-    EXPECT_EQ(found<NUBListValNUBString>("*", 0), "");
-    EXPECT_EQ(found<NUBListValTAFileName>(".", 0), "|./.");
+    EXPECT_EQ(Found<NUBListValNUBString>("*", 0), "");
+    EXPECT_EQ(Found<NUBListValTAFileName>(".", 0), "|./.");
     EXPECT_EQ(GetWorkDir(), ".");
 
     EXPECT_EQ(SetWorkDir("none") + SetWorkDir(folder.path.c_str()), -1);

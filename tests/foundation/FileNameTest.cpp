@@ -1,16 +1,17 @@
-#include <ostraka/foundation/TAFileName.h>
-
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <string>
 #include <support/TemporaryFolder.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TAFileName.h>
+
 namespace {
 
-std::string textOf(const TAFileName& name) {
+std::string TextOf(const TAFileName& name) {
     return static_cast<const char*>(name);
 }
 
@@ -25,10 +26,10 @@ TEST(TAFileName, Components) {
           Row{"//a", "/", "", "a", "//a", ""}, Row{"x/y.z/w", "x/y.z", "x", "w", "y.z", "z/w"},
           Row{"w\\./a\\b.", "w/./a", "w/.", "b.", "a", ""}}) {
         const TAFileName name(row.text);
-        EXPECT_EQ(textOf(name.dirname(1)), row.parent) << row.text;
-        EXPECT_EQ(textOf(name.dirname(2)), row.grandparent) << row.text;
-        EXPECT_EQ(textOf(name.basename(1)), row.last) << row.text;
-        EXPECT_EQ(textOf(name.basename(2)), row.lastButOne) << row.text;
+        EXPECT_EQ(TextOf(name.dirname(1)), row.parent) << row.text;
+        EXPECT_EQ(TextOf(name.dirname(2)), row.grandparent) << row.text;
+        EXPECT_EQ(TextOf(name.basename(1)), row.last) << row.text;
+        EXPECT_EQ(TextOf(name.basename(2)), row.lastButOne) << row.text;
         EXPECT_EQ(name.GetExtension(), row.extension) << row.text;
         EXPECT_TRUE(name.dirname(-1).IsEqual(name) && name.dirname(99).IsNull());
     }
@@ -49,10 +50,10 @@ TEST(TAFileName, ChangesLeaveCopiesAlone) {
         set.SetExtension(row.part);
         back = added;
         back.Normalize();
-        EXPECT_EQ(textOf(joined += row.part), row.joined);
-        EXPECT_EQ(textOf(added), row.added);
-        EXPECT_EQ(textOf(set), row.set);
-        EXPECT_EQ(textOf(name), row.text);
+        EXPECT_EQ(TextOf(joined += row.part), row.joined);
+        EXPECT_EQ(TextOf(added), row.added);
+        EXPECT_EQ(TextOf(set), row.set);
+        EXPECT_EQ(TextOf(name), row.text);
         EXPECT_TRUE(back.IsEqual(row.added)) << "a name from this text is normalised too";
     }
 }
@@ -61,22 +62,22 @@ TEST(TAFileName, SharesItsTextAndSurvivesItself) {
     TAFileName name("abc", 2), copy(name), none;
     static_assert(sizeof name == sizeof(void*));
     EXPECT_TRUE(name == copy && name != TAFileName("ab") && none == TAFileName("x", 0));
-    EXPECT_EQ(textOf(TAFileName("ab", 9)), "ab");
+    EXPECT_EQ(TextOf(TAFileName("ab", 9)), "ab");
     name = *&name;
     EXPECT_TRUE(name == copy);
     name = static_cast<const char*>(name) + 1;
     name += name;
-    EXPECT_EQ(textOf(name), "b/b");
+    EXPECT_EQ(TextOf(name), "b/b");
     EXPECT_TRUE(none.IsEqual("") && !none.IsEqual(copy) && !copy.IsEqual(none));
     NUBListValTAFileName list;
     for (const TAFileName& element : {name, copy, none}) list.Append(element);
     NUBListValTAFileName same(list);
     EXPECT_TRUE(same == list);
     same.QuickSort(TAFileName::Compare);
-    EXPECT_EQ(textOf(same[1]) + textOf(same[2]) + textOf(same[3]), "abb/b");
+    EXPECT_EQ(TextOf(same[1]) + TextOf(same[2]) + TextOf(same[3]), "abb/b");
     list[1] = "b/b";
     list[2] = NUBString("\\");
-    EXPECT_EQ(textOf(list[2]), "/");
+    EXPECT_EQ(TextOf(list[2]), "/");
     EXPECT_TRUE(list[1] != name && list != same) << "equal text, held apart";
 }
 
@@ -96,7 +97,7 @@ TEST(TAFileName, IsUnderItsAncestors) {
 
 TEST(TAFileName, FullPathComesBackToTheWorkingDirectory) {
     const TemporaryFolder folder;
-    folder.add("sub/file");
+    folder.Add("sub/file");
     std::filesystem::create_directory_symlink("sub", "link");
     struct Row {
         const char *text, *full;
@@ -104,10 +105,10 @@ TEST(TAFileName, FullPathComesBackToTheWorkingDirectory) {
     for (const Row& row :
          {Row{"", ""}, Row{"x", "/x"}, Row{"link/x", "/sub/x"}, Row{"sub/../x", "/x"}, Row{"sub/", "/sub/"},
           Row{"/x", "//x"}, Row{"none/x", "/x"}, Row{"sub/file/x", "/x"}}) {
-        EXPECT_EQ(textOf(TAFileName(row.text).GetFullPath()), folder.path + row.full) << row.text;
-        EXPECT_EQ(textOf(TAFileName::GetWorkDir()), folder.path);
+        EXPECT_EQ(TextOf(TAFileName(row.text).GetFullPath()), folder.path + row.full) << row.text;
+        EXPECT_EQ(TextOf(TAFileName::GetWorkDir()), folder.path);
     }
-    EXPECT_EQ(textOf((TAFileName(folder.path.c_str()) + "link/x").GetFullPath()), folder.path + "/sub/x");
+    EXPECT_EQ(TextOf((TAFileName(folder.path.c_str()) + "link/x").GetFullPath()), folder.path + "/sub/x");
 
     rlimit files = {};
     getrlimit(RLIMIT_NOFILE, &files);
@@ -115,25 +116,25 @@ TEST(TAFileName, FullPathComesBackToTheWorkingDirectory) {
     setrlimit(RLIMIT_NOFILE, &none);
     const TAFileName full = TAFileName("link/x").GetFullPath();
     setrlimit(RLIMIT_NOFILE, &files);
-    EXPECT_EQ(textOf(full), folder.path + "/sub/x") << "without a free descriptor";
-    EXPECT_EQ(textOf(TAFileName::GetWorkDir()), folder.path);
+    EXPECT_EQ(TextOf(full), folder.path + "/sub/x") << "without a free descriptor";
+    EXPECT_EQ(TextOf(TAFileName::GetWorkDir()), folder.path);
 
-    folder.sink();
+    folder.Sink();
     const std::string deepest = std::filesystem::current_path();
-    EXPECT_EQ(textOf(TAFileName("/usr/x").GetFullPath()), "/usr/x");
-    EXPECT_EQ(textOf(TAFileName("x").GetFullPath()), deepest + "/x");
+    EXPECT_EQ(TextOf(TAFileName("/usr/x").GetFullPath()), "/usr/x");
+    EXPECT_EQ(TextOf(TAFileName("x").GetFullPath()), deepest + "/x");
 
     // From a directory that has gone.
     std::filesystem::remove(std::filesystem::path("../") / std::string(200, 'd'));
-    EXPECT_EQ(textOf(TAFileName("/usr/x").GetFullPath()), "/usr/x");
-    EXPECT_EQ(textOf(TAFileName("x").GetFullPath()) + textOf(TAFileName().GetFullPath()), "x.");
+    EXPECT_EQ(TextOf(TAFileName("/usr/x").GetFullPath()), "/usr/x");
+    EXPECT_EQ(TextOf(TAFileName("x").GetFullPath()) + TextOf(TAFileName().GetFullPath()), "x.");
     EXPECT_EQ(TAFileName::SetWorkDir("/"), 0);
-    EXPECT_EQ(textOf(TAFileName("x").GetFullPath()), "/x");
+    EXPECT_EQ(TextOf(TAFileName("x").GetFullPath()), "/x");
 }
 
 TEST(TAFileName, AsksAndChangesTheFileSystem) {
     const TemporaryFolder folder;
-    folder.add("file");
+    folder.Add("file");
     struct Row {
         TAFileName name;
         int isFile, isDirectory, created, deleted;
@@ -150,8 +151,8 @@ TEST(TAFileName, AsksAndChangesTheFileSystem) {
         EXPECT_EQ(row.name.Delete(), row.deleted) << row.name;
     }
     const std::string start = "/tmp/Ostra_" + std::to_string(getpid()) + "_";
-    EXPECT_EQ(textOf(TAFileName::GetTemporaryFileName()), start + "1");
-    EXPECT_EQ(textOf(TAFileName::GetTemporaryFileName()), start + "2");
+    EXPECT_EQ(TextOf(TAFileName::GetTemporaryFileName()), start + "1");
+    EXPECT_EQ(TextOf(TAFileName::GetTemporaryFileName()), start + "2");
 }
 
 } // namespace

@@ -1,13 +1,14 @@
-#include <ostraka/foundation/TAIndex.h>
-#include <ostraka/foundation/TAIndexB.h>
-
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TAIndex.h>
+#include <ostraka/foundation/TAIndexB.h>
 
 namespace {
 
@@ -18,17 +19,17 @@ class Steps {
 public:
     explicit Steps(unsigned seed) : random(seed) {}
 
-    int upTo(int past) { return static_cast<int>(random() % static_cast<unsigned>(past)); }
+    int UpTo(int past) { return static_cast<int>(random() % static_cast<unsigned>(past)); }
 
-    Step next(int round) {
-        if (upTo(4000) == 0) return Step::Reset;
-        if (upTo(150) == 0) return Step::ReadAll;
+    Step Next(int round) {
+        if (UpTo(4000) == 0) return Step::Reset;
+        if (UpTo(150) == 0) return Step::ReadAll;
         // Fill without removals, mixed, drain.
         constexpr Step phases[][6] = {
             {Step::Append, Step::Append, Step::Append, Step::Append, Step::Find, Step::ReadOne},
             {Step::Append, Step::Append, Step::Append, Step::Remove, Step::Find, Step::ReadOne},
             {Step::Append, Step::Remove, Step::Remove, Step::Remove, Step::Find, Step::ReadOne}};
-        return phases[round / 2000 % 3][upTo(6)];
+        return phases[round / 2000 % 3][UpTo(6)];
     }
 
 private:
@@ -47,30 +48,30 @@ struct TextTable {
     };
 
     // `head` is what the keys share; the alphabet has a byte that is negative as a char.
-    static std::string makeKey(Steps& steps, const std::string& head) {
-        std::string key = head.substr(0, steps.upTo(40) == 0 ? head.size() / 2 : head.size());
-        for (int left = steps.upTo(12); left > 0; --left) key += "abcx/\xe9"[steps.upTo(6)];
+    static std::string MakeKey(Steps& steps, const std::string& head) {
+        std::string key = head.substr(0, steps.UpTo(40) == 0 ? head.size() / 2 : head.size());
+        for (int left = steps.UpTo(12); left > 0; --left) key += "abcx/\xe9"[steps.UpTo(6)];
         return key;
     }
 
-    const void* append(const std::string& key, Steps& steps) {
+    const void* Append(const std::string& key, Steps& steps) {
         const std::string value = "v" + key;
-        const bool copied = steps.upTo(3) == 0;
-        void* const plain = steps.upTo(5) == 0 ? nullptr : this;
-        const auto at = find(key);
+        const bool copied = steps.UpTo(3) == 0;
+        void* const plain = steps.UpTo(5) == 0 ? nullptr : this;
+        const auto at = Find(key);
         const char* held = index.Append(key.c_str(), copied ? value.c_str() : plain, copied ? 7 : 0);
         if (at != entries.end() && at->key == key) return held == at->held ? held : nullptr;
         entries.insert(at, {key, held, plain, value, copied});
         return held;
     }
 
-    std::vector<Entry>::iterator find(const std::string& key) {
+    std::vector<Entry>::iterator Find(const std::string& key) {
         return std::lower_bound(
             entries.begin(), entries.end(), key,
             [](const Entry& entry, const std::string& wanted) { return entry.key < wanted; });
     }
 
-    int positionOf(const std::string& key) {
+    int PositionOf(const std::string& key) {
         const bool held = index.Holds(key.c_str());
         const int position = index.IsIn(key.c_str());
         const std::string longer = key + "a";
@@ -80,24 +81,24 @@ struct TextTable {
         return position;
     }
 
-    void* valueOf(const std::string& key) const { return index[key.c_str()]; }
+    void* ValueOf(const std::string& key) const { return index[key.c_str()]; }
 
-    bool holdsAt(int position, const char* key, void* value, const char* valueCopy) const {
+    bool HoldsAt(int position, const char* key, void* value, const char* valueCopy) const {
         const Entry& entry = entries[static_cast<std::size_t>(position)];
         if (key != entry.held || entry.key != key) return false;
         if (!entry.copied) return value == entry.value && valueCopy == nullptr;
         return value == valueCopy && entry.copy == valueCopy;
     }
 
-    bool showsAt(int i) const { return holdsAt(i, index.keys[i], index.values[i], index.valueCopies[i]); }
+    bool ShowsAt(int i) const { return HoldsAt(i, index.keys[i], index.values[i], index.valueCopies[i]); }
 
     // Some columns as arrays, and what has to be the same as they are.
-    bool showsAll(unsigned columns) const {
+    bool ShowsAll(unsigned columns) const {
         char** const keys = columns & 1 ? static_cast<char**>(index.keys) : nullptr;
         void** const values = columns & 2 ? static_cast<void**>(index.values) : nullptr;
         char** const copies = columns & 4 ? static_cast<char**>(index.valueCopies) : nullptr;
         for (int i = 0; i < index.size; ++i)
-            if (!holdsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i],
+            if (!HoldsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i],
                          copies ? copies[i] : index.valueCopies[i]))
                 return false;
         return true;
@@ -115,43 +116,43 @@ struct WordTable {
         const void* held;
     };
 
-    static Key makeKey(Steps& steps, const std::string& head) {
-        const std::intptr_t first = head.empty() ? steps.upTo(3) - 1 : -7;
-        return {first, head.size() > 9 ? INTPTR_MIN : steps.upTo(100) - 50, steps.upTo(1000) - 500};
+    static Key MakeKey(Steps& steps, const std::string& head) {
+        const std::intptr_t first = head.empty() ? steps.UpTo(3) - 1 : -7;
+        return {first, head.size() > 9 ? INTPTR_MIN : steps.UpTo(100) - 50, steps.UpTo(1000) - 500};
     }
 
-    const void* append(const Key& key, Steps&) {
-        const auto at = find(key);
+    const void* Append(const Key& key, Steps&) {
+        const auto at = Find(key);
         const void* held = index.Append(key.data(), this);
         if (at != entries.end() && at->key == key) return held == at->held ? held : nullptr;
         entries.insert(at, {key, held});
         return held;
     }
 
-    std::vector<Entry>::iterator find(const Key& key) {
+    std::vector<Entry>::iterator Find(const Key& key) {
         return std::lower_bound(entries.begin(), entries.end(), key,
                                 [](const Entry& entry, const Key& wanted) { return entry.key > wanted; });
     }
 
-    int positionOf(const Key& key) {
+    int PositionOf(const Key& key) {
         const bool held = index.Holds(key.data());
         EXPECT_EQ(held, index.IsIn(key.data()) >= 0);
         return index.IsIn(key.data(), 1);
     }
-    void* valueOf(const Key& key) const { return index[key.data()]; }
+    void* ValueOf(const Key& key) const { return index[key.data()]; }
 
-    bool holdsAt(int position, const std::intptr_t* key, void* value) const {
+    bool HoldsAt(int position, const std::intptr_t* key, void* value) const {
         const Entry& entry = entries[static_cast<std::size_t>(position)];
         return key == entry.held && std::equal(entry.key.begin(), entry.key.end(), key) && value == this;
     }
 
-    bool showsAt(int i) const { return holdsAt(i, index.keys[i], index.values[i]); }
+    bool ShowsAt(int i) const { return HoldsAt(i, index.keys[i], index.values[i]); }
 
-    bool showsAll(unsigned columns) const {
+    bool ShowsAll(unsigned columns) const {
         auto* const keys = columns & 1 ? static_cast<std::intptr_t**>(index.keys) : nullptr;
         void** const values = columns & 2 ? static_cast<void**>(index.values) : nullptr;
         for (int i = 0; i < index.size; ++i)
-            if (!holdsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i]))
+            if (!HoldsAt(i, keys ? keys[i] : index.keys[i], values ? values[i] : index.values[i]))
                 return false;
         return true;
     }
@@ -161,25 +162,25 @@ struct WordTable {
 };
 
 template <class Table>
-void compareWithModel(const std::string& head) {
+void CompareWithModel(const std::string& head) {
     SCOPED_TRACE(head);
     Table table;
     Steps steps(static_cast<unsigned>(head.size()) + 1);
     for (int round = 0; round < 18000; ++round) {
-        const auto key = Table::makeKey(steps, head);
-        const auto at = table.find(key);
+        const auto key = Table::MakeKey(steps, head);
+        const auto at = table.Find(key);
         const int size = static_cast<int>(table.entries.size());
-        const int place = steps.upTo(size + 1);
+        const int place = steps.UpTo(size + 1);
         const int position =
             at != table.entries.end() && at->key == key ? static_cast<int>(at - table.entries.begin()) : -1;
-        switch (steps.next(round)) {
-        case Step::Append: ASSERT_NE(table.append(key, steps), nullptr); break;
+        switch (steps.Next(round)) {
+        case Step::Append: ASSERT_NE(table.Append(key, steps), nullptr); break;
         case Step::Find:
-            ASSERT_EQ(table.positionOf(key), position);
-            ASSERT_EQ(table.valueOf(key), position < 0 ? nullptr : table.index.values[position]);
+            ASSERT_EQ(table.PositionOf(key), position);
+            ASSERT_EQ(table.ValueOf(key), position < 0 ? nullptr : table.index.values[position]);
             break;
-        case Step::ReadOne: ASSERT_TRUE(place == size || table.showsAt(place)); break;
-        case Step::ReadAll: ASSERT_TRUE(table.showsAll(static_cast<unsigned>(steps.upTo(8)))) << round; break;
+        case Step::ReadOne: ASSERT_TRUE(place == size || table.ShowsAt(place)); break;
+        case Step::ReadAll: ASSERT_TRUE(table.ShowsAll(static_cast<unsigned>(steps.UpTo(8)))) << round; break;
         case Step::Remove:
             ASSERT_EQ(table.index.RemovePosition(place), place == size ? 1 : 0);
             if (place < size) table.entries.erase(table.entries.begin() + place);
@@ -191,13 +192,13 @@ void compareWithModel(const std::string& head) {
         }
         ASSERT_EQ(table.index.size, static_cast<int>(table.entries.size()));
     }
-    ASSERT_TRUE(table.showsAll(7));
+    ASSERT_TRUE(table.ShowsAll(7));
 }
 
 TEST(Index, EqualsASortedVector) {
     for (const char* head : {"", "/usr/", "/usr/include/c++/12/bits/"}) {
-        compareWithModel<TextTable>(head);
-        compareWithModel<WordTable>(head);
+        CompareWithModel<TextTable>(head);
+        CompareWithModel<WordTable>(head);
     }
 }
 
@@ -205,8 +206,8 @@ TEST(Index, KeepsAscendingAndDescendingKeys) {
     for (const bool ascending : {true, false}) {
         TextTable table;
         Steps steps(1);
-        for (int i = 1000; i < 4000; ++i) table.append(std::to_string(ascending ? i : 5000 - i), steps);
-        EXPECT_TRUE(table.showsAll(7));
+        for (int i = 1000; i < 4000; ++i) table.Append(std::to_string(ascending ? i : 5000 - i), steps);
+        EXPECT_TRUE(table.ShowsAll(7));
     }
 }
 

@@ -1,8 +1,9 @@
-#include <ostraka/foundation/TypedLists.h>
-
-#include <gtest/gtest.h>
 #include <string>
 #include <type_traits>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TypedLists.h>
 
 namespace {
 
@@ -10,17 +11,17 @@ using ostraka::detail::ListKind;
 using ostraka::detail::PointerList;
 using ostraka::detail::ValueList;
 
-int byNumber(int* a, int* b) {
+int ByNumber(int* a, int* b) {
     return *a - *b;
 }
 
-std::string textOf(const PointerList<int>& list) {
+std::string TextOf(const PointerList<int>& list) {
     std::string text;
     for (int i = 1; i <= list.size; ++i) text += std::to_string(*list[i]);
     return text;
 }
 
-std::string textOf(const ValueList<int>& list) {
+std::string TextOf(const ValueList<int>& list) {
     std::string text;
     for (int i = 1; i <= list.Size(); ++i) text += std::to_string(list[i]);
     return text;
@@ -32,7 +33,7 @@ constexpr int offers = requires(List list) {
     list.RemoveDuplicates(nullptr);
 }
 + 2 * requires(List list) {
-    List::Compare(list, list, byNumber);
+    List::Compare(list, list, ByNumber);
 }
 + 4 * std::is_constructible_v<List, int**, int>;
 
@@ -45,17 +46,17 @@ TEST(PointerLists, HoldWhatTheyDoNotOwn) {
     int* array[] = {&three, &one, &two, &one, &three};
     PointerList<int> list(array, 5), removed;
     list.RemoveDuplicates(&removed);
-    EXPECT_EQ(textOf(list) + " " + textOf(removed), "312 13");
+    EXPECT_EQ(TextOf(list) + " " + TextOf(removed), "312 13");
     PointerList<int> copy(list);
-    copy.QuickSort(byNumber);
-    EXPECT_EQ(textOf(copy), "123");
-    EXPECT_EQ(PointerList<int>::Compare(list, copy, byNumber), 2);
+    copy.QuickSort(ByNumber);
+    EXPECT_EQ(TextOf(copy), "123");
+    EXPECT_EQ(PointerList<int>::Compare(list, copy, ByNumber), 2);
     copy[1] = &two;
     copy = *&copy;
     for (int position : {3, 0, 3}) copy.RemovePosition(position);
     list.RemoveAll(0);
     list = copy;
-    EXPECT_EQ(textOf(list), "22");
+    EXPECT_EQ(TextOf(list), "22");
 }
 
 TEST(ValueLists, OwnTheirCopies) {
@@ -66,7 +67,7 @@ TEST(ValueLists, OwnTheirCopies) {
     for (int i = 0; i < 99; ++i) list.Append(first);
     first = 6;
     EXPECT_EQ(value, 5);
-    list.QuickSort(byNumber);
+    list.QuickSort(ByNumber);
     EXPECT_EQ(list[102], 6);
     while (list.Size() > 3) list.RemovePosition(1);
     list.RemovePosition(4);
@@ -77,7 +78,7 @@ TEST(ValueLists, OwnTheirCopies) {
     other = copy;
     other = *&other;
     copy.RemoveAll(1);
-    EXPECT_EQ(textOf(list) + textOf(other) + textOf(copy), "556557");
+    EXPECT_EQ(TextOf(list) + TextOf(other) + TextOf(copy), "556557");
 }
 
 } // namespace

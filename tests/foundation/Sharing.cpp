@@ -1,19 +1,20 @@
-#include <ostraka/foundation/Fatal.h>
-#include <ostraka/foundation/TACallback.h>
-#include <ostraka/foundation/TAFileBuffer.h>
-#include <ostraka/foundation/TARefCounter.h>
-
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <string>
 #include <string_view>
 #include <tuple>
 #include <unistd.h>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/Fatal.h>
+#include <ostraka/foundation/TACallback.h>
+#include <ostraka/foundation/TAFileBuffer.h>
+#include <ostraka/foundation/TARefCounter.h>
 
 namespace {
 

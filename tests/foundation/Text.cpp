@@ -1,14 +1,15 @@
-#include <ostraka/foundation/TextHelpers.h>
-
 #include <algorithm>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <string>
 #include <tuple>
 
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/TextHelpers.h>
+
 namespace {
 
-std::string joined(const NUBListValNUBString& list) {
+std::string Joined(const NUBListValNUBString& list) {
     std::string all;
     for (const NUBString& text : list) all.append(text.View()).append("|");
     return all;
@@ -29,18 +30,18 @@ TEST(Split, Fragments) {
         out.Append("old");
         EXPECT_EQ(limit ? Split(text, out, separator, limit) : Split(text, out, separator),
                   std::count(fragments, fragments + std::strlen(fragments), '|'));
-        EXPECT_EQ(joined(out), fragments) << text;
+        EXPECT_EQ(Joined(out), fragments) << text;
     }
 }
 
 TEST(Split, PadsToACount) {
     NUBListValNUBString out;
     EXPECT_EQ(Split("a b", out, 4), 4);
-    EXPECT_EQ(joined(out), "a|b|||");
+    EXPECT_EQ(Joined(out), "a|b|||");
     EXPECT_EQ(Split("a b", out, 0), 0);
-    EXPECT_EQ(joined(out), "a b|");
+    EXPECT_EQ(Joined(out), "a b|");
     EXPECT_EQ(Split(out[1], out), 2) << "the text lies in the list that is filled";
-    EXPECT_EQ(joined(out), "a|b|");
+    EXPECT_EQ(Joined(out), "a|b|");
 }
 
 TEST(TestMatch, Patterns) {
@@ -60,7 +61,7 @@ TEST(StringList, StaysSortedAndIsSearchedByHalving) {
     NUBListValNUBString list;
     EXPECT_EQ(SearchInStringList("a", list), 0);
     for (const char* text : {"m", "c", "x", "c", "a", "z", "m", "d", "b", "z", "y"}) InsertInList(text, list);
-    EXPECT_EQ(joined(list), "a|b|c|d|m|x|y|z|");
+    EXPECT_EQ(Joined(list), "a|b|c|d|m|x|y|z|");
     for (int i = 1; i <= list.Size(); ++i) EXPECT_EQ(SearchInStringList(list[i] + "rest", list), i);
     EXPECT_EQ(SearchInStringList("nothing", list) + SearchInStringList("", list), 0);
     EXPECT_EQ(rSearchInStringList("d", list, 1, 3) + rSearchInStringList("d", list, 5, 4), 0);

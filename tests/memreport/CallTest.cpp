@@ -1,12 +1,13 @@
-#include <ostraka/memreport/Call.h>
-#include <ostraka/memreport/TAPIndexContainer.h>
-
 #include <algorithm>
 #include <cstdlib>
-#include <gtest/gtest.h>
 #include <memory>
 #include <new>
 #include <string>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/memreport/Call.h>
+#include <ostraka/memreport/TAPIndexContainer.h>
 
 namespace {
 

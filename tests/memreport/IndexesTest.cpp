@@ -1,10 +1,11 @@
+#include <string>
+
+#include <gtest/gtest.h>
+
 #include <ostraka/memreport/Call.h>
 #include <ostraka/memreport/Error.h>
 #include <ostraka/memreport/Stack.h>
 #include <ostraka/memreport/TAPIndexContainer.h>
-
-#include <gtest/gtest.h>
-#include <string>
 
 using Container = TAPIndexContainer;
 

@@ -1,11 +1,12 @@
-#include <ostraka/memreport/Call.h>
-#include <ostraka/memreport/StackMask.h>
-
 #include <deque>
-#include <gtest/gtest.h>
 #include <sstream>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/memreport/Call.h>
+#include <ostraka/memreport/StackMask.h>
 
 namespace {
 

@@ -1,12 +1,13 @@
-#include <ostraka/memreport/Stack.h>
-#include <ostraka/memreport/TAPIndexContainer.h>
-
 #include <algorithm>
 #include <deque>
-#include <gtest/gtest.h>
 #include <new>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/memreport/Stack.h>
+#include <ostraka/memreport/TAPIndexContainer.h>
 
 namespace {
 

@@ -1,23 +1,24 @@
-#include <basalt/NUBListValNUBString.h>
-#include <basalt/NUBRawColl.h>
-
 #include <algorithm>
 #include <cctype>
-#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <tuple>
 
+#include <gtest/gtest.h>
+
+#include <basalt/NUBListValNUBString.h>
+#include <basalt/NUBRawColl.h>
+
 namespace {
 
-std::string joined(const NUBListValNUBString& list) {
+std::string Joined(const NUBListValNUBString& list) {
     std::string all;
     for (const NUBString& text : list) all.append(text.View()).append("|");
     return all;
 }
 
 // Pointers to the letters of the word in one array.
-NUBRawCollPV collOf(const std::string& word) {
+NUBRawCollPV CollOf(const std::string& word) {
     static char letters[26];
     NUBRawCollPV coll(0);
     for (char letter : word) coll.Append(letters + (letter - 'a'));
@@ -109,9 +110,9 @@ TEST(NUBListValNUBString, TextsMayComeFromTheListItself) {
     list.InsertBefore(1, list[2]);
     list.InsertAfter(4, list[3]);
     list.Append(list);
-    EXPECT_EQ(joined(list), "a|b|a|b|a|a|b|a|b|a|");
+    EXPECT_EQ(Joined(list), "a|b|a|b|a|a|b|a|b|a|");
     for (int position : {1, 0, 99, 9}) list.RemovePosition(position);
-    EXPECT_EQ(joined(list), "b|a|b|a|a|b|a|b|");
+    EXPECT_EQ(Joined(list), "b|a|b|a|a|b|a|b|");
 }
 
 TEST(Sorting, IsStableEvenWhenEqualAnswersMinusOne) {
@@ -119,9 +120,9 @@ TEST(Sorting, IsStableEvenWhenEqualAnswersMinusOne) {
     for (const char* text : {"b1", "a1", "b2", "a2", "a3"}) list.Append(text);
     NUBListValNUBString same(list);
     list.QuickSort([](NUBString* a, NUBString* b) { return a->View()[0] - b->View()[0]; });
-    EXPECT_EQ(joined(list), "a1|a2|a3|b1|b2|");
+    EXPECT_EQ(Joined(list), "a1|a2|a3|b1|b2|");
     same.QuickSort([](NUBString* a, NUBString* b) { return a->View()[0] <= b->View()[0] ? -1 : 1; });
-    EXPECT_EQ(joined(same), joined(list));
+    EXPECT_EQ(Joined(same), Joined(list));
 }
 
 TEST(NUBRawColl, RemoveDuplicatesKeepsTheFirst) {
@@ -139,7 +140,7 @@ TEST(NUBRawColl, Compare) {
         {"", "", 0}, {"", "a", -1}, {"ab", "a", 1}, {"b", "ac", 1}, {"abc", "abd", -1}, {"ab", "ab", 0}};
     int (*order)(void*, void*) = [](void* a, void* b) { return (a > b) - (a < b); };
     for (auto [a, b, result] : rows)
-        EXPECT_EQ(NUBRawCollPV::Compare(collOf(a), collOf(b), order), result) << a << " " << b;
+        EXPECT_EQ(NUBRawCollPV::Compare(CollOf(a), CollOf(b), order), result) << a << " " << b;
 }
 
 } // namespace

@@ -1,21 +1,22 @@
-#include <gneiss/qxContext.h>
-#include <gneiss/qxErrorCodeManager.h>
-#include <gneiss/qxMMap.h>
-#include <gneiss/qxOFStream.h>
-
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <gtest/gtest.h>
 #include <iostream>
 #include <string>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
 #include <utility>
+
+#include <gtest/gtest.h>
+
+#include <gneiss/qxContext.h>
+#include <gneiss/qxErrorCodeManager.h>
+#include <gneiss/qxMMap.h>
+#include <gneiss/qxOFStream.h>
 
 namespace {
 
@@ -25,7 +26,7 @@ protected:
     ~FileMapping() override { std::filesystem::remove_all(folder); }
 
     // The result of reading the file, which frees its block; "failed" otherwise.
-    static std::string read(const char* path, int mode = 8) {
+    static std::string Read(const char* path, int mode = 8) {
         char* data = nullptr;
         unsigned int size = 0;
         if (qxMMap(path, mode, data, size, 10) != 0) {
@@ -49,17 +50,17 @@ TEST_F(FileMapping, GivesTheWholeContent) {
         std::string content(length, 'x');
         if (length > 3) content[3] = '\0';
         std::ofstream(file, std::ios::binary) << content;
-        for (int mode : {8, 1, 0, -5, 4096}) EXPECT_EQ(read(file.c_str(), mode), content) << length;
+        for (int mode : {8, 1, 0, -5, 4096}) EXPECT_EQ(Read(file.c_str(), mode), content) << length;
     }
 }
 
 TEST_F(FileMapping, ReadsWhatTellsNoSize) {
     std::ifstream maps("/proc/self/limits");
-    EXPECT_EQ(read("/proc/self/limits"), std::string(std::istreambuf_iterator<char>(maps), {}));
+    EXPECT_EQ(Read("/proc/self/limits"), std::string(std::istreambuf_iterator<char>(maps), {}));
     ASSERT_EQ(mkfifo(file.c_str(), 0600), 0);
     const std::string content(300'000, 'p');
     std::thread writer([&] { std::ofstream(file) << content; });
-    EXPECT_EQ(read(file.c_str()), content);
+    EXPECT_EQ(Read(file.c_str()), content);
     writer.join();
 }
 
@@ -68,10 +69,10 @@ TEST_F(FileMapping, FailureLeavesTheReason) {
     std::filesystem::resize_file(file, 1ull << 31);
     for (auto [path, error] :
          {std::pair(folder, EISDIR), {file, EFBIG}, {folder + "/none", ENOENT}, {"", ENOENT}}) {
-        EXPECT_EQ(read(path.c_str()), "failed") << path;
+        EXPECT_EQ(Read(path.c_str()), "failed") << path;
         EXPECT_STREQ(qxExtLastError.GetMsgError().CastToCharPtr(), std::strerror(error)) << path;
     }
-    EXPECT_EQ(read(nullptr), "failed");
+    EXPECT_EQ(Read(nullptr), "failed");
 }
 
 TEST(Messages, ParametersStandInTheText) {

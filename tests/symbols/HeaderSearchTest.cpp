@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include <filesystem>
+
+#include <gtest/gtest.h>
 
 #include <ostraka/symbols/HeaderTrace.h>
 #include <ostraka/symbols/TAPSymbolTable.h>

@@ -1,11 +1,10 @@
 #include <cstring>
 #include <string>
 #include <string_view>
-
-#include <gtest/gtest.h>
-
 #include <sys/mman.h>
 #include <unistd.h>
+
+#include <gtest/gtest.h>
 
 #include "support/Source.h"
 

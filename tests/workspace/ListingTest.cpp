@@ -1,12 +1,13 @@
-#include <ostraka/workspace/FrameworkListing.h>
-
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
-#include <gtest/gtest.h>
-#include <ostraka/foundation/Directory.h>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/Directory.h>
+#include <ostraka/workspace/FrameworkListing.h>
 
 #include "support/TemporaryFolder.h"
 
@@ -27,7 +28,7 @@ TEST(ListingTest, ListsFrameworks) {
     const TemporaryFolder folder;
     for (const char* card : {"w/A/IdentityCard", "w/B.tst/IdentityCard", "w/C.x/IdentityCard/file",
                              "w/D/other", "w/IdentityCard", "none/IdentityCard"})
-        folder.add(card);
+        folder.Add(card);
     const struct {
         int (*list)(const NUBString&, NUBListValNUBString&, int);
         const char* workspace;
@@ -54,7 +55,7 @@ TEST(ListingTest, ListsFrameworks) {
 
 TEST(ListingTest, FindsTheCodeFramework) {
     const TemporaryFolder folder;
-    folder.add("w/A/x");
+    folder.Add("w/A/x");
     const struct {
         const char* name;
         int query, result;

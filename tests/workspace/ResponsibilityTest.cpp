@@ -1,8 +1,9 @@
-#include <ostraka/workspace/FrameworkResponsibility.h>
-
 #include <chrono>
-#include <gtest/gtest.h>
 #include <string>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/workspace/FrameworkResponsibility.h>
 
 namespace {
 

@@ -10,11 +10,11 @@
 #include <iterator>
 #include <limits>
 #include <string_view>
+#include <unistd.h>
 #include <vector>
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
-#include <unistd.h>
 
 #include "cli/Manual.h"
 #include "cli/Nearest.h"

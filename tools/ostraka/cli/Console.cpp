@@ -3,11 +3,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <poll.h>
 #include <system_error>
+#include <unistd.h>
 
 #include <fmt/format.h>
-#include <poll.h>
-#include <unistd.h>
 
 #include "cli/ExitCodes.h"
 

@@ -8,9 +8,9 @@
 #include <system_error>
 
 #include <nlohmann/json.hpp>
-#include <ostraka/foundation/TAFileBuffer.h>
 
 #include <answers/facts/RawFile.h>
+#include <ostraka/foundation/TAFileBuffer.h>
 
 namespace fs = std::filesystem;
 

@@ -10,7 +10,6 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdlib>
-
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>

@@ -18,8 +18,9 @@
 #include <string>
 #include <string_view>
 
-#include <answers/facts/Place.h>
 #include <fmt/format.h>
+
+#include <answers/facts/Place.h>
 
 #include "cli/Request.h"
 
@@ -84,7 +85,7 @@ public:
     }
     template <class Elements>
     void List(std::string_view key, const Elements& elements) {
-        List(key, elements, [this](const auto& element) { Value(element); });
+        List(key, elements, [this](const auto& element) { this->Value(element); });
     }
 
     // "file", "line" and "column".

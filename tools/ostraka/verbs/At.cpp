@@ -4,13 +4,14 @@
 
 #include <fmt/format.h>
 
+#include <answers/resolve/NodeAnswers.h>
+#include <answers/resolve/NodeSearch.h>
+#include <answers/resolve/NodeText.h>
+
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
-#include <answers/resolve/NodeAnswers.h>
-#include <answers/resolve/NodeSearch.h>
-#include <answers/resolve/NodeText.h>
 
 namespace ostraka::tool {
 

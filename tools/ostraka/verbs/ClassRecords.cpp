@@ -5,12 +5,13 @@
 #include <set>
 
 #include <fmt/format.h>
+
+#include <answers/resolve/Declarations.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Nearest.h"
 #include "cli/Run.h"
 #include "verbs/Session.h"
-#include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
 

@@ -6,10 +6,9 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 #include <utility>
 #include <vector>
-
-#include <sys/types.h>
 
 namespace ostraka::tool {
 

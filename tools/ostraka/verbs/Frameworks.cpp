@@ -7,6 +7,7 @@
 #include <set>
 
 #include <fmt/format.h>
+
 #include <ostraka/foundation/TextHelpers.h>
 #include <ostraka/workspace/FrameworkListing.h>
 #include <ostraka/workspace/FrameworkResponsibility.h>

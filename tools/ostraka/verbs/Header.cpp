@@ -4,11 +4,12 @@
 
 #include <fmt/format.h>
 
+#include <answers/resolve/HeaderPlaces.h>
+
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
-#include <answers/resolve/HeaderPlaces.h>
 
 namespace ostraka::tool {
 

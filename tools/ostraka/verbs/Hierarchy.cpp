@@ -4,10 +4,12 @@
 #include <iterator>
 #include <map>
 #include <set>
+#include <unistd.h>
 
 #include <fmt/format.h>
+
+#include <answers/resolve/Declarations.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
-#include <unistd.h>
 
 #include "cli/Options.h"
 #include "formats/Dot.h"
@@ -16,7 +18,6 @@
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
-#include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
 

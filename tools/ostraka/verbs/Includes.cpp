@@ -6,12 +6,13 @@
 
 #include <fmt/format.h>
 
+#include <answers/resolve/IncludeGraph.h>
+
 #include "cli/Options.h"
 #include "formats/Dot.h"
 #include "formats/JsonWriter.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
-#include <answers/resolve/IncludeGraph.h>
 
 namespace ostraka::tool {
 

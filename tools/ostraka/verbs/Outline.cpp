@@ -6,6 +6,8 @@
 #include <set>
 
 #include <fmt/format.h>
+
+#include <answers/resolve/Declarations.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
@@ -14,7 +16,6 @@
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
-#include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
 

@@ -5,17 +5,18 @@
 #include <filesystem>
 #include <memory>
 #include <system_error>
+#include <unistd.h>
 
-#include <answers/reports/ReportReader.h>
 #include <fmt/format.h>
+
+#include <answers/facts/RawFile.h>
+#include <answers/reports/ReportReader.h>
 #include <ostraka/foundation/TAFileBuffer.h>
 #include <ostraka/foundation/TextHelpers.h>
 #include <ostraka/workspace/FrameworkResponsibility.h>
-#include <unistd.h>
 
 #include "cli/Inputs.h"
 #include "formats/Text.h"
-#include <answers/facts/RawFile.h>
 
 namespace ostraka::tool {
 

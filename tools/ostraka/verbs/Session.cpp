@@ -10,11 +10,12 @@
 #include <unordered_set>
 
 #include <fmt/format.h>
+
+#include <answers/facts/Diagnosis.h>
+#include <answers/facts/RawFile.h>
 #include <ostraka/foundation/Directory.h>
 
 #include "verbs/FileId.h"
-#include <answers/facts/Diagnosis.h>
-#include <answers/facts/RawFile.h>
 
 namespace fs = std::filesystem;
 

@@ -4,6 +4,8 @@
 #include <iterator>
 
 #include <fmt/format.h>
+
+#include <answers/resolve/Declarations.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
@@ -12,7 +14,6 @@
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
-#include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
 

@@ -5,11 +5,12 @@
 #include <set>
 
 #include <fmt/format.h>
+
+#include <answers/resolve/IncludeGraph.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Inputs.h"
 #include "verbs/Session.h"
-#include <answers/resolve/IncludeGraph.h>
 
 namespace ostraka::tool {
 

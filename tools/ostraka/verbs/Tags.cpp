@@ -6,6 +6,9 @@
 #include <set>
 
 #include <fmt/format.h>
+
+#include <answers/facts/RawFile.h>
+#include <answers/resolve/Declarations.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
@@ -14,8 +17,6 @@
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
-#include <answers/facts/RawFile.h>
-#include <answers/resolve/Declarations.h>
 
 namespace ostraka::tool {
 

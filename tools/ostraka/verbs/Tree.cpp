@@ -5,12 +5,13 @@
 
 #include <fmt/format.h>
 
+#include <answers/resolve/NodeText.h>
+
 #include "cli/Options.h"
 #include "formats/Text.h"
 #include "formats/TreeWalk.h"
 #include "verbs/SourceRun.h"
 #include "verbs/Verbs.h"
-#include <answers/resolve/NodeText.h>
 
 namespace ostraka::tool {
 

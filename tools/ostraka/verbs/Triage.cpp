@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <fcntl.h>
 #include <limits>
 #include <system_error>
-
-#include <fcntl.h>
 #include <unistd.h>
 
 #include "cli/Options.h"
