@@ -66,6 +66,11 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
     while (at < bound) {
         at = PastAttributes(at);
         const Token& token = T(at);
+        if (head.words > 0 && !head.builtin && !InBlock() && EndsMacros(at)) { // the words before are no type
+            i = at;
+            statementBegins = true;
+            return true;
+        }
         if (token.kind == TokenKind::Word && IsStorage(token.code)) {
             if (token.code == Kw_static) head.flags |= IsStatic;
             if (token.code == Kw_extern) head.flags |= IsExtern;
@@ -82,11 +87,6 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
         }
         if (token.kind == TokenKind::Word && (token.code == Kw_class || token.code == Kw_struct ||
                                               token.code == Kw_union || token.code == Kw_enum)) {
-            if (head.words > 0 && !head.builtin && !InBlock()) { // words before a head that are no type
-                i = at;
-                statementBegins = true;
-                return true;
-            }
             ++at; // `const struct stat* status`
             continue;
         }
@@ -354,6 +354,11 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
     const int past = PastBracket(open);
     if (InClass() && name == ClassAround()) return false;
     const bool isBody = IsMark(past, '{');
+    if (OpensHead(open + 1) && !IsKey(open + 1, Kw_template)) { // `PACK(struct Ship { int length; });`
+        i = open + 1;
+        statementBegins = true;
+        return true;
+    }
     const bool isConversionMacro = IsMark(past, '(') && IsName(open + 1) && IsMark(open + 2, ')');
     if (isConversionMacro) { // `METHOD(Name)(int x)`
         Chain inner;
@@ -456,6 +461,8 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
     if (!hasType && !chain.isOperator && !chain.isDestructor) {
         if (InClass() ? name == ClassAround() : isQualified) flags |= IsConstructor;
     }
+    if (InClass() && !isQualified && !chain.isOperator && !chain.isDestructor && name == ClassAround())
+        flags |= IsConstructor; // with a macro before it
     Head function = head;
     function.flags = flags;
     const int declared =

@@ -498,6 +498,10 @@ bool FactReader::ClassDeclaration(Head head) {
         ++words;
         at = PastAttributes(next.past);
     }
+    // `class Ship FINAL {`: a macro behind the name rather than before it.
+    const bool isTrailing = words > 1 && chain.past == chain.name + 1 && IsMacroLike(TextAt(chain.name)) &&
+                            !IsMacroLike(TextAt(before.name));
+    if (isTrailing && !IsMark(at, ';')) chain = before;
     if (IsKey(at, Kw_final)) ++at;
     if (dialect == Dialect::Idl && kind == FactKind::Union && TextAt(at) == "switch") at = PastBracket(at + 1);
     if (dialect == Dialect::Idl && words > 0 && TextAt(chain.name) == "switch" && IsMark(at, '(')) {

@@ -113,6 +113,7 @@ private:
     int PastAngles(int open) const;
     int PastAttributes(int from) const;
     bool OpensHead(int at) const;
+    bool EndsMacros(int at) const;
     // The token, or the last one for an index behind it.
     const Token& T(int at) const { return tokens[std::min(at, tokens.Count())]; }
     std::string_view TextAt(int at) const { return tokens.TextOf(T(at)); }

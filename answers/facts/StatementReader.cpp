@@ -50,7 +50,7 @@ void FactReader::AtBlockStatement() {
     case Kw_for: {
         const int open = IsMark(i + 1, '(') ? i + 1 : i + 2;
         if (IsMark(open, '(') && T(open).partner > 0)
-            return ControlStatement(open, token.code == Kw_for ? Mode::ForInit : Mode::Condition);
+            return ControlStatement(open, token.code == Kw_for || token.code == Kw_catch ? Mode::ForInit : Mode::Condition);
         ++i;
         return;
     }
@@ -369,6 +369,13 @@ bool FactReader::OpensHead(int at) const {
     case Kw_template: return true;
     default: return false;
     }
+}
+
+// Whether words before this one can't belong to a type, since it begins something else.
+bool FactReader::EndsMacros(int at) const {
+    if (OpensHead(at)) return true;
+    return IsKey(at, Kw_using) || ((IsKey(at, Kw_public) || IsKey(at, Kw_protected) || IsKey(at, Kw_private)) &&
+                                   !IsMark(at - 1, ','));
 }
 
 // Capitals, digits and underscores alone.

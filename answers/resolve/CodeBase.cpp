@@ -64,6 +64,14 @@ bool IsSourcePath(std::string_view path) {
            std::find(std::begin(sourceEndings), std::end(sourceEndings), name.substr(dot)) != std::end(sourceEndings);
 }
 
+bool IsCompiledPath(std::string_view path) {
+    const std::size_t dot = path.rfind('.');
+    if (dot == path.npos) return false;
+    const std::string_view ending = path.substr(dot);
+    return ending == ".cpp" || ending == ".cc" || ending == ".cxx" || ending == ".c" || ending == ".C" ||
+           ending == ".c++" || ending == ".mm" || ending == ".m" || ending == ".cu";
+}
+
 CodeBase::CodeBase(CodeBaseSettings named) : settings(std::move(named)) {
     for (std::string& root : settings.roots)
         while (root.size() > 1 && root.back() == '/') root.pop_back();

@@ -82,4 +82,7 @@ private:
 // Whether the path's ending is one of C, C++ or IDL.
 bool IsSourcePath(std::string_view path);
 
+// Whether a file of such a path is compiled by itself, and so included by nobody.
+bool IsCompiledPath(std::string_view path);
+
 } // namespace ostraka::answers

@@ -50,7 +50,7 @@ int Names::IdOf(std::string_view name) const {
 
 int Names::MakeChild(int entity, int name) {
     const auto [child, isNew] = children.try_emplace(Key(entity, name), static_cast<int>(entities.size()));
-    if (isNew) entities.push_back({entity, name, {}});
+    if (isNew) entities.push_back({entity, name, {}, {}});
     return child->second;
 }
 
@@ -110,7 +110,11 @@ void Names::Add(int file) {
         const DeclarationRef ref{file, i};
         if ((IsClassLike(each.kind) || each.kind == FactKind::Enum) && each.Has(HasBody) && each.body >= 0)
             entities[static_cast<std::size_t>(of[static_cast<std::size_t>(each.body)])].definitions.push_back(ref);
-        if (each.kind == FactKind::Namespace) continue;
+        if (each.kind == FactKind::Namespace) {
+            if (each.body >= 0)
+                entities[static_cast<std::size_t>(of[static_cast<std::size_t>(each.body)])].openings.push_back(ref);
+            continue;
+        }
         byName[static_cast<std::size_t>(name)].push_back(ref);
         if (each.Has(IsSpecialization) && IsClassLike(each.kind)) continue;
         if (!each.qualifier.empty()) {

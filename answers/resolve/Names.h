@@ -57,6 +57,9 @@ public:
     // Declarations of the class or enum with a body.
     const Refs& DefinitionsOf(int entity) const { return entities[static_cast<std::size_t>(entity)].definitions; }
 
+    // Where a namespace is opened.
+    const Refs& OpeningsOf(int entity) const { return entities[static_cast<std::size_t>(entity)].openings; }
+
     struct UsingRef {
         int file;
         int index;
@@ -75,6 +78,7 @@ private:
         int parent = none;
         int name = none;
         Refs definitions;
+        Refs openings;
     };
 
     int Intern(std::string_view name);

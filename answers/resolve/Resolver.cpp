@@ -91,6 +91,15 @@ bool Resolver::IsVisible(const DeclarationRef& ref) const {
            (static_cast<std::size_t>(ref.file) < visible.size() && visible[static_cast<std::size_t>(ref.file)] > 0);
 }
 
+// Whether a file that doesn't see the declaration may mean it: not what another source keeps to itself.
+bool Resolver::IsForOthers(const DeclarationRef& ref) {
+    if (IsVisible(ref)) return true;
+    const Declared& declared = At(ref);
+    const bool isOwn = declared.Has(IsStatic) &&
+                       FactsIn(ref.file).scopes[static_cast<std::size_t>(declared.scope)].kind <= ScopeKind::Namespace;
+    return !isOwn || !IsCompiledPath(base.PathOf(ref.file));
+}
+
 Refs Resolver::VisibleOf(const Refs& refs, Wanted wanted) {
     Refs kept;
     for (const DeclarationRef& ref : refs) {
@@ -99,8 +108,7 @@ Refs Resolver::VisibleOf(const Refs& refs, Wanted wanted) {
         const Declared& declared = At(ref);
         if (wanted == Wanted::Types && !IsTypeLike(declared)) continue;
         if (declared.Has(IsConstructor) || declared.Has(IsDestructor) || declared.kind == FactKind::Label) continue;
-        if (!isSeen && declared.Has(IsStatic) && FactsIn(ref.file).scopes[static_cast<std::size_t>(declared.scope)].kind <= ScopeKind::Namespace)
-            continue; // another source's own
+        if (!isSeen && !IsForOthers(ref)) continue;
         kept.push_back(ref);
     }
     return kept;
@@ -245,6 +253,8 @@ Resolver::Found Resolver::LookInClass(std::string_view name, const Type& owner, 
         const Type type = level[next];
         if (++work > mostWork) break;
         if (id != Names::none) found.refs = VisibleOf(names.In(type.entity, id), wanted);
+        if (found.refs.empty() && id != Names::none) // declared by a macro, and implemented at hand
+            found.refs = VisibleOf(names.ImplementedFor(type.entity, id), wanted);
         if (found.refs.empty()) {
             const int child = names.ChildOf(type.entity, name);
             if (child != Names::none && !names.DefinitionsOf(child).empty() && !strict) found.entity = child;

@@ -92,6 +92,7 @@ private:
     const Declared& At(const DeclarationRef& ref);
     int EntityAt(const Where& where);
     bool IsVisible(const DeclarationRef& ref) const;
+    bool IsForOthers(const DeclarationRef& ref);
     Refs VisibleOf(const Refs& refs, Wanted wanted);
 
     // ---- looking for names
@@ -100,7 +101,7 @@ private:
     Found LookInNamespace(std::string_view name, int entity, Wanted wanted, int depth);
     Found LookInClass(std::string_view name, const Type& owner, Wanted wanted, int depth);
     Found LookIn(std::string_view name, const Type& owner, Wanted wanted, int depth);
-    Found LookAnywhere(std::string_view name, bool isMember, bool isCalled);
+    Found LookAnywhere(std::string_view name, bool isMember, bool isCalled, bool withinClass);
     int ClassOfFunction(const Where& where, int scope, int depth);
     std::vector<Type> BasesOf(const Type& type, int depth);
     DeclarationRef DefinitionOf(int entity);

@@ -23,14 +23,6 @@ bool IsNumber(const Type& type) {
             type.name == "double" || type.name == "float" || type.name == "short" || type.name == "size_t");
 }
 
-// Whether the file is compiled by itself, and included by nobody.
-bool IsSourceFile(std::string_view path) {
-    const std::size_t dot = path.rfind('.');
-    if (dot == path.npos) return false;
-    const std::string_view ending = path.substr(dot);
-    return ending == ".cpp" || ending == ".cc" || ending == ".cxx" || ending == ".c" || ending == ".C" || ending == ".c++";
-}
-
 constexpr std::size_t mostAnswers = 3;
 
 } // namespace
@@ -327,10 +319,12 @@ Refs Resolver::Choose(const Found& found, int token, int depth) {
         for (const DeclarationRef& ref : types) {
             const auto [hasBody, order] = rank(ref);
             const auto [bestHasBody, bestOrder] = rank(best);
-            if (hasBody != bestHasBody ? hasBody : order > bestOrder && !hasBody) best = ref;
+            // A type keeps the declaration that it was met with first, until it is defined.
+            const bool isEarlier = order != 0 && (order < bestOrder || bestOrder == 0);
+            if (hasBody != bestHasBody ? hasBody : !hasBody && isEarlier) best = ref;
         }
         // Whoever includes a header sees more than the header does.
-        if (!At(best).Has(HasBody) && !IsSourceFile(base.PathOf(openedFile)) && best.file != localFile) {
+        if (!At(best).Has(HasBody) && !IsCompiledPath(base.PathOf(openedFile)) && best.file != localFile) {
             const int entity = names.ChildOf(names.EntityOf(best.file, At(best).scope), At(best).name);
             if (entity != Names::none && names.DefinitionsOf(entity).size() == 1)
                 best = names.DefinitionsOf(entity).front();
@@ -346,7 +340,7 @@ Refs Resolver::Choose(const Found& found, int token, int depth) {
 }
 
 // By name alone, wherever it is declared: worth telling only where few things are called so.
-Resolver::Found Resolver::LookAnywhere(std::string_view name, bool isMember, bool isCalled) {
+Resolver::Found Resolver::LookAnywhere(std::string_view name, bool isMember, bool isCalled, bool withinClass) {
     Found found;
     const int id = names.IdOf(name);
     if (id == Names::none) return found;
@@ -360,7 +354,11 @@ Resolver::Found Resolver::LookAnywhere(std::string_view name, bool isMember, boo
         if (isMember && !inClass) continue;
         if (isCalled && declared.kind == FactKind::Variable && declared.type.find('(') == declared.type.npos && isMember)
             continue;
-        if (!isMember && !IsVisible(ref) && declared.Has(IsStatic)) continue;
+        if (!isMember && !IsForOthers(ref)) continue;
+        // A plain name means a member only in a class, one of whose bases may have it.
+        if (!isMember && inClass && !withinClass &&
+            (declared.kind == FactKind::Variable || declared.kind == FactKind::Function))
+            continue;
         kept.push_back(ref);
         const int owner = names.EntityOf(ref.file, declared.scope);
         if (std::find(owners.begin(), owners.end(), owner) == owners.end()) owners.push_back(owner);
@@ -457,6 +455,12 @@ std::vector<PlaceAnswer> Resolver::Ask(std::uint32_t offset) {
             }
             break;
         }
+        if (found.entity > Names::global) { // a namespace, where it is opened first
+            const Refs& openings = names.OpeningsOf(found.entity);
+            for (const DeclarationRef& ref : openings)
+                if (answers.empty() && (IsVisible(ref) || !strict)) answers.push_back(AnswerFor(ref, strict));
+            if (!answers.empty()) break;
+        }
         if (onlySeen) {
             answers = MacroAnswers(name);
             if (!answers.empty()) break;
@@ -465,7 +469,7 @@ std::vector<PlaceAnswer> Resolver::Ask(std::uint32_t offset) {
     if (answers.empty()) {
         strict = false;
         work = 0;
-        const Found found = LookAnywhere(name, isMember, isCalled);
+        const Found found = LookAnywhere(name, isMember, isCalled, ClassAround(WhereAt(token), 1).IsClass());
         if (!found.refs.empty())
             for (const DeclarationRef& ref : Choose(found, token, 0)) {
                 if (answers.size() == mostAnswers) break;
