@@ -118,7 +118,9 @@ void Names::Add(int file) {
         byName[static_cast<std::size_t>(name)].push_back(ref);
         if (each.Has(IsSpecialization) && IsClassLike(each.kind)) continue;
         if (!each.qualifier.empty()) {
-            implemented[Key(MakeQualified(around, each.qualifier), name)].push_back(ref);
+            const int scope = MakeQualified(around, each.qualifier);
+            implemented[Key(scope, name)].push_back(ref);
+            namedScopes[Key(ref.file, ref.index)] = scope;
             continue;
         }
         declared[Key(around, name)].push_back(ref);
@@ -149,6 +151,11 @@ int Names::ChildOf(int entity, std::string_view name) const {
     if (id == none) return none;
     const auto child = children.find(Key(entity, id));
     return child != children.end() ? child->second : none;
+}
+
+int Names::NamedScopeOf(const DeclarationRef& ref) const {
+    const auto found = namedScopes.find(Key(ref.file, ref.index));
+    return found != namedScopes.end() ? found->second : none;
 }
 
 std::string_view Names::NameOf(int entity) const {

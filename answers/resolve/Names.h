@@ -37,6 +37,7 @@ public:
     void Add(int file);
 
     int IdOf(std::string_view name) const; // of a name; none where nothing is called so
+    int NameCount() const { return static_cast<int>(nameTexts.size()); } // ids are from 0
     std::string_view TextOf(int name) const { return nameTexts[static_cast<std::size_t>(name)]; }
 
     // The entity of a scope of a file that was added; that of the nearest one around where it has none.
@@ -44,6 +45,8 @@ public:
     // The entity below another; none where there is none.
     int ChildOf(int entity, std::string_view name) const;
     int ParentOf(int entity) const { return entities[static_cast<std::size_t>(entity)].parent; }
+    // Of an implementation that stands outside of its scope: the entity that it names.
+    int NamedScopeOf(const DeclarationRef& ref) const;
     std::string_view NameOf(int entity) const;
     // The whole name: "gui::Frame".
     std::string QualifiedName(int entity) const;
@@ -100,6 +103,7 @@ private:
     std::unordered_map<std::uint64_t, Refs> declared;
     std::unordered_map<std::uint64_t, Refs> implemented;
     std::vector<Refs> byName; // by name
+    std::unordered_map<std::uint64_t, int> namedScopes; // of implementations, by file and index
     std::unordered_map<int, std::vector<UsingRef>> usings;
     std::unordered_map<int, std::vector<MacroRef>> macros;
     std::unordered_map<int, std::vector<int>> entitiesOfFile; // by scope

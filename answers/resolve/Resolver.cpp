@@ -73,6 +73,11 @@ bool Resolver::Open(int file) {
     return true;
 }
 
+void Resolver::TakeAllFiles() {
+    if (std::exchange(hasAllFiles, true)) return;
+    for (const int file : base.AllFiles()) names.Add(file);
+}
+
 const FileFacts& Resolver::FactsIn(int file) {
     return file == localFile ? opened : base.FactsOf(file);
 }

@@ -49,15 +49,14 @@ public:
 
     // Reads the file with its bodies, and all that it sees. False where it can't be read.
     bool Open(int file);
-    bool IsOpen(int file) const { return openedFile == file; }
     const FileFacts& Opened() const { return opened; }
     const TokenList& Tokens() const { return *tokens; }
 
     // What the name at the byte means; empty where no name stands there, or nothing is known of it.
     std::vector<PlaceAnswer> Ask(std::uint32_t offset);
 
-    // The type of the expression that ends with this token, as a text; empty where it can't be told.
-    std::string TypeTextAt(std::uint32_t offset);
+    // Whether the name at the byte stands for a base in the head of a class.
+    bool IsBaseAt(std::uint32_t offset) const;
 
 private:
     // A declaration of the opened file that holds only in one of its bodies.
@@ -86,6 +85,8 @@ private:
         Found named; // functions that may be called, a type, a namespace
         bool isType = false;
     };
+
+    void TakeAllFiles();
 
     // ---- facts of either kind of file
     const FileFacts& FactsIn(int file);
@@ -162,6 +163,7 @@ private:
     std::unordered_map<int, int> declaredAt; // by offset: the opened declaration whose name stands there
     std::unordered_map<std::string_view, std::vector<int>> locals; // by name: in bodies, and arguments
     std::vector<int> visible;        // by file: its place in the order of what is seen, from 1; 0 where it isn't
+    bool hasAllFiles = false;        // whether all names of the code base are known
     bool strict = true;              // whether only what is seen counts
     int work = 0;                    // steps since the question was asked
     std::unordered_map<std::uint64_t, int> classesOfFunctions;

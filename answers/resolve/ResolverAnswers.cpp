@@ -414,6 +414,12 @@ std::vector<PlaceAnswer> Resolver::MacroAnswers(std::string_view name) {
     return answers;
 }
 
+bool Resolver::IsBaseAt(std::uint32_t offset) const {
+    return std::any_of(opened.bases.begin(), opened.bases.end(), [offset](const Base& each) {
+        return offset >= each.at && offset < each.at + each.name.size();
+    });
+}
+
 std::vector<PlaceAnswer> Resolver::Ask(std::uint32_t offset) {
     std::vector<PlaceAnswer> answers;
     if (openedFile < 0) return answers;
@@ -446,6 +452,7 @@ std::vector<PlaceAnswer> Resolver::Ask(std::uint32_t offset) {
     bool isMember = false;
     for (const bool onlySeen : {true, false}) {
         strict = onlySeen;
+        if (!strict) TakeAllFiles();
         work = 0;
         const Found found = FindAt(token, isMember, 0);
         if (!found.refs.empty()) {

@@ -133,7 +133,7 @@ Type Resolver::TypeFromTokens(const TokenList& list, int first, int past, const 
             } else if (type.entity != Names::none) {
                 found = LookIn(name, type, Wanted::Types, depth + 1);
             }
-            const bool more = next + 1 < past && list[next].Is(ColonsMark) &&
+            const bool hasMore = next + 1 < past && list[next].Is(ColonsMark) &&
                               (list[next + 1].IsName() || list[next + 1].IsKeyword(Kw_template));
             if (!isFirst && type.entity == Names::none) {
                 type.name = name; // below what isn't known
@@ -143,14 +143,14 @@ Type Resolver::TypeFromTokens(const TokenList& list, int first, int past, const 
                 type = TypeOfFound(found, arguments, depth + 1, name, found.owner.IsClass() ? &found.owner
                                                                       : isFirst            ? owner
                                                                                            : &outer);
-                if (type.entity == Names::none && more && type.name == name && isFirst &&
+                if (type.entity == Names::none && hasMore && type.name == name && isFirst &&
                     !names.MacrosOf(names.IdOf(name)).empty()) {
                     // A macro that stands for a namespace: whatever it is, go on from the place.
                     at = next + 1;
                     continue;
                 }
             }
-            if (!more) {
+            if (!hasMore) {
                 at = next;
                 break;
             }
@@ -244,8 +244,8 @@ Type Resolver::TypeOfFound(const Found& found, const std::vector<Type>& argument
         if (declared.body >= 0) type.entity = openedEntities[static_cast<std::size_t>(declared.body)];
         (void)facts;
     } else {
-        const int around = names.EntityOf(ref.file, declared.scope);
-        type.entity = names.ChildOf(around, declared.name);
+        const int holder = names.EntityOf(ref.file, declared.scope);
+        type.entity = names.ChildOf(holder, declared.name);
         if (declared.body >= 0 && type.entity == Names::none) type.entity = names.EntityOf(ref.file, declared.body);
         if (type.entity == Names::none) type.name = declared.name;
     }

@@ -3,11 +3,15 @@
 #include <iterator>
 
 #include <fmt/format.h>
+#include <ostraka/foundation/TAFileBuffer.h>
 
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
+#include "verbs/CodeSession.h"
+#include "verbs/Declared.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
+#include <answers/facts/RawFile.h>
 #include <answers/resolve/NodeAnswers.h>
 #include <answers/resolve/NodeSearch.h>
 #include <answers/resolve/NodeText.h>
@@ -172,18 +176,88 @@ void Answer(const Request& request, const std::string& asked, Result& result) {
     }
 }
 
+// ---- Many places
+
+// A question of a list, by its line there.
+struct AskedPlace {
+    FilePlace place;
+    std::size_t line;
+};
+
+std::string AnswerLine(CodeSession& session, const FilePlace& asked) {
+    std::string line;
+    JsonWriter json(line);
+    json.BeginObject();
+    json.PlaceMembers(asked.file, asked.place);
+    Resolver& resolver = session.Ask();
+    std::vector<PlaceAnswer> declared;
+    if (resolver.Open(session.FileAt(asked.file))) {
+        declared = resolver.Ask(resolver.Opened().OffsetOf(asked.place));
+    } else {
+        json.Member("error", "can't be read");
+    }
+    json.List("declared", declared,
+              [&](const PlaceAnswer& each) { json.Object([&] { DeclaredMembers(json, session, each); }); });
+    json.EndObject();
+    return line + "\n";
+}
+
+// Answers file by file, since a file is read whole for the first place in it, and prints in the order asked.
+void RunPlaces(Run& run) {
+    std::string problem;
+    const auto list = ReadFile(run.request.places, problem);
+    if (!list) {
+        run.Fail("list", run.request.places, {std::nullopt, problem});
+        return;
+    }
+    run.Count("list");
+    std::vector<AskedPlace> asked;
+    std::vector<std::string> paths;
+    std::string_view rest(list->buffer, static_cast<std::size_t>(list->size));
+    for (std::size_t line = 0; !rest.empty();) {
+        const std::size_t newline = std::min(rest.find('\n'), rest.size());
+        const std::string text(rest.substr(0, newline));
+        rest.remove_prefix(std::min(newline + 1, rest.size()));
+        if (text.empty()) continue;
+        const auto place = ParseFilePlace(text);
+        if (!place) {
+            run.Fail("place", run.request.places,
+                     {Place{static_cast<int>(line) + 1, 1}, fmt::format("'{}' is no FILE:LINE:COLUMN", text)});
+            continue;
+        }
+        asked.push_back({*place, line++});
+        paths.push_back(place->file);
+    }
+    CodeSession session(run.request, paths);
+    std::vector<std::string> answers(asked.size());
+    std::vector<AskedPlace> order = asked;
+    std::stable_sort(order.begin(), order.end(),
+                     [](const AskedPlace& a, const AskedPlace& b) { return a.place.file < b.place.file; });
+    for (const AskedPlace& each : order) answers[each.line] = AnswerLine(session, each.place);
+    Result result;
+    for (const std::string& answer : answers) result.out += answer;
+    run.Show(result);
+}
+
 void RunAt(Run& run) {
+    if (!run.request.places.empty()) return RunPlaces(run);
     run.Ask(run.request.paths.front(), Answer);
 }
 
 void CheckPlace(Request& request) {
+    if (request.paths.empty() == request.places.empty())
+        throw WrongUsage("at takes one place, or --places");
+    if (request.paths.empty()) return;
     const std::string& place = request.paths.front();
     if (!ParseFilePlace(place))
         throw WrongUsage(fmt::format("a place is FILE:LINE or FILE:LINE:COLUMN, not {}", place));
 }
 
-constexpr Option operands[] = {{"PLACE", nullptr, "FILE:LINE or FILE:LINE:COLUMN", Operand{TakePath, true}}};
-constexpr std::span<const Option> options[] = {operands, workspaceOptions, outputOptions};
+constexpr Option operands[] = {
+    {"PLACE", nullptr, "FILE:LINE or FILE:LINE:COLUMN", Operand{TakePath}},
+    {"--places", "LIST", "Answer with a JSON line for each place of LIST, one a line, or - for standard input",
+     Text{[](Request& r, const std::string& list) { r.places = list; }}}};
+constexpr std::span<const Option> options[] = {operands, workspaceOptions, headerFolderOptions, outputOptions};
 
 } // namespace
 
