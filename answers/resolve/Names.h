@@ -35,6 +35,7 @@ public:
 
     // Takes in what the file declares outside of bodies. Once for each file.
     void Add(int file);
+    bool Has(int file) const { return entitiesOfFile.contains(file); }
 
     int IdOf(std::string_view name) const; // of a name; none where nothing is called so
     int NameCount() const { return static_cast<int>(nameTexts.size()); } // ids are from 0

@@ -12,6 +12,30 @@ std::string_view NameOf(UsePart part) {
     return parts[static_cast<int>(part)];
 }
 
+namespace {
+
+// A type's text without what two declarations of one function may write in different ways: scopes, blanks, and a
+// const of the argument itself.
+std::string Comparable(std::string_view type) {
+    std::string text;
+    for (std::size_t at = 0; at < type.size();) {
+        std::size_t past = at;
+        while (past < type.size() && TokenList::IsWordCharacter(type[past])) ++past;
+        if (past == at) {
+            if (type[at] != ' ' && type[at] != ':') text += type[at];
+            ++at;
+            continue;
+        }
+        if (!type.substr(past).starts_with("::")) text += type.substr(at, past - at);
+        at = past;
+    }
+    if (text.ends_with("const")) text.resize(text.size() - 5);
+    if (text.starts_with("const") && text.find_first_of("*&") == text.npos) text.erase(0, 5);
+    return text;
+}
+
+} // namespace
+
 bool HoldsWord(std::string_view text, std::string_view word) {
     for (std::size_t at = text.find(word); at != text.npos; at = text.find(word, at + 1)) {
         const bool begins = at == 0 || !TokenList::IsWordCharacter(text[at - 1]);
@@ -21,10 +45,17 @@ bool HoldsWord(std::string_view text, std::string_view word) {
     return false;
 }
 
+// Whoever declares the name holds it.
+void UseSearch::TakeFilesWith(std::string_view name) {
+    std::string bytes;
+    for (const int file : base.AllFiles())
+        if (!names.Has(file) && CodeBase::ReadBytes(base.PathOf(file), bytes) && HoldsWord(bytes, name)) names.Add(file);
+}
+
 std::vector<NamedPlace> UseSearch::DeclarationsOf(std::string_view name) {
-    for (const int file : base.AllFiles()) names.Add(file);
     const std::size_t colons = name.rfind("::");
     const std::string_view last = colons == name.npos ? name : name.substr(colons + 2);
+    TakeFilesWith(last);
     const std::string scope(colons == name.npos ? std::string_view() : name.substr(0, colons));
     std::vector<NamedPlace> places;
     for (const DeclarationRef& ref : names.All(names.IdOf(last))) {
@@ -46,14 +77,14 @@ bool UseSearch::IsOverloadOf(const DeclarationRef& a, const DeclarationRef& b) {
     const auto typesOf = [this](const DeclarationRef& ref) {
         const FileFacts& facts = base.FactsOf(ref.file);
         const Declared& function = facts.declared[static_cast<std::size_t>(ref.index)];
-        std::vector<std::string_view> types;
+        std::vector<std::string> types;
         if (function.kind != FactKind::Function || function.body < 0) return types;
         const auto first = static_cast<std::size_t>(facts.scopes[static_cast<std::size_t>(function.body)].firstDeclared);
         for (std::size_t i = first; i < facts.declared.size() && facts.declared[i].scope == function.body &&
                                     facts.declared[i].kind == FactKind::Argument;
              ++i)
-            types.push_back(facts.declared[i].type);
-        types.push_back(function.Has(IsConstMethod) ? "const" : "");
+            types.push_back(Comparable(facts.declared[i].type));
+        types.emplace_back(function.Has(IsConstMethod) ? "const" : "");
         return types;
     };
     return typesOf(a) != typesOf(b);
@@ -63,6 +94,7 @@ std::vector<NamedPlace> UseSearch::AllOf(const PlaceAnswer& answer) {
     std::vector<NamedPlace> places = {{answer.file, answer.at}};
     if (answer.isMacro) return places;
     names.Add(answer.file);
+    if (answer.kind != FactKind::Argument && answer.kind != FactKind::TemplateParameter) TakeFilesWith(answer.name);
     const int name = names.IdOf(answer.name);
     DeclarationRef meant;
     for (const DeclarationRef& ref : names.All(name))

@@ -47,6 +47,7 @@ public:
     std::vector<Use> Find(const std::vector<NamedPlace>& declarations);
 
 private:
+    void TakeFilesWith(std::string_view name);
     std::vector<NamedPlace> AllOf(const PlaceAnswer& answer);
     void FindIn(int file, std::string_view name, const std::vector<NamedPlace>& wanted, std::vector<Use>& uses);
     bool IsOverloadOf(const DeclarationRef& a, const DeclarationRef& b);

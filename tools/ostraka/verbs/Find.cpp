@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "cli/Options.h"
+#include "cli/Run.h"
 #include "formats/JsonWriter.h"
 #include "formats/Text.h"
 #include "verbs/CodeSession.h"
@@ -69,7 +70,7 @@ void RunFind(Run& run) {
 constexpr Option operands[] = {{"NAME", nullptr, "The name, as Accept or Ship::Accept", Operand{TakePath, true}}};
 constexpr Option ownOptions[] = {
     {"--prefix", nullptr, "Find all whose name begins so", Flag{[](Request& r) { r.byPrefix = true; }}},
-    {"--kind", nullptr, "Only these kinds",
+    {"--kind", "KIND[,KIND...]", "Only these kinds",
      Word{kindWords, [](Request& r, std::size_t kind) { r.kinds.emplace_back(kindWords[kind]); }, true}}};
 constexpr std::span<const Option> options[] = {operands, ownOptions, workspaceOptions, outputOptions};
 
@@ -78,7 +79,7 @@ constexpr std::span<const Option> options[] = {operands, ownOptions, workspaceOp
 const Verb findVerb = {
     "find",
     "Find every declaration and implementation of a name",
-    {"ostraka find -w harbour:coast Ship", "ostraka find -w harbour:coast Ship::Name",
+    {"ostraka find -w harbour:coast Ship", "ostraka find -w harbour:coast Ship::Heaviest",
      "ostraka find -w harbour:coast --prefix --kind class,interface I"},
     answerFormats,
     options,

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include "cli/Options.h"
+#include "cli/Run.h"
 #include "formats/JsonWriter.h"
 #include "formats/Text.h"
 #include "verbs/CodeSession.h"
@@ -124,7 +125,7 @@ constexpr std::span<const Option> options[] = {operands, ownOptions, workspaceOp
 const Verb usesVerb = {
     "uses",
     "Find where something is used: each place, with its part and how certain that is",
-    {"ostraka uses -w harbour:coast Ship::Name", "ostraka uses -w harbour:coast Ship --by file",
+    {"ostraka uses -w harbour:coast Ship::Heaviest", "ostraka uses -w harbour:coast Ship --by file",
      "ostraka uses -w harbour:coast harbour/Ships/Ships.m/src/Ship.cpp:66:12"},
     answerFormats,
     options,
