@@ -167,6 +167,10 @@ bool FactReader::Declaration(Mode mode) {
     int at = PastAttributes(i);
     for (; IsWord(at); at = PastAttributes(at + 1)) {
         if (IsName(at) && OpensHead(at + 1)) continue; // a macro before it
+        if (IsName(at) && IsMark(at + 1, '(') && OpensHead(at + 2) && IsMark(at + 3, ')')) { // `ALIGNED(class) Ship {`
+            at += 2;
+            break;
+        }
         if (!IsSpecifier(T(at).code) && !(IsQualifier(T(at).code) && OpensHead(at + 1))) break;
         if (T(at).code == Kw_extern && T(at + 1).kind == TokenKind::Text) {
             i = at;
@@ -477,7 +481,7 @@ bool FactReader::ClassDeclaration(Head head) {
     Chain chain;
     Chain before;
     int words = 0;
-    int at = PastAttributes(keyword + 1);
+    int at = PastAttributes(IsMark(keyword + 1, ')') ? keyword + 2 : keyword + 1);
     for (; IsName(at) || IsMark(at, ColonsMark);) {
         if (IsKey(at, Kw_final) && words > 0) {
             ++at;

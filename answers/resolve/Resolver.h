@@ -133,7 +133,8 @@ private:
     // ---- choosing
     Refs Choose(const Found& found, int token, int depth);
     DeclarationRef LatestOf(const DeclarationRef& ref, std::uint32_t at);
-    Refs ChooseFunctions(const Refs& functions, const Found& found, int open, int depth);
+    // `token`: the parenthesis of a call, else the name.
+    Refs ChooseFunctions(const Refs& functions, const Found& found, int token, int depth);
     int ArgumentCount(int open, std::vector<std::pair<int, int>>* ranges) const;
     struct Arity {
         int least = 0;

@@ -146,13 +146,13 @@ DeclarationRef Resolver::LatestOf(const DeclarationRef& ref, std::uint32_t at) {
 }
 
 // Of functions with one name, those that the call can mean. Of several declarations of one the last before it.
-Refs Resolver::ChooseFunctions(const Refs& functions, const Found& found, int open, int depth) {
-    const std::uint32_t at = open >= 0 ? (*tokens)[open].begin : ~0U;
+Refs Resolver::ChooseFunctions(const Refs& functions, const Found& found, int token, int depth) {
+    const std::uint32_t at = (*tokens)[token].begin;
     Refs fitting;
-    const bool isCall = open >= 0 && (*tokens)[open].partner > 0;
+    const bool isCall = (*tokens)[token].Is('(') && (*tokens)[token].partner > 0;
     std::vector<std::pair<int, int>> ranges;
     if (isCall) {
-        const int count = ArgumentCount(open, &ranges);
+        const int count = ArgumentCount(token, &ranges);
         for (const DeclarationRef& ref : functions) {
             const Arity arity = ArityOf(ref);
             if (count >= arity.least && count <= arity.most) fitting.push_back(ref);
@@ -309,7 +309,7 @@ Refs Resolver::Choose(const Found& found, int token, int depth) {
         if (const int past = PastAngles(next); past > 0) next = past;
     const bool isCall = next < tokens->Count() && (*tokens)[next].Is('(');
     if (!functions.empty() && (types.empty() || isCall))
-        return ChooseFunctions(functions, found, isCall ? next : -1, depth);
+        return ChooseFunctions(functions, found, isCall ? next : token, depth);
     if (!types.empty() && others.empty()) {
         const auto rank = [&](const DeclarationRef& ref) {
             const Declared& declared = At(ref);
@@ -462,11 +462,16 @@ std::vector<PlaceAnswer> Resolver::Ask(std::uint32_t offset) {
             }
             break;
         }
-        if (found.entity > Names::global) { // a namespace, where it is opened first
-            const Refs& openings = names.OpeningsOf(found.entity);
-            for (const DeclarationRef& ref : openings)
-                if (answers.empty() && (IsVisible(ref) || !strict)) answers.push_back(AnswerFor(ref, strict));
-            if (!answers.empty()) break;
+        if (found.entity > Names::global) { // a namespace, where it was opened last
+            DeclarationRef last;
+            for (const DeclarationRef& ref : names.OpeningsOf(found.entity))
+                if ((IsVisible(ref) || !strict) &&
+                    (last.IsNone() || OrderOf(ref, asked.begin) > OrderOf(last, asked.begin)))
+                    last = ref;
+            if (!last.IsNone()) {
+                answers.push_back(AnswerFor(last, strict));
+                break;
+            }
         }
         if (onlySeen) {
             answers = MacroAnswers(name);
