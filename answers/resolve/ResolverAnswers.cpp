@@ -392,7 +392,13 @@ PlaceAnswer Resolver::AnswerFor(const DeclarationRef& ref, bool isCertain) {
     answer.name = declared.name;
     answer.type = declared.type;
     answer.isMember = facts.scopes[static_cast<std::size_t>(declared.scope)].kind == ScopeKind::Class;
-    const int entity = EntityAt({ref.file, declared.scope, 0});
+    int entity = EntityAt({ref.file, declared.scope, 0});
+    if (!declared.qualifier.empty()) { // outside of what it belongs to
+        answer.isMember = true;
+        const Type owner = TypeFromText(declared.qualifier, {ref.file, declared.scope, declared.begin}, nullptr, 1);
+        if (owner.entity > Names::global) entity = owner.entity;
+        if (entity <= Names::global) answer.scope = declared.qualifier;
+    }
     if (entity > Names::global) answer.scope = names.QualifiedName(entity);
     return answer;
 }
