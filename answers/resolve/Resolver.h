@@ -55,6 +55,9 @@ public:
     // What the name at the byte means; empty where no name stands there, or nothing is known of it.
     std::vector<PlaceAnswer> Ask(std::uint32_t offset);
 
+    // What the bases of a class mean, one for each that is written; needs no open file.
+    std::vector<Type> BasesOfClass(const DeclarationRef& ref);
+
     // Whether the name at the byte stands for a base in the head of a class.
     bool IsBaseAt(std::uint32_t offset) const;
 

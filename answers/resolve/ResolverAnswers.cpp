@@ -420,6 +420,20 @@ std::vector<PlaceAnswer> Resolver::MacroAnswers(std::string_view name) {
     return answers;
 }
 
+std::vector<Type> Resolver::BasesOfClass(const DeclarationRef& ref) {
+    std::vector<Type> bases;
+    const FileFacts& facts = base.FactsOf(ref.file);
+    const Declared& declared = facts.declared[static_cast<std::size_t>(ref.index)];
+    const Where where{ref.file, facts.scopes[static_cast<std::size_t>(declared.body)].parent, declared.at};
+    const bool wasStrict = std::exchange(strict, false);
+    for (int i = 0; i < declared.bases; ++i) {
+        work = 0;
+        bases.push_back(TypeFromText(facts.bases[static_cast<std::size_t>(declared.firstBase + i)].name, where, nullptr, 1));
+    }
+    strict = wasStrict;
+    return bases;
+}
+
 bool Resolver::IsBaseAt(std::uint32_t offset) const {
     return std::any_of(opened.bases.begin(), opened.bases.end(), [offset](const Base& each) {
         return offset >= each.at && offset < each.at + each.name.size();

@@ -4,7 +4,13 @@ namespace ostraka::tool {
 
 const char* WordFor(const PlaceAnswer& answer) {
     if (answer.isMacro) return "macro";
-    switch (answer.kind) {
+    if (answer.isMember && answer.kind == FactKind::Function) return "method";
+    if (answer.isMember && answer.kind == FactKind::Variable) return "member";
+    return WordFor(answer.kind);
+}
+
+const char* WordFor(FactKind kind) {
+    switch (kind) {
     case FactKind::Namespace:
     case FactKind::NamespaceAlias: return "namespace";
     case FactKind::Class: return "class";
@@ -16,8 +22,8 @@ const char* WordFor(const PlaceAnswer& answer) {
     case FactKind::Enumerator: return "enumerator";
     case FactKind::Typedef: return "typedef";
     case FactKind::Concept: return "concept";
-    case FactKind::Function: return answer.isMember ? "method" : "function";
-    case FactKind::Variable: return answer.isMember ? "member" : "variable";
+    case FactKind::Function: return "function";
+    case FactKind::Variable: return "variable";
     case FactKind::Argument: return "argument";
     case FactKind::TemplateParameter: return "template parameter";
     case FactKind::Label: return "label";
