@@ -70,7 +70,7 @@ void DropClassesOf(const TAPDefSource& source, bool hasTree, TAIndex& classIndex
 Ref<TAPSyntaxe> TakeTree(TAIndex& trees, const char* name) {
     const int position = trees.IsIn(name);
     if (position < 0) return {};
-    auto* root = valueAt<TAPSyntaxe>(trees, position);
+    auto* root = ValueAt<TAPSyntaxe>(trees, position);
     trees.RemovePosition(position);
     return Ref<TAPSyntaxe>::Adopt(root);
 }

@@ -63,6 +63,10 @@ inline constexpr Option workspaceOptions[] = {
     {"--os", "NAME", "The level of the generated directories",
      Text{[](Request& r, const std::string& word) { r.osName = word; }}}};
 
+inline constexpr Option headerFolderOptions[] = {
+    {"-I", "DIR", "Look for headers in this folder too",
+     Text{[](Request& r, const std::string& folder) { r.headerFolders.push_back(folder); }, true}}};
+
 inline constexpr Option missingOptions[] = {{"--missing", nullptr, "List the includes that find no header",
                                              Flag{[](Request& r) { r.missingOnly = true; }}}};
 

@@ -49,6 +49,12 @@ struct Request {
     std::string workspaces;
     std::string osName;
 
+    std::vector<std::string> headerFolders; // in which headers are looked for
+
+    bool certainOnly = false; // uses: without what the name alone tells
+    bool byFile = false;      // uses: how many in each file
+    bool byPrefix = false;    // find: all names that begin so
+    std::string places;       // at: a file with a place on each line
     std::string from;         // header: the file that includes it
     bool missingOnly = false; // includes: only those that weren't found; else: list those as well
 

@@ -4,12 +4,16 @@
 
 #include <fmt/format.h>
 
+#include <answers/facts/RawFile.h>
 #include <answers/resolve/NodeAnswers.h>
 #include <answers/resolve/NodeSearch.h>
 #include <answers/resolve/NodeText.h>
+#include <ostraka/foundation/TAFileBuffer.h>
 
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
+#include "verbs/CodeSession.h"
+#include "verbs/Declared.h"
 #include "verbs/Session.h"
 #include "verbs/Verbs.h"
 
@@ -41,11 +45,31 @@ std::string OrUnknown(const std::optional<std::string>& text) {
     return text.value_or("unknown");
 }
 
+// What the name at the place is declared as: found by the rules of the language in all files of the code
+// base, or else what the symbol table knows by its records.
+struct Declarations {
+    CodeSession* code;
+    std::vector<PlaceAnswer> found;
+    const std::vector<Declaration>* known; // null where there is no tree
+};
+
+// "member of Ship", "class", "variable"
+std::string RoleOf(const PlaceAnswer& answer) {
+    const std::string word = WordFor(answer);
+    return answer.isMember && !answer.scope.empty() ? word + " of " + answer.scope : word;
+}
+
 // Writes one answer, a question on each line.
 class AtText {
 public:
-    AtText(const Request& theRequest, const Session& asked, std::string& text)
-        : request(theRequest), session(asked), out(text) {}
+    AtText(const Request& theRequest, const Session& asked, const Declarations& names, std::string& text)
+        : request(theRequest), session(asked), declarations(names), out(text) {}
+
+    // For a file without a tree.
+    void PrintDeclared(const FilePlace& asked) {
+        fmt::format_to(std::back_inserter(out), "{}:\n", PlaceText(request, asked.file, asked.place));
+        PrintFound();
+    }
 
     void Print(const NodeAt& at, const NodeAnswers& answers) {
         const TAPSyntaxe& node = *at.node;
@@ -64,9 +88,25 @@ private:
         fmt::format_to(std::back_inserter(out), "  {:<9}{}\n", question, answer);
     }
 
+    void PrintFound() {
+        for (const PlaceAnswer& each : declarations.found) {
+            const FileFacts& facts = declarations.code->Base().FactsOf(each.file);
+            std::string text =
+                PlaceText(request, declarations.code->Shown(each.file), facts.PlaceOf(each.at));
+            text += ": " + RoleOf(each);
+            if (!each.type.empty()) text += ", " + each.type;
+            if (!each.isCertain) text += " (possible)";
+            std::string line;
+            AppendOneLine(line, text);
+            Line("declared", line);
+        }
+    }
+
     void PrintName(const NodeAnswers& answers) {
-        if (answers.declared.empty()) Line("declared", "unknown");
-        for (const Declaration& each : answers.declared) Line("declared", Declared(each));
+        if (declarations.found.empty() && answers.declared.empty()) Line("declared", "unknown");
+        PrintFound();
+        if (declarations.found.empty())
+            for (const Declaration& each : answers.declared) Line("declared", Declared(each));
         if (answers.object) {
             Line("object", fmt::format("{}: {}, {}", PlaceOfNode(*answers.object->node),
                                        ShownText(*answers.object->node), OrUnknown(answers.object->type)));
@@ -94,6 +134,7 @@ private:
 
     const Request& request;
     const Session& session;
+    const Declarations& declarations;
     std::string& out;
 };
 
@@ -109,12 +150,28 @@ void NodeJson(JsonWriter& json, const TAPSyntaxe& node) {
     json.EndObject();
 }
 
-void DeclaredJson(JsonWriter& json, const Session& session, const Declaration& declared) {
+// What a record knows, which has the place of its statement or none.
+void KnownJson(JsonWriter& json, const Session& session, const Declaration& declared) {
     json.BeginObject();
     json.Member("as", declared.as);
+    json.Member("kind", declared.as.substr(0, declared.as.find(' ')));
     json.Member("type", OrNull(declared.type));
     if (declared.node != nullptr) json.PlaceMembers(FileOf(session, *declared.node), PlaceOf(*declared.node));
+    json.Member("certainty", "certain");
     json.EndObject();
+}
+
+void DeclaredJson(JsonWriter& json, const Session& session, const Declarations& declarations) {
+    json.Key("declared");
+    json.BeginList();
+    for (const PlaceAnswer& each : declarations.found)
+        json.Object([&] {
+            json.Member("as", RoleOf(each));
+            DeclaredMembers(json, *declarations.code, each);
+        });
+    if (declarations.found.empty() && declarations.known != nullptr)
+        for (const Declaration& each : *declarations.known) KnownJson(json, session, each);
+    json.EndList();
 }
 
 void ObjectJson(JsonWriter& json, const Session& session, const Object& object) {
@@ -133,14 +190,14 @@ void ReturnedJson(JsonWriter& json, const GoesBack& answer) {
     json.EndObject();
 }
 
-void AnswerMembers(JsonWriter& json, const Session& session, const NodeAt& at, const NodeAnswers& answers) {
+void AnswerMembers(JsonWriter& json, const Session& session, const NodeAt& at, const NodeAnswers& answers,
+                   const Declarations& declarations) {
     json.Member("file", FileOf(session, *at.node));
     json.Member("nearest", at.isNearest);
     json.Key("node");
     NodeJson(json, *at.node);
     json.Member("type", answers.type);
-    json.List("declared", answers.declared,
-              [&](const Declaration& each) { DeclaredJson(json, session, each); });
+    DeclaredJson(json, session, declarations);
     json.Member("class", answers.className);
     json.Member("method", answers.method);
     json.Key("object");
@@ -149,12 +206,37 @@ void AnswerMembers(JsonWriter& json, const Session& session, const NodeAt& at, c
     answers.goesBack ? ReturnedJson(json, *answers.goesBack) : json.Value(nullptr);
 }
 
+std::vector<PlaceAnswer> FindDeclared(CodeSession& code, const FilePlace& asked) {
+    Resolver& resolver = code.Ask();
+    if (!resolver.Open(code.FileAt(asked.file))) return {};
+    return resolver.Ask(resolver.Opened().OffsetOf(asked.place));
+}
+
+// For a file that has no tree, or nothing in it at the place.
+void AnswerWithoutNode(const Request& request, const FilePlace& place, const Session& session,
+                       const Declarations& declarations, Result& result) {
+    if (request.format != Format::Json)
+        return AtText(request, session, declarations, result.out).PrintDeclared(place);
+    WriteAnswer(request, result.out, [&](JsonWriter& json) {
+        json.Member("file", place.file);
+        json.Member("nearest", false);
+        json.Member("node", nullptr);
+        json.Member("type", nullptr);
+        DeclaredJson(json, session, declarations);
+        for (const char* key : {"class", "method", "object", "returned"}) json.Member(key, nullptr);
+    });
+}
+
 void Answer(const Request& request, const std::string& asked, Result& result) {
     const FilePlace place = *ParseFilePlace(asked);
     Session session(request, {place.file});
+    CodeSession code(request, {place.file});
     TAPSyntaxe* root = session.Load(place.file, result);
     const std::optional<NodeAt> at = root != nullptr ? FindNodeAt(*root, place.place) : std::nullopt;
+    Declarations declarations{&code, FindDeclared(code, place), nullptr};
     if (!at) {
+        if (!declarations.found.empty())
+            return AnswerWithoutNode(request, place, session, declarations, result);
         ++result.notFound;
         if (root != nullptr)
             AppendMessage(result.err, place.file, std::nullopt, "error",
@@ -165,26 +247,100 @@ void Answer(const Request& request, const std::string& asked, Result& result) {
         return;
     }
     const NodeAnswers answers = AskAbout(session.Table(), *at->node);
+    if (at->isNearest) declarations.found = FindDeclared(code, {place.file, at->place});
+    declarations.known = &answers.declared;
     if (request.format == Format::Json) {
         WriteAnswer(request, result.out,
-                    [&](JsonWriter& json) { AnswerMembers(json, session, *at, answers); });
+                    [&](JsonWriter& json) { AnswerMembers(json, session, *at, answers, declarations); });
     } else {
-        AtText(request, session, result.out).Print(*at, answers);
+        AtText(request, session, declarations, result.out).Print(*at, answers);
     }
 }
 
+// ---- Many places
+
+// A question of a list, by its line there.
+struct AskedPlace {
+    FilePlace place;
+    std::size_t line;
+};
+
+std::string AnswerLine(CodeSession& session, const FilePlace& asked) {
+    std::string line;
+    JsonWriter json(line);
+    json.BeginObject();
+    json.PlaceMembers(asked.file, asked.place);
+    Resolver& resolver = session.Ask();
+    std::vector<PlaceAnswer> declared;
+    if (resolver.Open(session.FileAt(asked.file))) {
+        declared = resolver.Ask(resolver.Opened().OffsetOf(asked.place));
+    } else {
+        json.Member("error", "can't be read");
+    }
+    json.List("declared", declared,
+              [&](const PlaceAnswer& each) { json.Object([&] { DeclaredMembers(json, session, each); }); });
+    json.EndObject();
+    return line + "\n";
+}
+
+// Answers file by file, since a file is read whole for the first place in it, and prints in the order asked.
+void RunPlaces(Run& run) {
+    std::string problem;
+    const auto list = ReadFile(run.request.places, problem);
+    if (!list) {
+        run.Fail("list", run.request.places, {std::nullopt, problem});
+        return;
+    }
+    run.Count("list");
+    std::vector<AskedPlace> asked;
+    std::vector<std::string> paths;
+    std::string_view rest(list->buffer, static_cast<std::size_t>(list->size));
+    for (std::size_t line = 0; !rest.empty();) {
+        const std::size_t newline = std::min(rest.find('\n'), rest.size());
+        const std::string text(rest.substr(0, newline));
+        rest.remove_prefix(std::min(newline + 1, rest.size()));
+        if (text.empty()) continue;
+        const auto place = ParseFilePlace(text);
+        if (!place) {
+            run.Fail(
+                "place", run.request.places,
+                {Place{static_cast<int>(line) + 1, 1}, fmt::format("'{}' is no FILE:LINE:COLUMN", text)});
+            continue;
+        }
+        asked.push_back({*place, line++});
+        paths.push_back(place->file);
+    }
+    CodeSession session(run.request, paths);
+    std::vector<std::string> answers(asked.size());
+    std::vector<AskedPlace> order = asked;
+    std::stable_sort(order.begin(), order.end(),
+                     [](const AskedPlace& a, const AskedPlace& b) { return a.place.file < b.place.file; });
+    for (const AskedPlace& each : order) answers[each.line] = AnswerLine(session, each.place);
+    Result result;
+    for (const std::string& answer : answers) result.out += answer;
+    run.Show(result);
+}
+
 void RunAt(Run& run) {
+    if (!run.request.places.empty()) return RunPlaces(run);
     run.Ask(run.request.paths.front(), Answer);
 }
 
 void CheckPlace(Request& request) {
+    if (request.paths.empty() == request.places.empty()) throw WrongUsage("at takes one place, or --places");
+    if (request.paths.empty()) return;
     const std::string& place = request.paths.front();
     if (!ParseFilePlace(place))
         throw WrongUsage(fmt::format("a place is FILE:LINE or FILE:LINE:COLUMN, not {}", place));
 }
 
-constexpr Option operands[] = {{"PLACE", nullptr, "FILE:LINE or FILE:LINE:COLUMN", Operand{TakePath, true}}};
-constexpr std::span<const Option> options[] = {operands, workspaceOptions, outputOptions};
+constexpr Option operands[] = {
+    {"PLACE", nullptr, "FILE:LINE or FILE:LINE:COLUMN", Operand{TakePath}},
+    {"--places", "LIST",
+     "Answer with a JSON line for each place of LIST, one a line, or - for standard input",
+     Text{[](Request& r, const std::string& list) { r.places = list; }}}};
+constexpr std::span<const Option> options[] = {operands, workspaceOptions, headerFolderOptions,
+                                               outputOptions};
 
 } // namespace
 

@@ -115,12 +115,16 @@ Kin KinOf(const TAPSymbolTable& table, const TAPDefClass& record) {
 }
 
 TAPDefClass* FindClass(const Session& session, const std::string& name, Result& result) {
-    if (TAPDefClass* record = session.Table().GetClass(name.c_str())) return record;
+    TAPDefClass* record = session.Table().GetClass(name.c_str());
+    if (record == nullptr) TellNoClass(session, name, result);
+    return record;
+}
+
+void TellNoClass(const Session& session, const std::string& name, Result& result) {
     std::vector<std::string> names;
     for (const TAPDefClass* record : ClassesOf(session.Table())) names.emplace_back(record->name);
     result.err += fmt::format("ostraka: there is no class {}{}\n", name, Hint(name, names));
     ++result.notFound;
-    return nullptr;
 }
 
 } // namespace ostraka::tool

@@ -22,7 +22,10 @@ class Session;
 // Sorted by name.
 std::vector<TAPDefClass*> ClassesOf(const TAPSymbolTable& table);
 
-// The class of that name; else null, which is told with the nearest name.
+// Tells that there is no such class, with the nearest name.
+void TellNoClass(const Session& session, const std::string& name, Result& result);
+
+// The class of that name; else null, which is told.
 TAPDefClass* FindClass(const Session& session, const std::string& name, Result& result);
 
 // "" where none is known, as where the head of a class breaks off behind the colon.

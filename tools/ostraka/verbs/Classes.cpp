@@ -1,16 +1,21 @@
-// Classes of a table as a list.
+// Classes as a list: what the files say, and what the table knows of them besides.
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <set>
+#include <utility>
 
 #include <fmt/format.h>
 
+#include <answers/resolve/Classes.h>
 #include <answers/resolve/Declarations.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
+#include "verbs/CodeSession.h"
 #include "verbs/FileId.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
@@ -20,83 +25,184 @@ namespace ostraka::tool {
 
 namespace {
 
-bool IsOfKinds(const TAPDefClass& record, const std::vector<std::string>& kinds) {
-    const std::string own = KindOf(record);
+// A class as its file says it, or as the table knows it, or both.
+struct Listed {
+    const ClassEntry* entry = nullptr;
+    const TAPDefClass* record = nullptr;
+
+    std::string Name() const { return entry != nullptr ? entry->name : record->name; }
+    std::string Kind() const {
+        if (record != nullptr) return KindOf(*record);
+        return entry->kind == FactKind::Interface ? "interface" : "plain";
+    }
+};
+
+bool IsOfKinds(const std::string& own, const std::vector<std::string>& kinds) {
     return kinds.empty() || std::any_of(kinds.begin(), kinds.end(), [&](const std::string& kind) {
                return own.find(kind) != std::string::npos;
            });
 }
 
-bool IsDerivedFrom(const TAPSymbolTable& table, const TAPDefClass& record, const std::string& base) {
-    return base.empty() || (base != record.name && table.InheritFrom(record.name, base.c_str()) != 0);
+std::string BasesText(const Listed& listed) {
+    std::string text;
+    if (listed.entry != nullptr)
+        for (const ClassBase& base : listed.entry->bases) text += (text.empty() ? "" : ", ") + base.name;
+    return text.empty() && listed.record != nullptr ? BaseOf(*listed.record) : text;
 }
 
-void PrintClassLine(const Request& request, const Session& session, const TAPDefClass& record,
-                    std::string& out) {
-    fmt::format_to(std::back_inserter(out), "{}: {} {}", PlaceText(request, session, record.path),
-                   Colored(request, colorClass, KindOf(record)), record.name);
-    if (HasBase(record)) fmt::format_to(std::back_inserter(out), " : {}", record.parent);
-    out += FrameworkText(record) + "\n";
-}
-
-// A base needn't be loaded to be one.
-bool IsSomeBase(const TAPSymbolTable& table, const std::string& name) {
-    const std::vector<TAPDefClass*> classes = ClassesOf(table);
-    return std::any_of(classes.begin(), classes.end(),
-                       [&](const TAPDefClass* record) { return BaseOf(*record) == name; });
-}
-
-std::vector<const TAPDefClass*> Wanted(const Request& request, const TAPSymbolTable& table,
-                                       const std::vector<std::string>& files) {
-    NamedFiles wanted(files);
-    std::vector<const TAPDefClass*> found;
-    for (const TAPDefClass* record : ClassesOf(table))
-        if (record->path != nullptr && wanted.Hold(record->path->filePath.View()) &&
-            IsOfKinds(*record, request.kinds) && IsDerivedFrom(table, *record, request.derivedFrom))
-            found.push_back(record);
-    return found;
-}
-
-// What is in namespaces has no record in the table.
-std::int64_t CountInNamespaces(const Session& session, const std::vector<std::string>& files) {
-    std::int64_t count = 0;
-    for (const std::string& file : files) {
-        const std::vector<OutlineEntry> entries = DeclarationsOf(session.Table(), file);
-        count += std::count_if(entries.begin(), entries.end(), [](const OutlineEntry& entry) {
-            return !entry.scope.empty() && entry.scopeKind == DeclarationKind::Namespace;
-        });
+const char* KeyOf(FactKind kind) {
+    switch (kind) {
+    case FactKind::Struct: return "struct";
+    case FactKind::Union: return "union";
+    case FactKind::Interface: return "interface";
+    case FactKind::Exception: return "exception";
+    default: return "class";
     }
-    return count;
 }
 
-void TellNothingFound(const Request& request, const Session& session, const std::vector<std::string>& files,
-                      Result& result) {
+const char* WordOf(Access access) {
+    constexpr const char* words[] = {"", "public", "protected", "private"};
+    return words[static_cast<int>(access)];
+}
+
+// The classes of some files, by name.
+class Listing {
+public:
+    Listing(const Request& theRequest, const Session& asked, const std::vector<std::string>& files)
+        : request(theRequest), session(asked), code(theRequest, files), classes(MakeClasses(files)) {
+        NamedFiles wanted(files);
+        std::map<std::pair<std::string_view, std::string_view>, const TAPDefClass*>
+            records; // by file and name
+        for (const TAPDefClass* record : ClassesOf(session.Table()))
+            if (record->path != nullptr && wanted.Hold(record->path->filePath.View()))
+                records.emplace(std::pair(record->path->filePath.View(), std::string_view(record->name)),
+                                record);
+        const std::set<int> named(numbers.begin(), numbers.end());
+        for (const ClassEntry& entry : classes.All()) {
+            if (!named.contains(entry.ref.file)) continue;
+            Listed listed{&entry, nullptr};
+            const auto record = records.find({code.Base().PathOf(entry.ref.file), entry.name});
+            if (record != records.end()) {
+                listed.record = record->second;
+                records.erase(record);
+            }
+            all.push_back(listed);
+        }
+        for (const auto& [place, record] : records) all.push_back({nullptr, record});
+        std::stable_sort(all.begin(), all.end(),
+                         [](const Listed& a, const Listed& b) { return a.Name() < b.Name(); });
+    }
+
+    const ClassList& Classes() const { return classes; }
+
+    std::vector<Listed> Wanted() const {
+        std::vector<Listed> found;
+        std::set<const ClassEntry*> derived;
+        if (!request.derivedFrom.empty())
+            for (const int i : classes.DerivedFrom(request.derivedFrom))
+                derived.insert(&classes.All()[static_cast<std::size_t>(i)]);
+        for (const Listed& listed : all)
+            if (IsOfKinds(listed.Kind(), request.kinds) &&
+                (request.derivedFrom.empty() || derived.contains(listed.entry) || IsDerived(listed.record)))
+                found.push_back(listed);
+        return found;
+    }
+
+    // A record stands at its statement, a class that only its file tells at its name.
+    std::pair<std::string, Place> PlaceOfListed(const Listed& listed) {
+        if (listed.record != nullptr)
+            return {session.Shown(listed.record->path->filePath.View()),
+                    answers::PlaceOf(*listed.record->path)};
+        const int file = listed.entry->ref.file;
+        return {session.Shown(code.Base().PathOf(file)), code.Base().FactsOf(file).PlaceOf(listed.entry->at)};
+    }
+
+    void PrintLine(const Listed& listed, std::string& out) {
+        const auto [file, place] = PlaceOfListed(listed);
+        fmt::format_to(std::back_inserter(out), "{}: {} {}", PlaceText(request, file, place),
+                       Colored(request, colorClass, listed.Kind()), listed.Name());
+        if (const std::string bases = BasesText(listed); !bases.empty()) out += " : " + bases;
+        out += (listed.record != nullptr ? FrameworkText(*listed.record) : std::string()) + "\n";
+    }
+
+    void WriteJson(JsonWriter& json, const Listed& listed) {
+        json.BeginObject();
+        if (listed.record != nullptr) {
+            ClassMembers(json, session, *listed.record);
+        } else {
+            json.Member("name", listed.entry->name);
+            json.Member("kind", listed.Kind());
+            json.Member("base",
+                        listed.entry->bases.empty() ? OrNull("") : OrNull(listed.entry->bases.front().name));
+            json.Member("framework", "");
+            const auto [file, place] = PlaceOfListed(listed);
+            json.PlaceMembers(file, place);
+        }
+        json.Member("key", listed.entry != nullptr ? KeyOf(listed.entry->kind) : "class");
+        json.Member("template", listed.entry != nullptr && listed.entry->isTemplate);
+        json.Key("bases");
+        json.BeginList();
+        if (listed.entry != nullptr)
+            for (const ClassBase& base : listed.entry->bases)
+                json.Object([&] {
+                    json.Member("name", base.name);
+                    json.Member("access", WordOf(base.access));
+                    json.Member("virtual", base.isVirtual);
+                });
+        json.EndList();
+        json.EndObject();
+    }
+
+private:
+    // Bases lie in any file of the code base.
+    ClassList MakeClasses(const std::vector<std::string>& files) {
+        std::set<int> known;
+        for (const std::string& file : files) {
+            numbers.push_back(code.Base().FileAt(file));
+            known.insert(numbers.back());
+        }
+        std::vector<int> every = numbers;
+        if (!request.derivedFrom.empty())
+            for (const int file : code.Base().AllFiles())
+                if (known.insert(file).second) every.push_back(file);
+        return ClassList(code.Base(), code.AllNames(), code.Ask(), every, true);
+    }
+
+    bool IsDerived(const TAPDefClass* record) const {
+        return record != nullptr && request.derivedFrom != record->name &&
+               session.Table().InheritFrom(record->name, request.derivedFrom.c_str()) != 0;
+    }
+
+    const Request& request;
+    const Session& session;
+    CodeSession code;
+    std::vector<int> numbers; // of the named files
+    ClassList classes;
+    std::vector<Listed> all;
+};
+
+void TellNothingFound(const Request& request, const std::vector<std::string>& files, Result& result) {
     ++result.notFound;
     const bool isFiltered = !request.kinds.empty() || !request.derivedFrom.empty();
-    std::string line = fmt::format("no {}class in {}", isFiltered ? "such " : "",
-                                   Counted(static_cast<std::int64_t>(files.size()), "file"));
-    if (const std::int64_t count = CountInNamespaces(session, files); count > 0)
-        line += fmt::format(" ({} in namespaces)", Counted(count, "declaration"));
-    result.Note(request, line);
+    result.Note(request, fmt::format("no {}class in {}", isFiltered ? "such " : "",
+                                     Counted(static_cast<std::int64_t>(files.size()), "file")));
 }
 
 void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
             Result& result) {
-    const TAPSymbolTable& table = session.Table();
-    if (!request.derivedFrom.empty() && !IsSomeBase(table, request.derivedFrom))
+    Listing listing(request, session, files);
+    if (!request.derivedFrom.empty() && !listing.Classes().IsBase(request.derivedFrom) &&
+        listing.Classes().Find(request.derivedFrom).empty())
         FindClass(session, request.derivedFrom, result);
-    const std::vector<const TAPDefClass*> found = Wanted(request, table, files);
-    if (found.empty()) TellNothingFound(request, session, files, result);
+    const std::vector<Listed> found = listing.Wanted();
+    if (found.empty()) TellNothingFound(request, files, result);
     if (request.format == Format::Text) {
-        for (const TAPDefClass* record : found) PrintClassLine(request, session, *record, result.out);
+        for (const Listed& listed : found) listing.PrintLine(listed, result.out);
         return;
     }
     JsonAnswer answer(request, [&](std::string_view piece) { result.out += piece; });
-    answer.List("classes", found, false, [&](JsonWriter& json, const TAPDefClass* record) {
-        json.BeginObject();
-        ClassMembers(json, session, *record);
-        json.EndObject();
-    });
+    answer.List("classes", found, false,
+                [&](JsonWriter& json, const Listed& listed) { listing.WriteJson(json, listed); });
     answer.Close();
 }
 

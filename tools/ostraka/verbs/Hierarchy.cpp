@@ -15,6 +15,7 @@
 #include "formats/Dot.h"
 #include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
+#include "verbs/PlainClass.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
@@ -160,14 +161,37 @@ void BranchJson(JsonWriter& json, const Session& session, Hierarchy& hierarchy, 
     json.EndObject();
 }
 
-void Answer(const Request& request, const Session& session, const std::vector<std::string>&, Result& result) {
+// What only the table knows: interfaces, components and ties.
+bool IsOfDialect(const TAPDefClass& record) {
+    return (record.kind & (TAPDefClass::Interface | TAPDefClass::ComponentClass)) != 0 ||
+           record.tied.size > 0;
+}
+
+// Whether the files tell more than the table: of a class that isn't of the dialect, or of all where none is.
+bool IsToldByFiles(const Request& request, const TAPSymbolTable& table) {
+    if (request.format == Format::Dot) return false;
+    if (!request.className.empty()) {
+        const TAPDefClass* record = table.GetClass(request.className.c_str());
+        return record == nullptr || !IsOfDialect(*record);
+    }
+    const std::vector<TAPDefClass*> all = ClassesOf(table);
+    return std::none_of(all.begin(), all.end(),
+                        [](const TAPDefClass* record) { return IsOfDialect(*record); });
+}
+
+void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
+            Result& result) {
+    if (IsToldByFiles(request, session.Table()) &&
+        PlainClasses(request, files).ShowKin(request.className, result))
+        return;
     Hierarchy hierarchy(session.Table());
     std::vector<Branch> branches;
     if (request.className.empty()) {
         branches = hierarchy.All();
-    } else if (const TAPDefClass* record = FindClass(session, request.className, result)) {
+    } else if (const TAPDefClass* record = session.Table().GetClass(request.className.c_str())) {
         branches = hierarchy.Around(*record, KinOf(session.Table(), *record));
     } else {
+        TellNoClass(session, request.className, result);
         return;
     }
     if (branches.empty()) ++result.notFound;

@@ -11,6 +11,7 @@
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
+#include "verbs/PlainClass.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
@@ -187,9 +188,14 @@ void WholeJson(JsonWriter& json, const Session& session, const TAPDefClass& reco
     json.EndObject();
 }
 
-void Answer(const Request& request, const Session& session, const std::vector<std::string>&, Result& result) {
-    TAPDefClass* record = FindClass(session, request.className, result);
-    if (record == nullptr) return;
+void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
+            Result& result) {
+    TAPDefClass* record = session.Table().GetClass(request.className.c_str());
+    if (record == nullptr) {
+        if (!PlainClasses(request, files).Show(request.className, result))
+            TellNoClass(session, request.className, result);
+        return;
+    }
     const Kin kin = KinOf(session.Table(), *record);
     if (request.format == Format::Json) {
         return WriteAnswer(request, result.out, [&](JsonWriter& json) {
@@ -208,7 +214,7 @@ void RunShow(Run& run) {
 }
 
 constexpr Option operands[] = {
-    {"CLASS", nullptr, "The class",
+    {"CLASS", nullptr, "The class, or a method as Ship::Accept",
      Operand{[](Request& r, const std::string& name) { r.className = name; }, true}}};
 constexpr std::span<const Option> options[] = {operands, tableFileOptions, outputOptions, workspaceOptions,
                                                missingOptions};

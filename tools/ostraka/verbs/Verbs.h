@@ -9,6 +9,8 @@ namespace ostraka::tool {
 extern const Verb streamVerb;
 extern const Verb treeVerb;
 extern const Verb atVerb;
+extern const Verb findVerb;
+extern const Verb usesVerb;
 extern const Verb headerVerb;
 extern const Verb includesVerb;
 extern const Verb outlineVerb;
@@ -22,8 +24,9 @@ extern const Verb frameworksVerb;
 
 // In the order of the help.
 inline constexpr const Verb* allVerbs[] = {
-    &streamVerb, &treeVerb,      &atVerb,   &headerVerb, &includesVerb, &outlineVerb,    &classesVerb,
-    &showVerb,   &hierarchyVerb, &tagsVerb, &triageVerb, &maskVerb,     &frameworksVerb,
+    &streamVerb,    &treeVerb,     &atVerb,      &findVerb,    &usesVerb,
+    &headerVerb,    &includesVerb, &outlineVerb, &classesVerb, &showVerb,
+    &hierarchyVerb, &tagsVerb,     &triageVerb,  &maskVerb,    &frameworksVerb,
 };
 
 } // namespace ostraka::tool
