@@ -96,10 +96,17 @@ void FactReader::WalkToEnd() {
     while (i < tokens.Count()) {
         CloseContexts();
         if (i >= tokens.Count()) break;
+        const int before = i;
+        const std::size_t depthBefore = contexts.size();
         if (statementBegins) {
             AtStatement();
         } else {
             WithinStatement();
+        }
+        // Whatever couldn't be read, the walk goes on.
+        if (i <= before && statementBegins && contexts.size() <= depthBefore) {
+            i = before;
+            statementBegins = false;
         }
     }
     i = tokens.Count();

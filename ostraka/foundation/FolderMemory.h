@@ -10,12 +10,12 @@
 #include <chrono>
 #include <string>
 #include <string_view>
+#include <sys/types.h>
 #include <tuple>
 #include <unordered_map>
 #include <unordered_set>
 
 #include <ostraka/Export.h>
-#include <sys/types.h>
 
 namespace ostraka::detail {
 

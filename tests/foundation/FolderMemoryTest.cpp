@@ -1,13 +1,13 @@
-#include <ostraka/foundation/FolderMemory.h>
-
 #include <chrono>
 #include <filesystem>
-#include <gtest/gtest.h>
 #include <string>
-#include <thread>
-
 #include <support/TemporaryFolder.h>
 #include <sys/resource.h>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include <ostraka/foundation/FolderMemory.h>
 
 using ostraka::detail::FolderMemory;
 
