@@ -15,8 +15,8 @@ namespace {
 
 TEST(FolderMemory, RulesOutOnlyWhatTheSystemWouldNotFind) {
     const TemporaryFolder folder;
-    folder.add("in/Held.h");
-    folder.add("in/sub/x.h");
+    folder.Add("in/Held.h");
+    folder.Add("in/sub/x.h");
     FolderMemory memory(FolderMemory::noWait);
     struct Row {
         const char* name;
@@ -53,7 +53,7 @@ TEST(FolderMemory, RulesOutNothingInFoldersThatItCannotList) {
 
 TEST(FolderMemory, SeesChangesInTheNextRound) {
     const TemporaryFolder folder;
-    folder.add("in/there.h");
+    folder.Add("in/there.h");
     FolderMemory memory(FolderMemory::noWait);
     const auto holds = [&] {
         return std::to_string(memory.At("in").MayHold("there.h")) +
@@ -63,8 +63,8 @@ TEST(FolderMemory, SeesChangesInTheNextRound) {
     EXPECT_EQ(holds(), "100");
     std::this_thread::sleep_for(
         std::chrono::milliseconds(50)); // longer than the system's clock takes to move
-    folder.add("in/new.h");
-    folder.add("later/new.h");
+    folder.Add("in/new.h");
+    folder.Add("later/new.h");
     std::filesystem::remove("in/there.h");
     EXPECT_EQ(holds(), "100");
     memory.BeginRound();

@@ -1,9 +1,11 @@
 // Classes as a list: what the files say, and what the table knows of them besides.
 
 #include <algorithm>
+#include <filesystem>
 #include <iterator>
 #include <map>
 #include <set>
+#include <system_error>
 #include <utility>
 
 #include <fmt/format.h>
@@ -71,17 +73,18 @@ public:
     Listing(const Request& theRequest, const Session& asked, const std::vector<std::string>& files)
         : request(theRequest), session(asked), code(theRequest, files), classes(MakeClasses(files)) {
         NamedFiles wanted(files);
-        std::map<std::pair<std::string_view, std::string_view>, const TAPDefClass*>
+        std::map<std::pair<std::string, std::string_view>, const TAPDefClass*>
             records; // by file and name
         for (const TAPDefClass* record : ClassesOf(session.Table()))
             if (record->path != nullptr && wanted.Hold(record->path->filePath.View()))
-                records.emplace(std::pair(record->path->filePath.View(), std::string_view(record->name)),
+                records.emplace(std::pair(Real(std::string(record->path->filePath.View())),
+                                          std::string_view(record->name)),
                                 record);
         const std::set<int> named(numbers.begin(), numbers.end());
         for (const ClassEntry& entry : classes.All()) {
             if (!named.contains(entry.ref.file)) continue;
             Listed listed{&entry, nullptr};
-            const auto record = records.find({code.Base().PathOf(entry.ref.file), entry.name});
+            const auto record = records.find({Real(code.Base().PathOf(entry.ref.file)), entry.name});
             if (record != records.end()) {
                 listed.record = record->second;
                 records.erase(record);
@@ -168,6 +171,17 @@ private:
         return ClassList(code.Base(), code.AllNames(), code.Ask(), every, true);
     }
 
+    // A file may be reached by two paths, one of them through a link.
+    const std::string& Real(const std::string& path) {
+        const auto [entry, isNew] = real.try_emplace(path);
+        if (isNew) {
+            std::error_code error;
+            entry->second = std::filesystem::canonical(path, error).string();
+            if (error) entry->second = path;
+        }
+        return entry->second;
+    }
+
     bool IsDerived(const TAPDefClass* record) const {
         return record != nullptr && request.derivedFrom != record->name &&
                session.Table().InheritFrom(record->name, request.derivedFrom.c_str()) != 0;
@@ -178,6 +192,7 @@ private:
     CodeSession code;
     std::vector<int> numbers; // of the named files
     ClassList classes;
+    std::map<std::string, std::string> real; // paths by the way that they were reached
     std::vector<Listed> all;
 };
 

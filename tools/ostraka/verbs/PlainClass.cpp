@@ -53,13 +53,14 @@ std::string TextOf(const FileFacts& facts, const Declared& declared) {
 PlainClasses::PlainClasses(const Request& asked, const std::vector<std::string>& named)
     : request(asked), paths(named), code(asked, named) {}
 
-ClassList PlainClasses::List() {
+ClassList PlainClasses::List(bool onlyNamed) {
     std::vector<int> files;
     std::set<int> known;
     for (const std::string& path : paths)
         if (known.insert(code.FileAt(path)).second) files.push_back(code.FileAt(path));
-    for (const int file : code.Base().AllFiles())
-        if (known.insert(file).second) files.push_back(file);
+    if (!onlyNamed)
+        for (const int file : code.Base().AllFiles())
+            if (known.insert(file).second) files.push_back(file);
     return ClassList(code.Base(), code.AllNames(), code.Ask(), files);
 }
 
@@ -216,7 +217,7 @@ bool PlainClasses::ShowMethods(const std::string& name, Result& result) {
 }
 
 bool PlainClasses::Show(const std::string& name, Result& result) {
-    const ClassList list = List();
+    const ClassList list = List(false);
     const std::vector<int> found = list.Find(name);
     if (found.empty()) return ShowMethods(name, result);
     if (request.format == Format::Json) {
@@ -231,7 +232,7 @@ bool PlainClasses::Show(const std::string& name, Result& result) {
 }
 
 bool PlainClasses::ShowKin(const std::string& name, Result& result) {
-    const ClassList list = List();
+    const ClassList list = List(name.empty());
     std::vector<int> found = name.empty() ? list.Tops() : list.Find(name);
     if (found.empty()) return false;
     struct Branch {

@@ -28,7 +28,7 @@ public:
     bool ShowKin(const std::string& name, Result& result);
 
 private:
-    ClassList List();
+    ClassList List(bool onlyNamed);
     void PrintClass(const ClassList& list, int number, std::string& out);
     void WriteClass(JsonWriter& json, const ClassList& list, int number);
     void PrintMember(const Declared& declared, int file, std::string& out);
