@@ -1,12 +1,12 @@
 #pragma once
 
-// The tokens of one file, from its bytes alone: what stands in comments, directives and branches that can't hold
-// is left out, brackets know their partners. It takes what a compiler takes, byte order marks, digit separators
-// and raw strings among it, and costs one pass.
+// The tokens of one file, from its bytes alone: what stands in comments, directives and branches that can't
+// hold is left out, brackets know their partners. It takes what a compiler takes, byte order marks, digit
+// separators and raw strings among it, and costs one pass.
 //
 // Of the branches of a conditional the first counts, and each further one that could stand beside it: where a
-// branch opens a bracket that it doesn't close, or ends within a statement, the others are its replacements and
-// are passed over. `#if 0` and what only another language sees never count.
+// branch opens a bracket that it doesn't close, or ends within a statement, the others are its replacements
+// and are passed over. `#if 0` and what only another language sees never count.
 
 #include <cstdint>
 #include <string_view>
@@ -97,7 +97,6 @@ public:
 
 private:
     friend class Scanner;
-    void PairBrackets();
 
     std::string_view source;
     std::vector<Token> tokens;
