@@ -1,5 +1,5 @@
-// Declarators: what stands behind a type, its names one by one with what each adds to the type, and for functions
-// what follows their arguments.
+// Declarators: what stands behind a type, its names one by one with what each adds to the type, and for
+// functions what follows their arguments.
 
 #include <answers/facts/FactReader.h>
 
@@ -32,7 +32,8 @@ bool IsStorage(std::uint8_t keyword) {
 
 // Words that may stand before a type, or behind its mark.
 bool IsConstOrAlike(std::uint8_t keyword) {
-    return keyword == Kw_const || keyword == Kw_volatile || keyword == Kw___restrict || keyword == Kw_restrict;
+    return keyword == Kw_const || keyword == Kw_volatile || keyword == Kw___restrict ||
+           keyword == Kw_restrict;
 }
 
 } // namespace
@@ -114,14 +115,15 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
             ++at;
             continue;
         }
+        if (head.words > 0 && PastMemberMarks(at) > at) break;
         Chain chain;
         if (!ReadChain(at, chain)) return false;
         if (chain.isOperator || chain.isDestructor) break;
         const Token& behind = T(chain.past);
         const bool anotherWord = behind.kind == TokenKind::Word || behind.Is(ColonsMark);
         if (head.words == 0 && behind.Is('(')) {
-            // `WORD(x) int f()`: a macro before the type. A name that is nothing but a word and arguments is told
-            // by what follows them.
+            // `WORD(x) int f()`: a macro before the type. A name that is nothing but a word and arguments is
+            // told by what follows them.
             const int past = PastBracket(chain.past);
             const bool pointerInside = IsMark(chain.past + 1, '*') && IsName(chain.past + 2) &&
                                        IsMark(chain.past + 3, ')') && IsMark(chain.past + 4, '(');
@@ -133,10 +135,12 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
                 break;
             }
             if (InBlock() || mode != Mode::Statement) return false;
-            return MacroStatement(chain, chain.past) || FunctionDeclarator(head, chain, 0, chain.past, mode) ||
+            return MacroStatement(chain, chain.past) ||
+                   FunctionDeclarator(head, chain, 0, chain.past, mode) ||
                    (i = past, statementBegins = true, true);
         }
-        if (head.words > 0 && !anotherWord && !behind.Is('*') && !behind.Is('&') && !behind.Is(AndAndMark)) break;
+        if (head.words > 0 && !anotherWord && !behind.Is('*') && !behind.Is('&') && !behind.Is(AndAndMark))
+            break;
         if (head.words > 0 && head.builtin && !anotherWord) break;
         if (head.words > 0 && (behind.Is('*') || behind.Is('&') || behind.Is(AndAndMark)) && InBlock() &&
             mode != Mode::ForInit && head.builtin)
@@ -149,7 +153,8 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
         at = chain.past;
     }
     if (IsMark(at, '[') && head.words > 0) return StructuredBinding(head, at, mode);
-    const bool isOperatorName = IsKey(at, Kw_operator) || IsMark(at, '~') || IsMark(at, ColonsMark) || IsName(at);
+    const bool isOperatorName =
+        IsKey(at, Kw_operator) || IsMark(at, '~') || IsMark(at, ColonsMark) || IsName(at);
     if (head.words == 0 && head.typeOf < 0 && !(isOperatorName && !InBlock())) return false;
     if (IsMark(at, ':') && InClass() && head.words > 0) { // an unnamed bit field
         i = SemicolonFrom(at, bound) + 1;
@@ -161,7 +166,8 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
 bool FactReader::StructuredBinding(const Head& head, int open, Mode mode) {
     if (!IsKey(head.typeFirst, Kw_auto) || T(open).partner < 0) return false;
     const int close = T(open).partner;
-    if (!IsMark(close + 1, '=') && !IsMark(close + 1, ':') && !IsMark(close + 1, '{') && !IsMark(close + 1, '('))
+    if (!IsMark(close + 1, '=') && !IsMark(close + 1, ':') && !IsMark(close + 1, '{') &&
+        !IsMark(close + 1, '('))
         return false;
     for (int at = open + 1; at < close; ++at) {
         if (!IsName(at)) continue;
@@ -191,6 +197,10 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
                 continue;
             }
             if (IsWord(at) && IsConstOrAlike(T(at).code)) continue;
+            if (const int past = PastMemberMarks(at); past > at) {
+                at = past - 1;
+                continue;
+            }
             if (at > marksFirst && IsName(at) && IsName(at + 1)) continue; // a macro behind the mark
             break;
         }
@@ -204,8 +214,8 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
                 if (IsMark(inner + 1, ColonsMark)) ++inner;
                 ++inner;
             }
-            for (; IsMark(inner, '*') || IsMark(inner, '&') || IsMark(inner, AndAndMark) || IsMark(inner, '^') ||
-                   (IsWord(inner) && IsConstOrAlike(T(inner).code));
+            for (; IsMark(inner, '*') || IsMark(inner, '&') || IsMark(inner, AndAndMark) ||
+                   IsMark(inner, '^') || (IsWord(inner) && IsConstOrAlike(T(inner).code));
                  ++inner)
                 ++innerMarks;
             if (innerMarks == 0 && !(IsName(inner) && IsMark(inner + 1, ')') && !InBlock())) return !first;
@@ -225,11 +235,17 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
             while (IsMark(behind, '[')) behind = PastBracket(behind);
             if (behind != closing - 1) return !first;
             behind = closing;
-            if (IsMark(behind, '(')) behind = PastBracket(behind);
+            if (IsMark(behind, '(')) {
+                std::uint32_t flags = 0;
+                std::pair<int, int> trailing(-1, -1);
+                behind = FunctionTail(PastBracket(behind), flags, trailing);
+            }
         } else if (IsMark(behind, '(')) {
-            const bool isVariable = mode != Mode::Statement || (InBlock() && (head.typeOf >= 0 || !head.isTypedef)) ||
+            const bool isVariable = mode != Mode::Statement ||
+                                    (InBlock() && (head.typeOf >= 0 || !head.isTypedef)) ||
                                     (LooksLikeValues(behind) && !chain.isOperator && !head.isTypedef);
-            const bool declaresLocally = InBlock() && mode == Mode::Statement && IsParameterList(behind, true);
+            const bool declaresLocally =
+                InBlock() && mode == Mode::Statement && IsParameterList(behind, true);
             if (!isVariable || declaresLocally) {
                 if (FunctionDeclarator(head, chain, marksPast - marksFirst, behind, mode)) {
                     return true;
@@ -249,8 +265,8 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         const bool isBitField = IsMark(behind, ':') && mode == Mode::Statement && !InBlock();
         const bool isRange = IsMark(behind, ':') && mode == Mode::ForInit;
         const bool ends = IsMark(behind, ';') || IsMark(behind, ',') || IsMark(behind, '=') ||
-                          IsMark(behind, '{') || (IsMark(behind, ')') && mode != Mode::Statement) || isBitField ||
-                          isRange;
+                          IsMark(behind, '{') || (IsMark(behind, ')') && mode != Mode::Statement) ||
+                          isBitField || isRange;
         if (!ends && behind < bound) return !first;
         if (first && mode == Mode::Condition &&
             !(IsMark(behind, '=') || IsMark(behind, '{') || IsMark(behind - 1, ')')))
@@ -265,8 +281,8 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         }
         Head named = head;
         if (isRange) named.flags |= IsRangeElement;
-        const int declared =
-            Add(head.isTypedef ? FactKind::Typedef : FactKind::Variable, TextAt(chain.name), chain.name, named);
+        const int declared = Add(head.isTypedef ? FactKind::Typedef : FactKind::Variable, TextAt(chain.name),
+                                 chain.name, named);
         if (isValueChain) At(declared).qualifier = KeepChainName(chain);
         At(declared).access = AccessHere();
         if (outerOpen >= 0) {
@@ -295,7 +311,7 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         if (isRange || (InBlock() && WantsBodies() && (past > behind || IsMark(behind - 1, ')')))) {
             // What it is initialised with may hold lambdas: the walk goes on there.
             At(declared).past = PastOf(isRange ? behind : std::max(past, behind) - 1);
-            if (isRange || !IsMark(past, ',') || mode == Mode::Condition) {
+            if (isRange || !IsMark(past, ',') || mode == Mode::Condition || mode == Mode::MacroLoop) {
                 i = IsMark(behind - 1, ')') && outerOpen < 0 && !isRange ? T(behind - 1).partner + 1 : behind;
                 if (IsMark(i, '=')) ++i;
                 statementBegins = false;
@@ -305,7 +321,8 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         At(declared).past = PastOf(std::max(past, behind));
         at = std::max(past, behind);
         first = false;
-        if (mode == Mode::Condition) break;
+        if (mode == Mode::Condition || mode == Mode::MacroLoop)
+            break; // `EACH(Ship* ship, ships)` declares one
         if (!IsMark(at, ',')) {
             i = at;
             break;
@@ -368,6 +385,7 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
         head.first = declarationFirst;
         if (FunctionDeclarator(head, inner, 0, past, Mode::Statement)) return true;
     }
+    if (TypedByMacro(open, Mode::Statement)) return true;
     const bool hasParameters = T(open).partner == open + 1 || IsParameterList(open, true);
     if (!InClass() && isBody && hasParameters) return false; // `main() {`
     facts.calls.push_back({facts.texts.Keep(name), Join(open + 1, past - 1), OffsetAt(chain.name), scope});
@@ -382,6 +400,22 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
     return true;
 }
 
+// `API(int) Moor(Ship* ship);`: what is in the first parentheses is the type.
+bool FactReader::TypedByMacro(int open, Mode mode) {
+    const int name = PastBracket(open);
+    if (!IsName(name) || !IsMark(name + 1, '(') || BeginsLine(name) || T(open).partner == open + 1)
+        return false;
+    const int past = PastBracket(name + 1);
+    if (!IsMark(past, ';') && !IsMark(past, '{')) return false;
+    Head head;
+    head.first = declarationFirst;
+    head.typeFirst = open + 1;
+    head.typePast = name - 1;
+    head.words = 1;
+    Chain chain;
+    return ReadChain(name, chain) && FunctionDeclarator(head, chain, 0, chain.past, mode);
+}
+
 // Whether the arguments are values, as of a variable's constructor.
 bool FactReader::LooksLikeValues(int open) const {
     const int close = T(open).partner;
@@ -390,8 +424,8 @@ bool FactReader::LooksLikeValues(int open) const {
     return true;
 }
 
-// Whether what stands in the parentheses can be the parameters of a function: each a type, with a name or none.
-// A strict look wants to see that one is.
+// Whether what stands in the parentheses can be the parameters of a function: each a type, with a name or
+// none. A strict look wants to see that one is.
 bool FactReader::IsParameterList(int open, bool strict) const {
     const int close = T(open).partner;
     if (close < 0) return false;
@@ -403,8 +437,9 @@ bool FactReader::IsParameterList(int open, bool strict) const {
             if (IsBuiltinType(at) || IsConstOrAlike(token.code) || token.code == Kw_struct ||
                 token.code == Kw_class || token.code == Kw_enum || token.code == Kw_typename)
                 return true;
-            if (token.code == Kw_this || token.code == Kw_new || token.code == Kw_true || token.code == Kw_false ||
-                token.code == Kw_nullptr || token.code == Kw_sizeof || token.code == Kw_static_cast)
+            if (token.code == Kw_this || token.code == Kw_new || token.code == Kw_true ||
+                token.code == Kw_false || token.code == Kw_nullptr || token.code == Kw_sizeof ||
+                token.code == Kw_static_cast)
                 return false;
             if (++words >= 2 && T(at - 1).kind == TokenKind::Word) return true;
             continue;
@@ -421,14 +456,13 @@ bool FactReader::IsParameterList(int open, bool strict) const {
         case '&':
         case AndAndMark:
             if (words == 0) return false;
-            if (IsMark(at + 1, ',') || at + 1 == close || IsMark(at + 1, '*') || IsMark(at + 1, '&')) return true;
+            if (IsMark(at + 1, ',') || at + 1 == close || IsMark(at + 1, '*') || IsMark(at + 1, '&'))
+                return true;
             break;
         case '=': return words >= 2;
         case ',': words = 0; break;
         case EllipsisMark: return true;
-        case '[':
-            at = PastBracket(at) - 1;
-            break;
+        case '[': at = PastBracket(at) - 1; break;
         case '(': return words > 0 && (IsMark(at + 1, '*') || IsMark(at + 1, '&'));
         default: return false;
         }
@@ -445,6 +479,11 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
     int kAndR = -1;
     if (!IsMark(at, ';') && !IsMark(at, '{') && !IsMark(at, ':') && !IsMark(at, ',') && !IsMark(at, '=')) {
         kAndR = InClass() || InBlock() ? -1 : FindKAndRBody(close);
+        if (kAndR < 0 && !InBlock() && IsWord(at) && BeginsLine(at)) { // macros, and then something else
+            i = at;
+            statementBegins = true;
+            return true;
+        }
         if (kAndR < 0) return false;
         at = kAndR;
     }
@@ -465,8 +504,8 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
         flags |= IsConstructor; // with a macro before it
     Head function = head;
     function.flags = flags;
-    const int declared =
-        Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, KeepChainName(chain), chain.name, function);
+    const int declared = Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, KeepChainName(chain),
+                             chain.name, function);
     if (chain.isOperator || chain.isDestructor) {
         joined.clear();
         joined += chain.isDestructor ? "~" : "operator ";
@@ -540,7 +579,8 @@ int FactReader::FunctionTail(int from, std::uint32_t& flags, std::pair<int, int>
             ++at;
         } else if (token.Is(ArrowMark)) {
             trailing.first = ++at;
-            while (at < bound && !IsMark(at, '{') && !IsMark(at, ';') && !IsMark(at, '=') && !IsMark(at, ',')) {
+            while (at < bound && !IsMark(at, '{') && !IsMark(at, ';') && !IsMark(at, '=') &&
+                   !IsMark(at, ',')) {
                 const int angles = IsMark(at, '<') ? PastAngles(at) : -1;
                 at = angles > 0 ? angles : IsMark(at, '(') || IsMark(at, '[') ? PastBracket(at) : at + 1;
             }
@@ -548,10 +588,11 @@ int FactReader::FunctionTail(int from, std::uint32_t& flags, std::pair<int, int>
         } else if (token.kind == TokenKind::Word) {
             if (token.code == Kw_const) flags |= IsConstMethod;
             if (token.code == Kw_override) flags |= IsOverride;
-            const bool known = token.code == Kw_const || token.code == Kw_volatile || token.code == Kw_override ||
-                               token.code == Kw_final || token.code == Kw_noexcept || token.code == Kw_throw ||
-                               token.code == Kw_try || token.code == Kw_requires || token.IsName();
-            if (!known) break;
+            const bool known = token.code == Kw_const || token.code == Kw_volatile ||
+                               token.code == Kw_override || token.code == Kw_final ||
+                               token.code == Kw_noexcept || token.code == Kw_throw || token.code == Kw_try ||
+                               token.code == Kw_requires || token.IsName();
+            if (!known || (token.IsName() && BelongsToNext(at))) break;
             ++at;
             if (token.code == Kw_requires) {
                 while (at < bound && !IsMark(at, '{') && !IsMark(at, ';'))
@@ -563,6 +604,14 @@ int FactReader::FunctionTail(int from, std::uint32_t& flags, std::pair<int, int>
         }
     }
     return at;
+}
+
+// Whether a word behind arguments begins the next declaration, since those were a macro's: its line begins
+// where the statement's did, and it is a type.
+bool FactReader::BelongsToNext(int at) const {
+    if (InBlock() || !BeginsLine(at)) return false;
+    if (IndentAt(at) > IndentAt(declarationFirst)) return false;
+    return IsWord(at + 1) || IsMark(at + 1, '*') || IsMark(at + 1, '&') || IsMark(at + 1, ColonsMark);
 }
 
 // From the colon before a constructor's initialisers to its body.
@@ -579,7 +628,8 @@ int FactReader::PastInitialisers(int colon) const {
         if (!IsMark(at, ',')) break;
         ++at;
     }
-    while (at < bound && !IsMark(at, '{') && !IsMark(at, ';')) at = IsMark(at, '(') ? PastBracket(at) : at + 1;
+    while (at < bound && !IsMark(at, '{') && !IsMark(at, ';'))
+        at = IsMark(at, '(') ? PastBracket(at) : at + 1;
     return at;
 }
 
@@ -593,7 +643,8 @@ int FactReader::FindKAndRBody(int from) const {
         const bool fits = token.kind == TokenKind::Word || token.Is('*') || token.Is(',') || token.Is(';') ||
                           token.Is('[') || token.Is(']') || token.Is('(') || token.Is(')') ||
                           token.kind == TokenKind::Number;
-        if (!fits || token.code == Kw_class || token.code == Kw_namespace || token.code == Kw_template) return -1;
+        if (!fits || token.code == Kw_class || token.code == Kw_namespace || token.code == Kw_template)
+            return -1;
         if (token.Is(';') && IsMark(at + 1, '}')) return -1;
     }
     return -1;
@@ -609,13 +660,16 @@ void FactReader::KAndRBody(int from, int body) {
         }
         if (!IsName(at) || at == typeFirst) continue;
         if (!IsMark(at + 1, ';') && !IsMark(at + 1, ',') && !IsMark(at + 1, '[')) continue;
+        int typePast = at; // of what the first name has before it, without a list of others
+        for (int between = typeFirst; between < typePast; ++between)
+            if (IsMark(between + 1, ',')) typePast = between;
         const std::string_view name = TextAt(at);
         for (auto each = facts.declared.rbegin(); each != facts.declared.rend(); ++each) {
             if (each->kind != FactKind::Argument) break;
             const std::string_view shown = each->name.empty() ? each->type : each->name;
             if (shown != name) continue;
             each->name = shown;
-            each->type = Join(typeFirst, at);
+            each->type = Join(typeFirst, typePast);
             break;
         }
     }

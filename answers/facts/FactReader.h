@@ -1,7 +1,7 @@
 #pragma once
 
-// Reads facts from tokens in one walk from the first to the last. What is open around the token in hand, bodies
-// and headers of statements, lies on a stack of the reader's own.
+// Reads facts from tokens in one walk from the first to the last. What is open around the token in hand,
+// bodies and headers of statements, lies on a stack of the reader's own.
 
 #include <algorithm>
 #include <string>
@@ -25,12 +25,12 @@ private:
 
     struct Context {
         Place place;
-        int past;             // the first token behind
-        int scope;            // to which it goes back
-        int declaration = -1; // of a class or an enum whose declarators follow
-        int header = -1;      // the parenthesis behind which the body of a statement begins
-        bool isBraced = false;  // the token at `past` is its own
-        bool isWithin = false;  // the statement around it goes on
+        int past;              // the first token behind
+        int scope;             // to which it goes back
+        int declaration = -1;  // of a class or an enum whose declarators follow
+        int header = -1;       // the parenthesis behind which the body of a statement begins
+        bool isBraced = false; // the token at `past` is its own
+        bool isWithin = false; // the statement around it goes on
         bool isTypedef = false;
         bool declaratorsFollow = false;
         Access access = Access::None;
@@ -61,7 +61,7 @@ private:
         bool isConversion = false;
     };
 
-    enum class Mode { Statement, Condition, ForInit };
+    enum class Mode { Statement, Condition, ForInit, MacroLoop };
 
     // ---- the walk
     void WalkToEnd();
@@ -74,6 +74,7 @@ private:
     bool InBlock() const { return CurrentPlace() == Place::Block; }
     int PastStatement(int from);
     int SemicolonFrom(int from, int bound) const;
+    bool BeginsAnother() const;
 
     // ---- statements
     void ControlStatement(int open, Mode mode);
@@ -85,9 +86,12 @@ private:
     void NamespaceDeclaration();
     void UsingDeclaration();
     void TemplateDeclaration();
+    void PastRequires();
     void LinkageOrExtern();
     void EnumDeclaration(Head head);
     bool ClassDeclaration(Head head);
+    bool IdlStatement();
+    int ReadCoclass(int first, int past);
     int ReadBases(int from, int past, Access usual);
     void AfterBody(const Context& context);
     bool Declaration(Mode mode);
@@ -96,6 +100,8 @@ private:
     bool StructuredBinding(const Head& head, int open, Mode mode);
     bool FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode);
     bool MacroStatement(const Chain& chain, int open);
+    bool TypedByMacro(int open, Mode mode);
+    bool BelongsToNext(int at) const;
     int FunctionTail(int from, std::uint32_t& flags, std::pair<int, int>& trailing);
     int PastInitialisers(int colon) const;
     bool LooksLikeValues(int open) const;
@@ -111,6 +117,7 @@ private:
     bool ReadChain(int from, Chain& chain) const;
     int PastOperator(int keyword, bool& isConversion) const;
     int PastAngles(int open) const;
+    int PastMemberMarks(int from) const;
     int PastAttributes(int from) const;
     bool OpensHead(int at) const;
     bool EndsMacros(int at) const;
@@ -122,6 +129,8 @@ private:
     bool IsWord(int at) const { return T(at).kind == TokenKind::Word; }
     bool IsName(int at) const { return T(at).IsName() || IsKey(at, Kw_final) || IsKey(at, Kw_override); }
     int PastBracket(int open) const;
+    bool BeginsLine(int at) const;
+    std::uint32_t IndentAt(int at) const;
     bool IsBuiltinType(int i) const;
     static bool IsMacroLike(std::string_view word);
 
@@ -147,10 +156,10 @@ private:
     int i = 0;
     int scope = 0;
     bool statementBegins = true;
-    int templateScope = -1;      // the one that was opened for the declaration in hand
-    int declarationFirst = 0;    // the first token of the statement in hand
+    int templateScope = -1;   // the one that was opened for the declaration in hand
+    int declarationFirst = 0; // the first token of the statement in hand
     std::string joined;
-    mutable std::vector<bool> noAngles;           // brackets that are known to be comparisons
+    mutable std::vector<bool> noAngles;         // brackets that are known to be comparisons
     std::unordered_map<int, int> statementEnds; // of statements without braces, by their first token
 };
 

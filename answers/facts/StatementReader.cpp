@@ -1,5 +1,5 @@
-// Statements of bodies, as far as they declare: blocks, headers of loops and conditions, handlers, lambdas. And the
-// small pieces that all readers of facts use.
+// Statements of bodies, as far as they declare: blocks, headers of loops and conditions, handlers, lambdas.
+// And the small pieces that all readers of facts use.
 
 #include <answers/facts/FactReader.h>
 
@@ -36,7 +36,8 @@ bool IsStorageOrAlike(std::uint8_t keyword) {
 
 void FactReader::AtBlockStatement() {
     const Token& token = T(i);
-    if (token.Is('{')) return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, PastBracket(i) - 1, -1));
+    if (token.Is('{'))
+        return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, PastBracket(i) - 1, -1));
     if (token.kind != TokenKind::Word) {
         if (token.Is(ColonsMark) && Declaration(Mode::Statement)) return;
         statementBegins = false;
@@ -50,7 +51,8 @@ void FactReader::AtBlockStatement() {
     case Kw_for: {
         const int open = IsMark(i + 1, '(') ? i + 1 : i + 2;
         if (IsMark(open, '(') && T(open).partner > 0)
-            return ControlStatement(open, token.code == Kw_for || token.code == Kw_catch ? Mode::ForInit : Mode::Condition);
+            return ControlStatement(open, token.code == Kw_for || token.code == Kw_catch ? Mode::ForInit
+                                                                                         : Mode::Condition);
         ++i;
         return;
     }
@@ -77,7 +79,7 @@ void FactReader::AtBlockStatement() {
         i += 2;
         return;
     }
-    if (IsMacroLoop()) return ControlStatement(i + 1, Mode::ForInit);
+    if (IsMacroLoop()) return ControlStatement(i + 1, Mode::MacroLoop);
     if (!Declaration(Mode::Statement)) {
         statementBegins = false;
         if (!IsMark(i, ';') && !IsMark(i, '{') && !IsMark(i, '[')) ++i;
@@ -121,8 +123,9 @@ int FactReader::PastStatement(int from) {
         const Token& token = T(at);
         const bool isMacroLoop = token.IsName() && IsMark(at + 1, '(') && T(at + 1).partner > 0 &&
                                  IsMark(T(at + 1).partner + 1, '{');
-        if (token.kind == TokenKind::Word && (token.code == Kw_if || token.code == Kw_while || token.code == Kw_for ||
-                                              token.code == Kw_switch || token.code == Kw_catch || isMacroLoop)) {
+        if (token.kind == TokenKind::Word &&
+            (token.code == Kw_if || token.code == Kw_while || token.code == Kw_for ||
+             token.code == Kw_switch || token.code == Kw_catch || isMacroLoop)) {
             hasIf = hasIf || token.code == Kw_if;
             ++at;
             if (!IsMark(at, '(')) ++at;
@@ -152,10 +155,18 @@ int FactReader::SemicolonFrom(int from, int bound) const {
     return std::min(at, bound);
 }
 
+// Whether behind something that wasn't understood, macros without semicolons most likely, a statement begins.
+bool FactReader::BeginsAnother() const {
+    if (OpensHead(i)) return IsMark(i - 1, ')') && BeginsLine(i);
+    const bool isLabel = IsKey(i, Kw_public) || IsKey(i, Kw_protected) || IsKey(i, Kw_private);
+    return InClass() && isLabel && (IsMark(i + 1, ':') || (IsName(i + 1) && IsMark(i + 2, ':')));
+}
+
 void FactReader::WithinStatement() {
     const Token& token = T(i);
     if (token.kind != TokenKind::Mark) {
-        ++i;
+        statementBegins = !InBlock() && i > declarationFirst && BeginsAnother();
+        if (!statementBegins) ++i;
         return;
     }
     switch (token.code) {
@@ -310,8 +321,8 @@ int FactReader::PastAngles(int open) const {
         if (token.kind == TokenKind::Text) break;
         if (token.kind == TokenKind::Word) {
             const std::uint8_t word = token.code;
-            if (word == Kw_return || word == Kw_if || word == Kw_else || word == Kw_new || word == Kw_delete ||
-                word == Kw_throw || word == Kw_this)
+            if (word == Kw_return || word == Kw_if || word == Kw_else || word == Kw_new ||
+                word == Kw_delete || word == Kw_throw || word == Kw_this)
                 break;
             continue;
         }
@@ -327,8 +338,9 @@ int FactReader::PastAngles(int open) const {
         } else if (token.code == AndAndMark) {
             if (!IsMark(at + 1, ',') && !IsMark(at + 1, '>') && !IsMark(at + 1, EllipsisMark)) break;
         } else if (token.code != ',' && token.code != '*' && token.code != '&' && token.code != ColonsMark &&
-                   token.code != EllipsisMark && token.code != '=' && token.code != '-' && token.code != '+' &&
-                   token.code != '!' && token.code != '/' && token.code != '%' && token.code != '~') {
+                   token.code != EllipsisMark && token.code != '=' && token.code != '-' &&
+                   token.code != '+' && token.code != '!' && token.code != '/' && token.code != '%' &&
+                   token.code != '~') {
             break;
         }
     }
@@ -356,6 +368,25 @@ int FactReader::PastBracket(int open) const {
     return partner > open ? partner + 1 : open + 1;
 }
 
+bool FactReader::BeginsLine(int at) const {
+    return at == 0 || facts.PlaceOf(OffsetAt(at)).line > facts.PlaceOf(OffsetAt(at - 1)).line;
+}
+
+// The blanks before the line that holds the token.
+std::uint32_t FactReader::IndentAt(int at) const {
+    const auto line = static_cast<std::size_t>(facts.PlaceOf(OffsetAt(at)).line);
+    std::uint32_t blanks = facts.lines[line - 1];
+    while (blanks < OffsetAt(at) && !TokenList::IsWordCharacter(tokens.Source()[blanks])) ++blanks;
+    return blanks - facts.lines[line - 1];
+}
+
+// Behind `Ship::*` and its like: where a pointer to a member has its name.
+int FactReader::PastMemberMarks(int from) const {
+    Chain chain;
+    if (!(IsName(from) || IsMark(from, ColonsMark)) || !ReadChain(from, chain)) return from;
+    return IsMark(chain.past, ColonsMark) && IsMark(chain.past + 1, '*') ? chain.past + 2 : from;
+}
+
 // Whether a word before a head begins one in the next token.
 bool FactReader::OpensHead(int at) const {
     if (!IsWord(at)) return false;
@@ -374,8 +405,9 @@ bool FactReader::OpensHead(int at) const {
 // Whether words before this one can't belong to a type, since it begins something else.
 bool FactReader::EndsMacros(int at) const {
     if (OpensHead(at)) return true;
-    return IsKey(at, Kw_using) || ((IsKey(at, Kw_public) || IsKey(at, Kw_protected) || IsKey(at, Kw_private)) &&
-                                   !IsMark(at - 1, ','));
+    return IsKey(at, Kw_using) ||
+           ((IsKey(at, Kw_public) || IsKey(at, Kw_protected) || IsKey(at, Kw_private)) &&
+            !IsMark(at - 1, ','));
 }
 
 // Capitals, digits and underscores alone.
@@ -396,7 +428,8 @@ std::string_view FactReader::Join(int first, int past, bool dropsStorage) {
         if (!text.empty()) {
             const char last = text.back();
             const bool isWord = token.kind != TokenKind::Mark;
-            if (isWord && (TokenList::IsWordCharacter(last) || last == '*' || last == '&' || last == '>' || last == ','))
+            if (isWord && (TokenList::IsWordCharacter(last) || last == '*' || last == '&' || last == '>' ||
+                           last == ','))
                 text += ' ';
         }
         text += tokens.TextOf(token);
@@ -418,7 +451,7 @@ std::string_view FactReader::TypeText(const Head& head, int marksFirst, int mark
         text = At(head.typeOf).name;
     }
     for (int at = marksFirst; at < marksPast; ++at) {
-        if (IsName(at)) continue;
+        if (IsName(at) && !IsMark(at + 1, ColonsMark)) continue;
         if (IsWord(at)) text += ' ';
         text += TextAt(at);
     }
@@ -427,14 +460,16 @@ std::string_view FactReader::TypeText(const Head& head, int marksFirst, int mark
 }
 
 std::string_view FactReader::KeepChainName(const Chain& chain) {
-    const int past = IsMark(chain.qualifierPast - 1, ColonsMark) ? chain.qualifierPast - 1 : chain.qualifierPast;
+    const int past =
+        IsMark(chain.qualifierPast - 1, ColonsMark) ? chain.qualifierPast - 1 : chain.qualifierPast;
     return Join(chain.first, std::max(past, chain.first));
 }
 
 int FactReader::Add(FactKind kind, std::string_view name, int nameToken, const Head& head) {
     Declared declared;
     declared.kind = kind;
-    declared.access = kind == FactKind::Argument || kind == FactKind::TemplateParameter ? Access::None : AccessHere();
+    declared.access =
+        kind == FactKind::Argument || kind == FactKind::TemplateParameter ? Access::None : AccessHere();
     declared.flags = head.flags;
     declared.scope = scope;
     declared.typeOf = head.typeOf;
