@@ -226,10 +226,8 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         Chain chain;
         if (!ReadChain(at, chain)) return !first;
         int behind = chain.past;
-        if (outerOpen >= 0 && IsMark(behind, '(') && T(outerOpen).partner > behind) {
-            // A function that returns a pointer to a function: `void (*f(int))(char)`.
-            behind = PastBracket(behind);
-        }
+        if (outerOpen >= 0 && innerMarks > 0 && IsMark(behind, '(') && T(outerOpen).partner > behind)
+            return FunctionInside(head, chain, outerOpen, mode) || !first;
         const int closing = outerOpen >= 0 ? PastBracket(outerOpen) : -1;
         if (outerOpen >= 0) {
             while (IsMark(behind, '[')) behind = PastBracket(behind);
@@ -470,11 +468,25 @@ bool FactReader::IsParameterList(int open, bool strict) const {
     return !strict; // `f()`, `f(Ship)`: the language takes these for types where it can
 }
 
-bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode) {
+// `void (*Find(int depth))(char)`, which returns a pointer to a function.
+bool FactReader::FunctionInside(Head& head, const Chain& chain, int outerOpen, Mode mode) {
+    const int returned = PastBracket(outerOpen);
+    if (!IsMark(returned, '(') || PastBracket(chain.past) != returned - 1) return false;
+    const std::size_t declared = facts.declared.size();
+    const int tail = PastBracket(returned);
+    if (!FunctionDeclarator(head, chain, 0, chain.past, mode, tail)) return false;
+    joined.assign(TypeText(head, outerOpen, outerOpen, 0)).append("(*)").append(Join(returned, tail));
+    if (declared < facts.declared.size()) facts.declared[declared].type = facts.texts.Keep(joined);
+    return true;
+}
+
+// What follows the arguments begins behind them, or at `tail`.
+bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode,
+                                    int tail) {
     if (T(open).partner < 0 || mode != Mode::Statement) return false;
     std::pair<int, int> trailing(-1, -1);
     std::uint32_t flags = head.flags;
-    const int close = PastBracket(open);
+    const int close = tail < 0 ? PastBracket(open) : tail;
     int at = FunctionTail(close, flags, trailing);
     int kAndR = -1;
     if (!IsMark(at, ';') && !IsMark(at, '{') && !IsMark(at, ':') && !IsMark(at, ',') && !IsMark(at, '=')) {

@@ -98,7 +98,8 @@ private:
     bool DeclarationFrom(Head head, int from, Mode mode);
     bool Declarators(Head& head, int from, Mode mode);
     bool StructuredBinding(const Head& head, int open, Mode mode);
-    bool FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode);
+    bool FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode, int tail = -1);
+    bool FunctionInside(Head& head, const Chain& chain, int outerOpen, Mode mode);
     bool MacroStatement(const Chain& chain, int open);
     bool TypedByMacro(int open, Mode mode);
     bool BelongsToNext(int at) const;
