@@ -67,7 +67,10 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
     while (at < bound) {
         at = PastAttributes(at);
         const Token& token = T(at);
-        if (head.words > 0 && !head.builtin && !InBlock() && EndsMacros(at)) { // the words before are no type
+        const bool isMacroAlone = head.words == 1 && IsMacroLike(TextAt(at - 1)) && IsMacroLike(TextAt(at)) &&
+                                  IsMark(at + 1, '(') && BeginsLine(at);
+        if (head.words > 0 && !head.builtin && !InBlock() && (EndsMacros(at) || isMacroAlone)) {
+            // The words before are no type.
             i = at;
             statementBegins = true;
             return true;
@@ -505,15 +508,14 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
         return false;
     const bool isQualified = chain.qualifierPast > chain.first;
     const std::string_view name = TextAt(chain.name);
-    const bool hasType = head.words > 0 || head.typeOf >= 0;
+    const bool isConstructor = // with a macro before it, or none
+        InClass() && !isQualified && !chain.isOperator && !chain.isDestructor && name == ClassAround();
+    const bool hasType = (head.words > 0 || head.typeOf >= 0) && !isConstructor;
     if (chain.isDestructor) flags |= IsDestructor;
     if (chain.isOperator) flags |= IsOperator;
     if (chain.isConversion) flags |= IsConversion;
-    if (!hasType && !chain.isOperator && !chain.isDestructor) {
-        if (InClass() ? name == ClassAround() : isQualified) flags |= IsConstructor;
-    }
-    if (InClass() && !isQualified && !chain.isOperator && !chain.isDestructor && name == ClassAround())
-        flags |= IsConstructor; // with a macro before it
+    if (isConstructor || (!hasType && !chain.isOperator && !chain.isDestructor && !InClass() && isQualified))
+        flags |= IsConstructor;
     Head function = head;
     function.flags = flags;
     const int declared = Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, KeepChainName(chain),
@@ -672,16 +674,19 @@ void FactReader::KAndRBody(int from, int body) {
         }
         if (!IsName(at) || at == typeFirst) continue;
         if (!IsMark(at + 1, ';') && !IsMark(at + 1, ',') && !IsMark(at + 1, '[')) continue;
-        int typePast = at; // of what the first name has before it, without a list of others
-        for (int between = typeFirst; between < typePast; ++between)
-            if (IsMark(between + 1, ',')) typePast = between;
+        int typePast = typeFirst; // where the first name of the list stands, and its marks
+        while (typePast < at && !IsMark(typePast + 1, ',') && !IsMark(typePast + 1, '[')) ++typePast;
+        while (typePast > typeFirst && IsMark(typePast - 1, '*')) --typePast;
+        int marks = at;
+        while (marks > typePast && IsMark(marks - 1, '*')) --marks;
         const std::string_view name = TextAt(at);
         for (auto each = facts.declared.rbegin(); each != facts.declared.rend(); ++each) {
             if (each->kind != FactKind::Argument) break;
             const std::string_view shown = each->name.empty() ? each->type : each->name;
             if (shown != name) continue;
             each->name = shown;
-            each->type = Join(typeFirst, typePast);
+            joined.assign(Join(typeFirst, typePast)).append(static_cast<std::size_t>(at - marks), '*');
+            each->type = facts.texts.Keep(joined);
             break;
         }
     }
