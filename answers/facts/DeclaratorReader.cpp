@@ -67,7 +67,10 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
     while (at < bound) {
         at = PastAttributes(at);
         const Token& token = T(at);
-        if (head.words > 0 && !head.builtin && !InBlock() && EndsMacros(at)) { // the words before are no type
+        const bool isMacroAlone = head.words == 1 && IsMacroLike(TextAt(at - 1)) && IsMacroLike(TextAt(at)) &&
+                                  IsMark(at + 1, '(') && BeginsLine(at);
+        if (head.words > 0 && !head.builtin && !InBlock() && (EndsMacros(at) || isMacroAlone)) {
+            // The words before are no type.
             i = at;
             statementBegins = true;
             return true;
@@ -115,6 +118,7 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
             ++at;
             continue;
         }
+        if (head.words > 0 && PastMemberMarks(at) > at) break;
         Chain chain;
         if (!ReadChain(at, chain)) return false;
         if (chain.isOperator || chain.isDestructor) break;
@@ -196,6 +200,10 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
                 continue;
             }
             if (IsWord(at) && IsConstOrAlike(T(at).code)) continue;
+            if (const int past = PastMemberMarks(at); past > at) {
+                at = past - 1;
+                continue;
+            }
             if (at > marksFirst && IsName(at) && IsName(at + 1)) continue; // a macro behind the mark
             break;
         }
@@ -221,16 +229,18 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         Chain chain;
         if (!ReadChain(at, chain)) return !first;
         int behind = chain.past;
-        if (outerOpen >= 0 && IsMark(behind, '(') && T(outerOpen).partner > behind) {
-            // A function that returns a pointer to a function: `void (*f(int))(char)`.
-            behind = PastBracket(behind);
-        }
+        if (outerOpen >= 0 && innerMarks > 0 && IsMark(behind, '(') && T(outerOpen).partner > behind)
+            return FunctionInside(head, chain, outerOpen, mode) || !first;
         const int closing = outerOpen >= 0 ? PastBracket(outerOpen) : -1;
         if (outerOpen >= 0) {
             while (IsMark(behind, '[')) behind = PastBracket(behind);
             if (behind != closing - 1) return !first;
             behind = closing;
-            if (IsMark(behind, '(')) behind = PastBracket(behind);
+            if (IsMark(behind, '(')) {
+                std::uint32_t flags = 0;
+                std::pair<int, int> trailing(-1, -1);
+                behind = FunctionTail(PastBracket(behind), flags, trailing);
+            }
         } else if (IsMark(behind, '(')) {
             const bool isVariable = mode != Mode::Statement ||
                                     (InBlock() && (head.typeOf >= 0 || !head.isTypedef)) ||
@@ -302,7 +312,7 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         if (isRange || (InBlock() && WantsBodies() && (past > behind || IsMark(behind - 1, ')')))) {
             // What it is initialised with may hold lambdas: the walk goes on there.
             At(declared).past = PastOf(isRange ? behind : std::max(past, behind) - 1);
-            if (isRange || !IsMark(past, ',') || mode == Mode::Condition) {
+            if (isRange || !IsMark(past, ',') || mode == Mode::Condition || mode == Mode::MacroLoop) {
                 i = IsMark(behind - 1, ')') && outerOpen < 0 && !isRange ? T(behind - 1).partner + 1 : behind;
                 if (IsMark(i, '=')) ++i;
                 statementBegins = false;
@@ -312,7 +322,8 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         At(declared).past = PastOf(std::max(past, behind));
         at = std::max(past, behind);
         first = false;
-        if (mode == Mode::Condition) break;
+        if (mode == Mode::Condition || mode == Mode::MacroLoop)
+            break; // `EACH(Ship* ship, ships)` declares one
         if (!IsMark(at, ',')) {
             i = at;
             break;
@@ -375,6 +386,7 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
         head.first = declarationFirst;
         if (FunctionDeclarator(head, inner, 0, past, Mode::Statement)) return true;
     }
+    if (TypedByMacro(open, Mode::Statement)) return true;
     const bool hasParameters = T(open).partner == open + 1 || IsParameterList(open, true);
     if (!InClass() && isBody && hasParameters) return false; // `main() {`
     facts.calls.push_back({facts.texts.Keep(name), Join(open + 1, past - 1), OffsetAt(chain.name), scope});
@@ -387,6 +399,22 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
     if (IsMark(i, ';')) ++i;
     statementBegins = true;
     return true;
+}
+
+// `API(int) Moor(Ship* ship);`: what is in the first parentheses is the type.
+bool FactReader::TypedByMacro(int open, Mode mode) {
+    const int name = PastBracket(open);
+    if (!IsName(name) || !IsMark(name + 1, '(') || BeginsLine(name) || T(open).partner == open + 1)
+        return false;
+    const int past = PastBracket(name + 1);
+    if (!IsMark(past, ';') && !IsMark(past, '{')) return false;
+    Head head;
+    head.first = declarationFirst;
+    head.typeFirst = open + 1;
+    head.typePast = name - 1;
+    head.words = 1;
+    Chain chain;
+    return ReadChain(name, chain) && FunctionDeclarator(head, chain, 0, chain.past, mode);
 }
 
 // Whether the arguments are values, as of a variable's constructor.
@@ -443,15 +471,34 @@ bool FactReader::IsParameterList(int open, bool strict) const {
     return !strict; // `f()`, `f(Ship)`: the language takes these for types where it can
 }
 
-bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode) {
+// `void (*Find(int depth))(char)`, which returns a pointer to a function.
+bool FactReader::FunctionInside(Head& head, const Chain& chain, int outerOpen, Mode mode) {
+    const int returned = PastBracket(outerOpen);
+    if (!IsMark(returned, '(') || PastBracket(chain.past) != returned - 1) return false;
+    const std::size_t declared = facts.declared.size();
+    const int tail = PastBracket(returned);
+    if (!FunctionDeclarator(head, chain, 0, chain.past, mode, tail)) return false;
+    joined.assign(TypeText(head, outerOpen, outerOpen, 0)).append("(*)").append(Join(returned, tail));
+    if (declared < facts.declared.size()) facts.declared[declared].type = facts.texts.Keep(joined);
+    return true;
+}
+
+// What follows the arguments begins behind them, or at `tail`.
+bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode,
+                                    int tail) {
     if (T(open).partner < 0 || mode != Mode::Statement) return false;
     std::pair<int, int> trailing(-1, -1);
     std::uint32_t flags = head.flags;
-    const int close = PastBracket(open);
+    const int close = tail < 0 ? PastBracket(open) : tail;
     int at = FunctionTail(close, flags, trailing);
     int kAndR = -1;
     if (!IsMark(at, ';') && !IsMark(at, '{') && !IsMark(at, ':') && !IsMark(at, ',') && !IsMark(at, '=')) {
         kAndR = InClass() || InBlock() ? -1 : FindKAndRBody(close);
+        if (kAndR < 0 && !InBlock() && IsWord(at) && BeginsLine(at)) { // macros, and then something else
+            i = at;
+            statementBegins = true;
+            return true;
+        }
         if (kAndR < 0) return false;
         at = kAndR;
     }
@@ -461,15 +508,14 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
         return false;
     const bool isQualified = chain.qualifierPast > chain.first;
     const std::string_view name = TextAt(chain.name);
-    const bool hasType = head.words > 0 || head.typeOf >= 0;
+    const bool isConstructor = // with a macro before it, or none
+        InClass() && !isQualified && !chain.isOperator && !chain.isDestructor && name == ClassAround();
+    const bool hasType = (head.words > 0 || head.typeOf >= 0) && !isConstructor;
     if (chain.isDestructor) flags |= IsDestructor;
     if (chain.isOperator) flags |= IsOperator;
     if (chain.isConversion) flags |= IsConversion;
-    if (!hasType && !chain.isOperator && !chain.isDestructor) {
-        if (InClass() ? name == ClassAround() : isQualified) flags |= IsConstructor;
-    }
-    if (InClass() && !isQualified && !chain.isOperator && !chain.isDestructor && name == ClassAround())
-        flags |= IsConstructor; // with a macro before it
+    if (isConstructor || (!hasType && !chain.isOperator && !chain.isDestructor && !InClass() && isQualified))
+        flags |= IsConstructor;
     Head function = head;
     function.flags = flags;
     const int declared = Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, KeepChainName(chain),
@@ -560,7 +606,7 @@ int FactReader::FunctionTail(int from, std::uint32_t& flags, std::pair<int, int>
                                token.code == Kw_override || token.code == Kw_final ||
                                token.code == Kw_noexcept || token.code == Kw_throw || token.code == Kw_try ||
                                token.code == Kw_requires || token.IsName();
-            if (!known) break;
+            if (!known || (token.IsName() && BelongsToNext(at))) break;
             ++at;
             if (token.code == Kw_requires) {
                 while (at < bound && !IsMark(at, '{') && !IsMark(at, ';'))
@@ -572,6 +618,14 @@ int FactReader::FunctionTail(int from, std::uint32_t& flags, std::pair<int, int>
         }
     }
     return at;
+}
+
+// Whether a word behind arguments begins the next declaration, since those were a macro's: its line begins
+// where the statement's did, and it is a type.
+bool FactReader::BelongsToNext(int at) const {
+    if (InBlock() || !BeginsLine(at)) return false;
+    if (IndentAt(at) > IndentAt(declarationFirst)) return false;
+    return IsWord(at + 1) || IsMark(at + 1, '*') || IsMark(at + 1, '&') || IsMark(at + 1, ColonsMark);
 }
 
 // From the colon before a constructor's initialisers to its body.
@@ -620,13 +674,19 @@ void FactReader::KAndRBody(int from, int body) {
         }
         if (!IsName(at) || at == typeFirst) continue;
         if (!IsMark(at + 1, ';') && !IsMark(at + 1, ',') && !IsMark(at + 1, '[')) continue;
+        int typePast = typeFirst; // where the first name of the list stands, and its marks
+        while (typePast < at && !IsMark(typePast + 1, ',') && !IsMark(typePast + 1, '[')) ++typePast;
+        while (typePast > typeFirst && IsMark(typePast - 1, '*')) --typePast;
+        int marks = at;
+        while (marks > typePast && IsMark(marks - 1, '*')) --marks;
         const std::string_view name = TextAt(at);
         for (auto each = facts.declared.rbegin(); each != facts.declared.rend(); ++each) {
             if (each->kind != FactKind::Argument) break;
             const std::string_view shown = each->name.empty() ? each->type : each->name;
             if (shown != name) continue;
             each->name = shown;
-            each->type = Join(typeFirst, at);
+            joined.assign(Join(typeFirst, typePast)).append(static_cast<std::size_t>(at - marks), '*');
+            each->type = facts.texts.Keep(joined);
             break;
         }
     }

@@ -150,6 +150,7 @@ void FactReader::AtStatement() {
         i = PastBracket(i);
         return;
     }
+    if (dialect == Dialect::Idl && InClass() && IdlStatement()) return;
     if (InClass() && (token.code == Kw_public || token.code == Kw_protected || token.code == Kw_private) &&
         token.kind == TokenKind::Word) {
         contexts.back().access = token.code == Kw_public      ? Access::Public
@@ -165,6 +166,24 @@ void FactReader::AtStatement() {
         return;
     }
     if (!Declaration(Mode::Statement)) statementBegins = false;
+}
+
+// What stands before the members of a union, and of a value one by one: `case 1:`, `private long depth;`.
+bool FactReader::IdlStatement() {
+    const bool isCase = IsKey(i, Kw_case);
+    if (isCase || (IsKey(i, Kw_default) && IsMark(i + 1, ':'))) {
+        while (!IsMark(i, ':') && !IsMark(i, ';') && !IsMark(i, '}') && i < contexts.back().past) ++i;
+        ++i;
+        return true;
+    }
+    if ((!IsKey(i, Kw_public) && !IsKey(i, Kw_private)) || IsMark(i + 1, ':')) return false;
+    const std::size_t context = contexts.size() - 1;
+    const Access usual = contexts[context].access;
+    contexts[context].access = IsKey(i, Kw_public) ? Access::Public : Access::Private;
+    ++i;
+    if (!Declaration(Mode::Statement)) statementBegins = false;
+    contexts[context].access = usual;
+    return true;
 }
 
 bool FactReader::Declaration(Mode mode) {
@@ -194,7 +213,10 @@ bool FactReader::Declaration(Mode mode) {
         switch (token.code) {
         case Kw_namespace: NamespaceDeclaration(); return true;
         case Kw_using: UsingDeclaration(); return true;
-        case Kw_template: TemplateDeclaration(); return true;
+        case Kw_template:
+            if (templateScope >= 0) return false;
+            TemplateDeclaration();
+            return true;
         case Kw_enum: EnumDeclaration(head); return true;
         case Kw_class:
         case Kw_struct:
@@ -218,8 +240,8 @@ bool FactReader::Declaration(Mode mode) {
             return true;
         }
         if (word == "interface" || word == "dispinterface" || word == "valuetype" || word == "exception" ||
-            word == "coclass" || word == "abstract" || word == "local") {
-            while (TextAt(i) == "abstract" || TextAt(i) == "local") ++i;
+            word == "coclass" || word == "abstract" || word == "local" || word == "custom") {
+            while (TextAt(i) == "abstract" || TextAt(i) == "local" || TextAt(i) == "custom") ++i;
             if (ClassDeclaration(head)) return true;
             i = before;
             return false;
@@ -240,7 +262,7 @@ void FactReader::NamespaceDeclaration() {
     const int keyword = i++;
     Head head;
     head.first = declarationFirst;
-    if (IsKey(keyword - 1, Kw_inline)) head.flags |= IsInline;
+    if (keyword > 0 && IsKey(keyword - 1, Kw_inline)) head.flags |= IsInline;
     i = PastAttributes(i);
     // `namespace A::B {`; a macro may stand before the brace.
     struct Part {
@@ -321,51 +343,37 @@ void FactReader::LinkageOrExtern() {
     statementBegins = true;
 }
 
+// Heads in a row are scopes in each other, of one declaration.
 void FactReader::TemplateDeclaration() {
-    const int keyword = i;
     if (!IsMark(i + 1, '<')) { // an explicit instantiation
         ++i;
         i = SemicolonFrom(i, contexts.back().past);
         return;
     }
-    const int past = PastAngles(i + 1);
-    if (past < 0) {
+    const int outer = scope;
+    const auto firstOpened = static_cast<int>(facts.scopes.size());
+    bool isSpecial = false;
+    for (; IsKey(i, Kw_template) && IsMark(i + 1, '<'); PastRequires()) {
+        const int past = PastAngles(i + 1);
+        if (past < 0) break;
+        scope = OpenScope(ScopeKind::Template, i + 1, i + 1, -1);
+        TemplateParameters(i + 2, past - 1, scope);
+        isSpecial = isSpecial || past == i + 3;
+        i = past;
+    }
+    if (scope == outer) {
         ++i;
         statementBegins = false;
         return;
     }
-    const int opened = OpenScope(ScopeKind::Template, i + 1, i + 1, -1);
-    const int outer = scope;
-    const bool nested = templateScope >= 0;
-    const int outerTemplate = templateScope;
-    if (nested) facts.scopes[static_cast<std::size_t>(opened)].parent = outerTemplate;
-    TemplateParameters(i + 2, past - 1, opened);
-    i = past;
-    if (IsKey(i, Kw_requires)) { // to what may begin a declaration
-        ++i;
-        while (i < contexts.back().past && !IsMark(i, ';') && !IsMark(i, '{')) {
-            if (IsMark(i, '(')) {
-                i = PastBracket(i);
-            } else if (IsName(i) || IsMark(i, '!')) {
-                Chain chain;
-                if (IsMark(i, '!')) ++i;
-                if (!ReadChain(i, chain)) break;
-                i = chain.past;
-            } else {
-                break;
-            }
-            if (!IsMark(i, AndAndMark) && !IsMark(i, OrOrMark)) break;
-            ++i;
-        }
-    }
-    templateScope = opened;
-    scope = opened;
+    const int opened = templateScope = scope;
     const std::size_t depthBefore = contexts.size();
     const std::size_t declaredBefore = facts.declared.size();
     const int begin = i;
     const bool taken = Declaration(Mode::Statement);
     const int closing = contexts.size() > depthBefore ? contexts[depthBefore].past : i;
-    facts.scopes[static_cast<std::size_t>(opened)].past = PastOf(std::max(closing, begin));
+    for (int each = firstOpened; each <= opened; ++each)
+        facts.scopes[static_cast<std::size_t>(each)].past = PastOf(std::max(closing, begin));
     if (contexts.size() > depthBefore) {
         contexts[depthBefore].scope = outer;
     } else {
@@ -375,10 +383,30 @@ void FactReader::TemplateDeclaration() {
         Declared& each = facts.declared[d];
         if (each.scope != opened) continue;
         each.scope = outer;
-        each.flags |= past == keyword + 3 ? IsSpecialization | IsTemplate : IsTemplate;
+        each.flags |= isSpecial ? IsSpecialization | IsTemplate : IsTemplate;
     }
     templateScope = -1;
     if (!taken) statementBegins = false;
+}
+
+// To what may begin a declaration.
+void FactReader::PastRequires() {
+    if (!IsKey(i, Kw_requires)) return;
+    ++i;
+    while (i < contexts.back().past && !IsMark(i, ';') && !IsMark(i, '{')) {
+        if (IsMark(i, '(')) {
+            i = PastBracket(i);
+        } else if (IsName(i) || IsMark(i, '!')) {
+            Chain chain;
+            if (IsMark(i, '!')) ++i;
+            if (!ReadChain(i, chain)) break;
+            i = chain.past;
+        } else {
+            break;
+        }
+        if (!IsMark(i, AndAndMark) && !IsMark(i, OrOrMark)) break;
+        ++i;
+    }
 }
 
 void FactReader::TemplateParameters(int first, int past, int paramScope) {
@@ -425,18 +453,21 @@ void FactReader::EnumDeclaration(Head head) {
     const bool scoped = IsKey(i, Kw_class) || IsKey(i, Kw_struct);
     if (scoped) ++i;
     int name = -1;
+    int words = 0;
     Chain chain;
     for (i = PastAttributes(i); IsName(i) || IsMark(i, ColonsMark); i = PastAttributes(i)) {
         if (!ReadChain(i, chain)) break;
         name = chain.name;
         i = chain.past;
+        ++words;
     }
     int at = i;
     if (IsMark(at, ':'))
         while (at < contexts.back().past && !IsMark(at, '{') && !IsMark(at, ';')) ++at;
     if (scoped) head.flags |= IsScopedEnum;
     if (!IsMark(at, '{')) {
-        if (name >= 0 && IsMark(at, ';')) {
+        const bool isVariable = words > 1 && !scoped && at == i; // `enum Side side;`
+        if (name >= 0 && IsMark(at, ';') && !isVariable) {
             head.flags |= IsForward;
             const int declared = Add(FactKind::Enum, TextAt(name), name, head);
             At(declared).past = PastOf(at);
@@ -499,6 +530,7 @@ bool FactReader::ClassDeclaration(Head head) {
             ++at;
             break;
         }
+        if (dialect == Dialect::Idl && TextAt(at) == "supports") break;
         Chain next;
         if (!ReadChain(at, next)) break;
         if (IsMark(next.past, '(') && !IsMark(next.past + 1, '*')) { // a macro with arguments
@@ -526,7 +558,14 @@ bool FactReader::ClassDeclaration(Head head) {
         at = PastBracket(at);
     }
     const bool opensBody = IsMark(at, '{');
-    const bool hasBases = IsMark(at, ':') && words > 0;
+    const bool hasBases = IsMark(at, ':') || (dialect == Dialect::Idl && TextAt(at) == "supports");
+    if (key == "valuetype" && words == 2 && IsMark(at, ';')) { // `valuetype Depths sequence<long>;`
+        const int declared = Add(FactKind::Typedef, TextAt(before.name), before.name, head);
+        At(declared).type = Join(chain.first, chain.past);
+        At(declared).past = PastOf(at);
+        i = at + 1;
+        return true;
+    }
     int open = at;
     if (hasBases) {
         for (open = at + 1; open < contexts.back().past; ++open) {
@@ -546,10 +585,14 @@ bool FactReader::ClassDeclaration(Head head) {
             if (chain.qualifierPast > chain.first) At(declared).qualifier = KeepChainName(chain);
             if (chain.past > chain.name + 1) At(declared).flags |= IsSpecialization;
         }
-        const Access usual = kind == FactKind::Class ? Access::Private : Access::Public;
+        const bool isPrivate = kind == FactKind::Class && dialect == Dialect::Cpp;
+        const Access usual = isPrivate ? Access::Private : Access::Public;
         if (hasBases) {
             At(declared).firstBase = static_cast<std::int32_t>(facts.bases.size());
             At(declared).bases = ReadBases(at + 1, open, usual);
+        } else if (key == "coclass") {
+            At(declared).firstBase = static_cast<std::int32_t>(facts.bases.size());
+            At(declared).bases = ReadCoclass(open + 1, past);
         }
         const int opened = OpenScope(ScopeKind::Class, open, past, declared);
         const bool isTypedef = head.isTypedef;
@@ -562,6 +605,10 @@ bool FactReader::ClassDeclaration(Head head) {
         return true;
     }
     if (words == 0) return false;
+    if (dialect == Dialect::Idl && InClass() && kind == FactKind::Interface) { // named in a coclass
+        i = std::min(at + 1, contexts.back().past);
+        return true;
+    }
     const bool isForward = IsMark(at, ';') && !head.isTypedef &&
                            (words == 1 || kind == FactKind::Class || IsMacroLike(TextAt(before.name)));
     if (isForward) {
@@ -579,14 +626,28 @@ bool FactReader::ClassDeclaration(Head head) {
     return DeclarationFrom(head, PastAttributes(keyword + 1), Mode::Statement);
 }
 
+// What a class of IDL implements stands in its body: `[default] interface IShip;`.
+int FactReader::ReadCoclass(int first, int past) {
+    int count = 0;
+    for (int at = first; at < past; ++at) {
+        if ((TextAt(at) != "interface" && TextAt(at) != "dispinterface") || !IsName(at + 1) ||
+            !IsMark(at + 2, ';'))
+            continue;
+        facts.bases.push_back({Join(at + 1, at + 2), Access::Public, false, OffsetAt(at + 1)});
+        ++count;
+    }
+    return count;
+}
+
 int FactReader::ReadBases(int from, int past, Access usual) {
+    const bool isIdl = dialect == Dialect::Idl;
     int count = 0;
     for (int at = from; at < past;) {
         Base base;
         base.access = usual;
         Chain chain;
         bool found = false;
-        for (; at < past && !IsMark(at, ','); ++at) {
+        for (; at < past && !IsMark(at, ',') && !(isIdl && TextAt(at) == "supports"); ++at) {
             if (IsKey(at, Kw_virtual)) base.isVirtual = true;
             if (IsKey(at, Kw_public)) base.access = Access::Public;
             if (IsKey(at, Kw_protected)) base.access = Access::Protected;

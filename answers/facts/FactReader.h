@@ -61,7 +61,7 @@ private:
         bool isConversion = false;
     };
 
-    enum class Mode { Statement, Condition, ForInit };
+    enum class Mode { Statement, Condition, ForInit, MacroLoop };
 
     // ---- the walk
     void WalkToEnd();
@@ -74,6 +74,7 @@ private:
     bool InBlock() const { return CurrentPlace() == Place::Block; }
     int PastStatement(int from);
     int SemicolonFrom(int from, int bound) const;
+    bool BeginsAnother() const;
 
     // ---- statements
     void ControlStatement(int open, Mode mode);
@@ -85,17 +86,23 @@ private:
     void NamespaceDeclaration();
     void UsingDeclaration();
     void TemplateDeclaration();
+    void PastRequires();
     void LinkageOrExtern();
     void EnumDeclaration(Head head);
     bool ClassDeclaration(Head head);
+    bool IdlStatement();
+    int ReadCoclass(int first, int past);
     int ReadBases(int from, int past, Access usual);
     void AfterBody(const Context& context);
     bool Declaration(Mode mode);
     bool DeclarationFrom(Head head, int from, Mode mode);
     bool Declarators(Head& head, int from, Mode mode);
     bool StructuredBinding(const Head& head, int open, Mode mode);
-    bool FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode);
+    bool FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode, int tail = -1);
+    bool FunctionInside(Head& head, const Chain& chain, int outerOpen, Mode mode);
     bool MacroStatement(const Chain& chain, int open);
+    bool TypedByMacro(int open, Mode mode);
+    bool BelongsToNext(int at) const;
     int FunctionTail(int from, std::uint32_t& flags, std::pair<int, int>& trailing);
     int PastInitialisers(int colon) const;
     bool LooksLikeValues(int open) const;
@@ -111,6 +118,7 @@ private:
     bool ReadChain(int from, Chain& chain) const;
     int PastOperator(int keyword, bool& isConversion) const;
     int PastAngles(int open) const;
+    int PastMemberMarks(int from) const;
     int PastAttributes(int from) const;
     bool OpensHead(int at) const;
     bool EndsMacros(int at) const;
@@ -122,6 +130,8 @@ private:
     bool IsWord(int at) const { return T(at).kind == TokenKind::Word; }
     bool IsName(int at) const { return T(at).IsName() || IsKey(at, Kw_final) || IsKey(at, Kw_override); }
     int PastBracket(int open) const;
+    bool BeginsLine(int at) const;
+    std::uint32_t IndentAt(int at) const;
     bool IsBuiltinType(int i) const;
     static bool IsMacroLike(std::string_view word);
 

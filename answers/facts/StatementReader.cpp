@@ -79,7 +79,7 @@ void FactReader::AtBlockStatement() {
         i += 2;
         return;
     }
-    if (IsMacroLoop()) return ControlStatement(i + 1, Mode::ForInit);
+    if (IsMacroLoop()) return ControlStatement(i + 1, Mode::MacroLoop);
     if (!Declaration(Mode::Statement)) {
         statementBegins = false;
         if (!IsMark(i, ';') && !IsMark(i, '{') && !IsMark(i, '[')) ++i;
@@ -155,10 +155,18 @@ int FactReader::SemicolonFrom(int from, int bound) const {
     return std::min(at, bound);
 }
 
+// Whether behind something that wasn't understood, macros without semicolons most likely, a statement begins.
+bool FactReader::BeginsAnother() const {
+    if (OpensHead(i)) return IsMark(i - 1, ')') && BeginsLine(i);
+    const bool isLabel = IsKey(i, Kw_public) || IsKey(i, Kw_protected) || IsKey(i, Kw_private);
+    return InClass() && isLabel && (IsMark(i + 1, ':') || (IsName(i + 1) && IsMark(i + 2, ':')));
+}
+
 void FactReader::WithinStatement() {
     const Token& token = T(i);
     if (token.kind != TokenKind::Mark) {
-        ++i;
+        statementBegins = !InBlock() && i > declarationFirst && BeginsAnother();
+        if (!statementBegins) ++i;
         return;
     }
     switch (token.code) {
@@ -360,6 +368,25 @@ int FactReader::PastBracket(int open) const {
     return partner > open ? partner + 1 : open + 1;
 }
 
+bool FactReader::BeginsLine(int at) const {
+    return at == 0 || facts.PlaceOf(OffsetAt(at)).line > facts.PlaceOf(OffsetAt(at - 1)).line;
+}
+
+// The blanks before the line that holds the token.
+std::uint32_t FactReader::IndentAt(int at) const {
+    const auto line = static_cast<std::size_t>(facts.PlaceOf(OffsetAt(at)).line);
+    std::uint32_t blanks = facts.lines[line - 1];
+    while (blanks < OffsetAt(at) && !TokenList::IsWordCharacter(tokens.Source()[blanks])) ++blanks;
+    return blanks - facts.lines[line - 1];
+}
+
+// Behind `Ship::*` and its like: where a pointer to a member has its name.
+int FactReader::PastMemberMarks(int from) const {
+    Chain chain;
+    if (!(IsName(from) || IsMark(from, ColonsMark)) || !ReadChain(from, chain)) return from;
+    return IsMark(chain.past, ColonsMark) && IsMark(chain.past + 1, '*') ? chain.past + 2 : from;
+}
+
 // Whether a word before a head begins one in the next token.
 bool FactReader::OpensHead(int at) const {
     if (!IsWord(at)) return false;
@@ -424,7 +451,7 @@ std::string_view FactReader::TypeText(const Head& head, int marksFirst, int mark
         text = At(head.typeOf).name;
     }
     for (int at = marksFirst; at < marksPast; ++at) {
-        if (IsName(at)) continue;
+        if (IsName(at) && !IsMark(at + 1, ColonsMark)) continue;
         if (IsWord(at)) text += ' ';
         text += TextAt(at);
     }

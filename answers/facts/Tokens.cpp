@@ -7,6 +7,8 @@
 #include <array>
 #include <string>
 
+#include <answers/facts/Brackets.h>
+
 namespace ostraka::answers {
 
 namespace {
@@ -224,8 +226,11 @@ private:
 
     void Literal(std::size_t open) {
         const std::size_t past = PastLiteral(open);
-        if (past == open + 1 || text[past - 1] != text[open]) Note(LexicalFault::Literal, open);
+        const bool isOpen = past == open + 1 || text[past - 1] != text[open];
         Push(TokenKind::Text, 0, pos, past);
+        if (!isOpen) return;
+        Note(LexicalFault::Literal, open);
+        Push(TokenKind::Mark, ';', past, past); // the literal holds the one that stands there
     }
 
     void RawString(std::size_t quote) {
@@ -233,9 +238,9 @@ private:
         if (open == text.npos || open - quote > 17) return Literal(quote);
         std::string close = ")";
         close.append(text.substr(quote + 1, open - quote - 1)).append("\"");
-        const std::size_t end = text.find(close, open);
+        const std::size_t end = searchedInVain < 4 * text.size() ? text.find(close, open) : text.npos;
         if (end == text.npos) {
-            Note(LexicalFault::Literal, quote);
+            searchedInVain += text.size() - open;
             return Literal(quote);
         }
         Push(TokenKind::Text, 0, pos, end + close.size());
@@ -413,79 +418,16 @@ private:
     std::string_view text;
     std::size_t pos = 0;
     bool lineBegins = true;
-    int braces = 0;      // open ones less closed ones
-    int parentheses = 0; // the same
+    std::size_t searchedInVain = 0; // bytes, for the ends of raw strings
+    int braces = 0;                 // open ones less closed ones
+    int parentheses = 0;            // the same
     std::vector<Conditional> conditionals;
 };
 
 TokenList::TokenList(std::string_view text) : source(text) {
     Scanner(*this).Run();
-    PairBrackets();
-}
-
-// A brace is only closed by a brace, which leaves what is open in it without a partner.
-void TokenList::PairBrackets() {
-    std::vector<int> open;
-    struct Level {
-        int parentheses = 0;
-        int squares = 0;
-    };
-    std::vector<Level> levels(1);
-    const auto pair = [this](int a, int b) {
-        tokens[static_cast<std::size_t>(a)].partner = b;
-        tokens[static_cast<std::size_t>(b)].partner = a;
-    };
-    const auto drop = [&] {
-        const Token& dropped = (*this)[open.back()];
-        faults.push_back({LexicalFault::Bracket, dropped.begin});
-        if (dropped.code == '(') --levels.back().parentheses;
-        if (dropped.code == '[') --levels.back().squares;
-        open.pop_back();
-    };
-    for (int i = 0; i < Count(); ++i) {
-        const Token& token = (*this)[i];
-        if (token.kind != TokenKind::Mark) continue;
-        switch (token.code) {
-        case '{':
-            levels.emplace_back();
-            open.push_back(i);
-            break;
-        case '(':
-            ++levels.back().parentheses;
-            open.push_back(i);
-            break;
-        case '[':
-            ++levels.back().squares;
-            open.push_back(i);
-            break;
-        case ')':
-        case ']': {
-            int& count = token.code == ')' ? levels.back().parentheses : levels.back().squares;
-            if (count == 0) {
-                faults.push_back({LexicalFault::Bracket, token.begin});
-                break;
-            }
-            const char wanted = token.code == ')' ? '(' : '[';
-            while ((*this)[open.back()].code != wanted) drop();
-            pair(open.back(), i);
-            open.pop_back();
-            --count;
-            break;
-        }
-        case '}':
-            if (levels.size() == 1) {
-                faults.push_back({LexicalFault::Bracket, token.begin});
-                break;
-            }
-            while ((*this)[open.back()].code != '{') drop();
-            pair(open.back(), i);
-            open.pop_back();
-            levels.pop_back();
-            break;
-        default: break;
-        }
-    }
-    for (const int bracket : open) faults.push_back({LexicalFault::Bracket, (*this)[bracket].begin});
+    const std::vector<FaultAt> brackets = PairBrackets(source, tokens);
+    faults.insert(faults.end(), brackets.begin(), brackets.end());
     std::sort(faults.begin(), faults.end(), [](const FaultAt& a, const FaultAt& b) { return a.at < b.at; });
 }
 

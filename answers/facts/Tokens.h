@@ -97,7 +97,6 @@ public:
 
 private:
     friend class Scanner;
-    void PairBrackets();
 
     std::string_view source;
     std::vector<Token> tokens;
