@@ -1,0 +1,121 @@
+"""The code bases that we are judged on: sources of Debian's packages, fetched and made ready for clang by one command.
+
+They lie in the folder OSTRAKA_CORPORA, by itself the folder `corpora` beside the repository:
+
+  src/             the source packages
+  NAME/            the code base, which the tool is asked about; nothing is built in it
+  .build/NAME/     what a build writes, with compile_commands.json
+  .facts/NAME.db   what clang says, see compiler.py
+  NAME.*.jsonl     what was drawn, see draw.py
+
+`work` marks those that we look at every day. The others are only scored: whoever looks at their wrong answers one by one has
+nothing left to judge by.
+"""
+import os
+import shutil
+import subprocess
+from dataclasses import dataclass, field
+
+import compiler
+
+HERE = os.path.dirname(os.path.abspath(__file__))
+
+
+def folder():
+    if 'OSTRAKA_CORPORA' in os.environ:
+        return os.path.realpath(os.environ['OSTRAKA_CORPORA'])
+    repository = subprocess.check_output(['git', 'rev-parse', '--path-format=absolute', '--git-common-dir'], cwd=HERE, text=True)
+    return os.path.join(os.path.dirname(os.path.dirname(repository.strip())), 'corpora')
+
+
+@dataclass
+class CodeBase:
+    name: str
+    package: str
+    style: str
+    work: bool
+    cmake: list = field(default_factory=list)  # options of its cmake
+    commands: str = ''                         # or the shell commands that leave compile_commands.json in the folder of the build
+    limit: int = 0                             # parse no more units than these, spread over all
+
+    def path(self, *parts):
+        return os.path.join(folder(), *parts)
+
+    @property
+    def root(self):
+        return self.path(self.name)
+
+    @property
+    def build(self):
+        return self.path('.build', self.name)
+
+    @property
+    def facts(self):
+        return self.path('.facts', self.name + '.db')
+
+    def drawn(self, what):
+        return self.path(f'{self.name}.{what}.jsonl')
+
+
+CODE_BASES = {base.name: base for base in [
+    CodeBase('xerces-c', 'xerces-c=3.2.4+debian-1', 'a library of about 2000: export words, a namespace opened by a macro', True),
+    CodeBase('openttd', 'openttd=13.0-2', 'a game: tables of macros, plain structs, templates for pools', True),
+    CodeBase('libopenmpt', 'libopenmpt=0.6.9-1', 'sound: C++17, deep and inline namespaces, many templates', True),
+    CodeBase('librecad', 'librecad=2.2.0-1', 'a drawing program on a GUI toolkit: classes with a prefix, slots and signals', False),
+    CodeBase('bullet', 'bullet=3.24+dfsg-2', 'physics: classes with a prefix, attribute macros before names', False),
+    CodeBase('ceres-solver', 'ceres-solver=2.1.0+really2.1.0+dfsg-1', 'numerics: templates, export words, tests in macros', False),
+]}
+
+
+def as_root(*command):
+    subprocess.run([*([] if os.geteuid() == 0 else ['sudo']), *command], check=True)
+
+
+def fetch(base):
+    """The source package in src/, by a list of sources of our own, so that the system's isn't touched."""
+    sources, lists = base.path('src'), base.path('src', 'lists')
+    os.makedirs(os.path.join(lists, 'partial'), exist_ok=True)
+    with open(os.path.join(sources, 'sources.list'), 'w') as file:
+        file.write('deb-src http://deb.debian.org/debian bookworm main\n')
+    options = ['-q', '-o', f'Dir::Etc::SourceList={sources}/sources.list', '-o', 'Dir::Etc::SourceParts=-',
+               '-o', f'Dir::State::Lists={lists}', '-o', 'APT::Sandbox::User=root', '-o', 'Acquire::Languages=none']
+    if not [name for name in os.listdir(lists) if name.endswith(('Sources', 'Sources.gz', 'Sources.lz4'))]:
+        subprocess.run(['apt-get', *options, 'update'], check=True)
+    subprocess.run(['apt-get', *options, 'source', '--download-only', base.package], cwd=sources, check=True)
+
+
+def description(base):
+    package, version = base.package.split('=')
+    return base.path('src', f'{package}_{version.split(":")[-1]}.dsc')
+
+
+def configure(base):
+    """Leaves compile_commands.json in the folder of the build."""
+    os.makedirs(base.build, exist_ok=True)
+    if base.commands:
+        subprocess.run(['bash', '-e', '-c', base.commands], cwd=base.build, check=True, env={**os.environ, 'ROOT': base.root})
+    else:
+        subprocess.run(['cmake', '-S', base.root, '-B', base.build, '-DCMAKE_EXPORT_COMPILE_COMMANDS=ON', '-DCMAKE_BUILD_TYPE=Debug',
+                        '-DCMAKE_CXX_COMPILER=clang++-14', '-DCMAKE_C_COMPILER=clang-14', *base.cmake], check=True)
+
+
+def prepare(base):
+    """Everything up to what clang says. What is there already stays."""
+    if not os.path.exists(description(base)):
+        fetch(base)
+    if not os.path.isdir(base.root):
+        subprocess.run(['dpkg-source', '--no-check', '-x', description(base), base.root], check=True)
+    if not os.path.exists(os.path.join(base.build, 'compile_commands.json')):
+        as_root('env', 'DEBIAN_FRONTEND=noninteractive', 'apt-get', 'build-dep', '-qy', '--no-install-recommends', description(base))
+        configure(base)
+    if not os.path.exists(base.facts):
+        os.makedirs(os.path.dirname(base.facts), exist_ok=True)
+        compiler.ask(base.root, os.path.join(base.build, 'compile_commands.json'), base.facts, base.limit)
+
+
+def forget(base):
+    """Takes away what clang said and what was drawn."""
+    for path in (base.facts, *(base.drawn(what) for what in ('at', 'uses', 'classes'))):
+        if os.path.exists(path):
+            os.remove(path)
+    shutil.rmtree(base.path('.cache', base.name), ignore_errors=True)

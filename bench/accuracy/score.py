@@ -1,0 +1,250 @@
+"""Asks the tool what was drawn and counts.
+
+An answer is right where one of the declarations that it names is the compiler's: `strict` asks for the line of the very
+declaration that clang refers to, `any` takes every other declaration of the same thing as well, which is what counts. It is
+wrong where it names only others, and silent where it names none. An answerer takes places and gives for each the list of
+the places that it names, so that the tool, a tags file and a language server are counted by the same lines.
+"""
+import json
+import os
+import random
+import subprocess
+import time
+
+from draw import APART, ASKED, Facts
+
+
+def read(path):
+    with open(path) as file:
+        return [json.loads(line) for line in file]
+
+
+def below(root, name, start):
+    """A file as the tool names it, relative to the root of the code base."""
+    return os.path.relpath(os.path.realpath(os.path.join(start, name)), root)
+
+
+def named(root, declared):
+    return [(below(root, place['file'], root), place['line']) for place in declared if place.get('file') and place.get('line')]
+
+
+class Tool:
+    """The tool, started in the folder of the code base, so that names are short on both sides."""
+
+    def __init__(self, program, options=()):
+        self.program, self.options = os.path.realpath(program), list(options)
+
+    def run(self, root, *arguments, text=None):
+        return subprocess.run([self.program, *arguments, '-w', '.', *self.options], cwd=root, input=text, text=True, errors='replace',
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+
+    def answer(self, base, drawn):
+        """All places by one call."""
+        text = ''.join(f"{place['file']}:{place['line']}:{place['column']}\n" for place in drawn)
+        answered = self.run(base.root, 'at', '--places', '-', text=text)
+        lines = answered.stdout.splitlines()
+        if len(lines) != len(drawn):
+            raise SystemExit(f'{self.program} at --places: {len(lines)} answers for {len(drawn)} places, exit code {answered.returncode}')
+        return [named(base.root, json.loads(line).get('declared') or []) for line in lines]
+
+    def answer_singly(self, base, drawn):
+        """A call a place, for a tool that doesn't take many."""
+        answers = []
+        for place in drawn:
+            answered = self.run(base.root, 'at', f"{place['file']}:{place['line']}:{place['column']}", '--format', 'json')
+            answers.append(named(base.root, json.loads(answered.stdout).get('declared') or []) if answered.stdout else [])
+        return answers
+
+    def json(self, base, *arguments):
+        answered = self.run(base.root, *arguments, '--format', 'json')
+        return json.loads(answered.stdout) if answered.stdout else {}
+
+
+class Tags:
+    """The first entry of that name in a tags file of the code base."""
+
+    def answer(self, base, drawn):
+        first = {}
+        path = base.path('.cache', base.name, 'tags')
+        if not os.path.exists(path):
+            os.makedirs(os.path.dirname(path), exist_ok=True)
+            subprocess.run(['ctags', '-R', '--languages=C,C++', '--kinds-C++=+p', '--fields=+n', '--sort=yes', '-f', path, '.'],
+                           cwd=base.root, check=True, stderr=subprocess.DEVNULL)
+        with open(path, errors='replace') as file:
+            for line in file:
+                if not line.startswith('!'):
+                    name, source, *rest = line.rstrip('\n').split('\t')
+                    number = next((int(part[5:]) for part in rest if part.startswith('line:')), 0)
+                    first.setdefault(name, (os.path.normpath(source), number))
+        return [[first[place['name']]] if place['name'] in first else [] for place in drawn]
+
+
+def judge(place, answer):
+    """'strict', 'any', 'wrong' or 'silent'."""
+    if not answer:
+        return 'silent'
+    if (place['referenced']['file'], place['referenced']['line']) in answer:
+        return 'strict'
+    return 'any' if {(other['file'], other['line']) for other in place['declared']}.intersection(answer) else 'wrong'
+
+
+class Count:
+    def __init__(self):
+        self.places = self.answered = self.named = 0
+        self.verdicts = dict.fromkeys(('strict', 'any', 'wrong', 'silent'), 0)
+
+    def add(self, verdict, answer):
+        self.places += 1
+        self.verdicts[verdict] += 1
+        self.answered += bool(answer)
+        self.named += len(set(answer))
+
+    def row(self, title):
+        verdicts, share = self.verdicts, lambda count: 100 * count / self.places
+        mean = self.named / self.answered if self.answered else 0
+        return (f"{title:14}{self.places:7}{share(verdicts['strict'] + verdicts['any']):9.1f}{share(verdicts['strict']):9.1f}"
+                f"{share(verdicts['wrong']):8.1f}{share(verdicts['silent']):8.1f}{mean:11.2f}")
+
+
+HEAD = f"{'':14}{'places':>7}{'right %':>9}{'strict %':>9}{'wrong %':>8}{'silent':>8}{'a place':>11}"
+
+
+def table(title, drawn, answers):
+    """A line for each kind, and for the totals those that don't stand apart."""
+    counts = {}
+    for place, answer in zip(drawn, answers):
+        rows = [place['kind']]
+        if place['kind'] not in APART:
+            rows += ['declaring' if place['declaring'] else 'using', 'all']
+        for row in rows:
+            counts.setdefault(row, Count()).add(judge(place, answer), answer)
+    lines = [title, HEAD]
+    for row in (*ASKED, 'declaring', 'using', 'all', *APART):
+        if row in counts:
+            lines.append(counts[row].row(row))
+    return '\n'.join(lines)
+
+
+def source_line(base, place):
+    with open(os.path.join(base.root, place['file']), errors='replace') as file:
+        return file.read().split('\n')[place['line'] - 1]
+
+
+def spell(place):
+    return ':'.join(str(place[part]) for part in ('file', 'line', 'column') if part in place)
+
+
+def list_wrong(base, drawn, answers, count, kinds, verdicts, seed):
+    """Some of the answers that aren't right, each with its line, the compiler's place and the tool's."""
+    missed = [(place, answer) for place, answer in zip(drawn, answers)
+              if judge(place, answer) in verdicts and (place['kind'] in kinds if kinds else place['kind'] not in APART)]
+    for place, answer in random.Random(seed).sample(missed, min(count, len(missed))):
+        print(f"\n{spell(place)}: {judge(place, answer)}, {place['kind']} {place['name']}")
+        line = source_line(base, place)
+        print(f"    {line.strip()}")
+        indent = place['column'] - 1 - (len(line) - len(line.lstrip()))
+        print(f"    {' ' * indent}^")
+        print(f"  clang  {spell(place['referenced'])}: {source_line(base, place['referenced']).strip()}")
+        for file, number in answer[:5]:
+            print(f"  tool   {file}:{number}: {source_line(base, {'file': file, 'line': number}).strip()}")
+
+
+def score_at(base, answerer, options):
+    drawn = read(base.drawn('at'))
+    if options.kind:
+        drawn = [place for place in drawn if place['kind'] in options.kind]
+    if options.only:
+        drawn = [place for place in drawn if place['declaring'] == (options.only == 'declaring')]
+    drawn = drawn[:options.first or None]
+    began = time.time()
+    answers = answerer(base, drawn)
+    print(table(f'{base.name}: at, {time.time() - began:.1f} s', drawn, answers))
+    if options.wrong:
+        verdicts = (options.verdict,) if options.verdict else ('wrong', 'silent')
+        list_wrong(base, drawn, answers, options.wrong, options.kind, verdicts, options.seed)
+    print()
+
+
+class Seen:
+    """Which places clang can judge."""
+
+    def __init__(self, base):
+        self.facts = Facts(base.facts)
+        self.files = {file for file, in self.facts.rows('select distinct file from included')}
+        self.blind = {}
+
+    def judges(self, file, line, column):
+        if file not in self.files:
+            return False
+        if file not in self.blind:
+            self.blind[file] = self.facts.rows('select first, last from blind where file=?', file)
+        if any(first <= line <= last for first, last in self.blind[file]):
+            return False
+        return not self.facts.rows("select 1 from place where file=? and line=? and column=? and kind='open'", file, line, column)
+
+
+def score_uses(base, tool, options):
+    """The compiler's places among those of the tool, and the tool's certain ones among the compiler's."""
+    seen, missed, false = Seen(base), [], []
+    wanted = found = certain = right = judged = possible = failed = 0
+    for declaration in read(base.drawn('uses'))[:options.first or None]:
+        if options.kind and declaration['kind'] not in options.kind:
+            continue
+        answered = tool.json(base, 'uses', spell({part: declaration[part] for part in ('file', 'line', 'column')})).get('uses')
+        failed += answered is None
+        told = {(below(base.root, use['file'], base.root), use['line'], use['column']): use['certainty'] for use in answered or []}
+        compiler = {(use['file'], use['line'], use['column']) for use in declaration['uses']}
+        spared = {(use['file'], use['line'], use['column']) for use in declaration['spared']}
+        wanted, found = wanted + len(compiler), found + len(compiler & told.keys())
+        missed += [(declaration, place) for place in sorted(compiler - told.keys())]
+        sure = {place for place, certainty in told.items() if certainty == 'certain'}
+        certain, possible = certain + len(sure), possible + len(told) - len(sure)
+        judgeable = {place for place in sure - spared if place in compiler or seen.judges(*place)}
+        judged, right = judged + len(judgeable), right + len(judgeable & compiler)
+        false += [(declaration, place) for place in sorted(judgeable - compiler)]
+    print(f'{base.name}: uses of {len(read(base.drawn("uses")))} declarations')
+    if failed:
+        print(f'  no answer for {failed} of them')
+    print(f'  of the {wanted} places of the compiler {found} are named, {100 * found / max(1, wanted):.1f} %')
+    print(f'  of {certain} certain places the compiler can judge {judged}, {right} are its own, {100 * right / max(1, judged):.1f} %')
+    print(f'  {possible} places are told as possible')
+    for title, places in (('missed', missed), ('certain and not the compiler\'s', false)):
+        for declaration, place in random.Random(options.seed).sample(places, min(options.wrong, len(places))):
+            place = dict(zip(('file', 'line', 'column'), place))
+            print(f"\n{spell(place)}: {title}, {declaration['kind']} {declaration['name']} of {spell(declaration)[:90]}")
+            print(f'    {source_line(base, place).strip()}')
+    print()
+
+
+def base_names(row):
+    """The direct bases as a tool of today or of tomorrow tells them."""
+    if 'bases' in row:
+        return [(base['name'].split('<')[0].split('::')[-1].strip(), base.get('access'), base.get('virtual')) for base in row['bases']]
+    return [(row['base'].split('<')[0].split('::')[-1], None, None)] if row.get('base') else []
+
+
+def score_classes(base, tool, options):
+    """Classes by file, line and name; where a head takes several lines, any of them up to the name is its place."""
+    told = {}
+    for row in tool.json(base, 'classes', '.').get('classes', []):
+        told.setdefault((below(base.root, row['file'], base.root), row['name'].split('<')[0].split('::')[-1]), []).append(row)
+    drawn = read(base.drawn('classes'))
+    found = names = whole = 0
+    missed = []
+    for wanted in drawn:
+        rows = [row for row in told.get((wanted['file'], wanted['name']), []) if wanted['head'] <= row['line'] <= wanted['line']]
+        if not rows:
+            missed.append((wanted, 'not found'))
+            continue
+        found += 1
+        compiler = [(row['name'], row['access'], row['virtual']) for row in wanted['bases']]
+        tools = base_names(rows[0])
+        same = [name for name, *_ in compiler] == [name for name, *_ in tools]
+        names, whole = names + same, whole + (compiler == tools)
+        if not same:
+            missed.append((wanted, f"bases {[name for name, *_ in tools]}, by clang {[name for name, *_ in compiler]}"))
+    share = lambda count: f'{count} ({100 * count / max(1, len(drawn)):.1f} %)'
+    print(f'{base.name}: {len(drawn)} classes, found {share(found)}, bases right by name {share(names)}, by access and virtual too {share(whole)}')
+    for wanted, why in random.Random(options.seed).sample(missed, min(options.wrong, len(missed))):
+        print(f"\n{spell(wanted)}: {wanted['name']}: {why}\n    {source_line(base, wanted).strip()}")
+    print()
