@@ -8,7 +8,7 @@ files of the code base that clang has read:
   place        each identifier that stands for a declaration: where it is, what it is called, and which place declares it.
                kind 'open' is a name that clang leaves open, as in a template; no `to` is a declaration outside the folder
   declaration  each declaration with the name that is common to all its redeclarations (clang's USR)
-  class        each class that is defined, with its direct bases
+  class        each class that is defined, with its direct bases; `macro` where a macro gives it its name
   blind        lines that clang can't judge: inactive branches and the texts of macros
 
 File names are relative to the folder of the code base; lines and columns count from 1, columns in bytes. A header is walked
@@ -35,7 +35,7 @@ create table place(file text, line integer, column integer, name text, kind text
 create table declaration(usr text, file text, line integer, column integer, name text, kind text, definition integer,
     unit integer, primary key(usr, file, line, column)) without rowid;
 create table class(file text, line integer, column integer, head integer, name text, kind text, bases text,
-    primary key(file, line, column)) without rowid;
+    macro integer, primary key(file, line, column)) without rowid;
 create table blind(file text, first integer, last integer);
 '''
 
@@ -65,7 +65,8 @@ REFERENCES = {kind.value for kind in (
     Kind.TYPE_REF, Kind.TEMPLATE_REF, Kind.NAMESPACE_REF, Kind.MEMBER_REF, Kind.VARIABLE_REF, Kind.DECL_REF_EXPR,
     Kind.MEMBER_REF_EXPR, Kind.CALL_EXPR, Kind.OVERLOADED_DECL_REF, Kind.MACRO_INSTANTIATION)}
 OPEN = {kind.value for kind in (Kind.DECL_REF_EXPR, Kind.MEMBER_REF_EXPR, Kind.OVERLOADED_DECL_REF)}
-CALL, MACRO, BASE = Kind.CALL_EXPR.value, Kind.MACRO_DEFINITION.value, Kind.CXX_BASE_SPECIFIER.value
+CALL, BASE = Kind.CALL_EXPR.value, Kind.CXX_BASE_SPECIFIER.value
+ALIAS, ALIAS_TEMPLATE = Kind.TYPE_ALIAS_DECL.value, Kind.TYPE_ALIAS_TEMPLATE_DECL.value
 MEMBERS = {Kind.FUNCTION_TEMPLATE.value: 'method', Kind.VAR_DECL.value: 'field'}
 BREAK, CONTINUE, RECURSE = 0, 1, 2
 
@@ -161,21 +162,38 @@ class Walk:
             parent = cursor.semantic_parent
             if parent is not None and parent._kind_id in CLASS_OF:
                 return MEMBERS[cursor._kind_id]
-        return KIND_OF.get(cursor._kind_id, 'other')
+        # What has no kind of its own and is yet referred to is a name of a structured binding.
+        return KIND_OF.get(cursor._kind_id, 'variable' if cursor._kind_id == Kind.UNEXPOSED_DECL.value else 'other')
+
+    def alias(self, cursor):
+        """The alias in a template of an alias, which stands at its name, where the template stands at `using`."""
+        return next((child for child in cursor.get_children() if child._kind_id == ALIAS), cursor)
 
     def declare(self, cursor, place, offset):
         name, kind = cursor.spelling.split('<')[0], self.kind(cursor)
-        if not name:
+        if not name or cursor._kind_id == ALIAS_TEMPLATE:  # whose alias follows
             return
         if kind == 'macro':
             self.blind.append((place[0], place[1], cursor.extent.end.line))
         usr = cursor.get_usr() if kind != 'macro' else ''
         usr = usr or ':'.join(map(str, place))
         self.declarations[(usr, *place)] = (name, kind, int(cursor.is_definition()))
-        if self.word(place[0], offset) == name:
+        written = self.word(place[0], offset) == name
+        if written and self.instantiates(cursor):
+            _, _, to = self.target(lib.clang_getSpecializedCursorTemplate(cursor))
+            self.places[place] = (1, name, kind, 0, to, None)
+            return
+        if written:
             self.places[place] = (0, name, kind, 1, place, None)
-        if cursor._kind_id in CLASS_OF and CLASS_OF[cursor._kind_id] != 'union' and cursor.is_definition():
-            self.classes[place] = (cursor.extent.start.line, name, CLASS_OF[cursor._kind_id], json.dumps(self.bases(cursor)))
+        if CLASS_OF.get(cursor._kind_id, 'union') != 'union' and cursor.is_definition():
+            self.classes[place] = (cursor.extent.start.line, name, CLASS_OF[cursor._kind_id], json.dumps(self.bases(cursor)), int(not written))
+
+    def instantiates(self, cursor):
+        """True for `template class A<int>;`, which clang takes for a definition, and which only refers to A."""
+        if cursor._kind_id not in CLASS_OF or not cursor.is_definition():
+            return False
+        file, _, _, offset = self.where(lib.clang_getRangeEnd(cursor.extent))
+        return file is not None and self.text(file)[offset - 1:offset] == b'>' and bool(lib.clang_getSpecializedCursorTemplate(cursor))
 
     def bases(self, cursor):
         return [{'name': last_name(base.type.spelling), 'access': base.access_specifier.name.lower(),
@@ -186,6 +204,7 @@ class Walk:
         """Name, kind and place of a declaration that is referred to."""
         address = cursor.data[0]
         if address not in self.targets:
+            cursor = self.alias(cursor) if cursor._kind_id == ALIAS_TEMPLATE else cursor
             file, line, column, _ = self.where(lib.clang_getCursorLocation(cursor))
             self.targets[address] = (cursor.spelling.split('<')[0], self.kind(cursor), (file, line, column))
         return self.targets[address]
@@ -229,7 +248,8 @@ def arguments(command):
     for word in words:
         if word in ('-o', '-MF', '-MT', '-MQ'):
             next(words)
-        elif word not in ('-c', '-MD', '-MMD', '-MP', '--', command['file']) and not word.startswith('-W'):
+        elif word not in ('-c', '-MD', '-MMD', '-MP', '--') and not word.startswith('-W') and \
+                os.path.join(command['directory'], word) != command['file']:
             kept.append(word)
     return kept
 
@@ -273,7 +293,7 @@ def keep(database, rows):
         for place, (_, name, kind, declaring, to, also) in places.items()])
     database.executemany('insert or ignore into declaration values(?,?,?,?,?,?,?,?)', [
         (*key, *value, number) for key, value in declarations.items()])
-    database.executemany('insert or ignore into class values(?,?,?,?,?,?,?)', [(*key, *value) for key, value in classes.items()])
+    database.executemany('insert or ignore into class values(?,?,?,?,?,?,?,?)', [(*key, *value) for key, value in classes.items()])
     database.executemany('insert into blind values(?,?,?)', blind)
 
 

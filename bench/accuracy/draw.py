@@ -84,7 +84,7 @@ def draw_uses(facts, count, seed):
 
 
 def draw_classes(facts):
-    rows = facts.rows('select file, line, column, head, name, kind, bases from class order by file, line, column')
+    rows = facts.rows('select file, line, column, head, name, kind, bases from class where not macro order by file, line, column')
     return [{'file': file, 'line': line, 'column': column, 'head': head, 'name': name, 'kind': kind, 'bases': json.loads(bases)}
             for file, line, column, head, name, kind, bases in rows]
 

@@ -61,22 +61,29 @@ class Tool:
 
 
 class Tags:
-    """The first entry of that name in a tags file of the code base."""
+    """What a tags file of the code base has under that name: its first entry, or every one."""
 
-    def answer(self, base, drawn):
-        first = {}
+    def __init__(self, every=False):
+        self.every = every
+
+    def entries(self, base):
         path = base.path('.cache', base.name, 'tags')
         if not os.path.exists(path):
             os.makedirs(os.path.dirname(path), exist_ok=True)
             subprocess.run(['ctags', '-R', '--languages=C,C++', '--kinds-C++=+p', '--fields=+n', '--sort=yes', '-f', path, '.'],
                            cwd=base.root, check=True, stderr=subprocess.DEVNULL)
+        entries = {}
         with open(path, errors='replace') as file:
             for line in file:
+                name, source, *rest = line.rstrip('\n').split('\t')
+                number = next((int(part[5:]) for part in rest if part.startswith('line:')), 0)
                 if not line.startswith('!'):
-                    name, source, *rest = line.rstrip('\n').split('\t')
-                    number = next((int(part[5:]) for part in rest if part.startswith('line:')), 0)
-                    first.setdefault(name, (os.path.normpath(source), number))
-        return [[first[place['name']]] if place['name'] in first else [] for place in drawn]
+                    entries.setdefault(name, []).append((os.path.normpath(source), number))
+        return entries
+
+    def answer(self, base, drawn):
+        entries = self.entries(base)
+        return [entries.get(place['name'], [])[:None if self.every else 1] for place in drawn]
 
 
 def judge(place, answer):
@@ -149,7 +156,7 @@ def list_wrong(base, drawn, answers, count, kinds, verdicts, seed):
             print(f"  tool   {file}:{number}: {source_line(base, {'file': file, 'line': number}).strip()}")
 
 
-def score_at(base, answerer, options):
+def score_at(base, who, answerer, options):
     drawn = read(base.drawn('at'))
     if options.kind:
         drawn = [place for place in drawn if place['kind'] in options.kind]
@@ -158,7 +165,7 @@ def score_at(base, answerer, options):
     drawn = drawn[:options.first or None]
     began = time.time()
     answers = answerer(base, drawn)
-    print(table(f'{base.name}: at, {time.time() - began:.1f} s', drawn, answers))
+    print(table(f'{base.name}: {who}, {time.time() - began:.1f} s', drawn, answers))
     if options.wrong:
         verdicts = (options.verdict,) if options.verdict else ('wrong', 'silent')
         list_wrong(base, drawn, answers, options.wrong, options.kind, verdicts, options.seed)
