@@ -221,6 +221,8 @@ class Walk:
         name, kind, to = self.target(referenced)
         if name != word:
             return
+        if to == place:  # `friend class A;` or `struct A *` may be what declares A, and is no declaration in clang's tree
+            self.declarations.setdefault((referenced.get_usr(), *place), (name, kind, 0))
         # A call of a constructor stands where its class is named: the name is the class's, the constructor right as well.
         rank = 2 if cursor._kind_id == CALL else 1
         former = self.places.get(place)
@@ -318,12 +320,14 @@ def ask(root, commands, path, limit=0, shares=2):
     print(f'{root}: {len(commands)} units', flush=True)
     with multiprocessing.Pool(shares) as pool:
         found = [rows for share in pool.map(parse_share, [(root, commands, i, shares) for i in range(shares)]) for rows in share]
-    if os.path.exists(path):
-        os.remove(path)
-    database = sqlite3.connect(path)
+    # Beside the former one until it is whole, for others ask that.
+    if os.path.exists(path + '.new'):
+        os.remove(path + '.new')
+    database = sqlite3.connect(path + '.new')
     database.executescript(SCHEMA)
     for rows in sorted(found, key=lambda rows: rows[0][0]):
         keep(database, rows)
     database.executescript(INDEXES)
     database.commit()
-    return database
+    database.close()
+    os.replace(path + '.new', path)

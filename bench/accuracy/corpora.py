@@ -14,7 +14,6 @@ nothing left to judge by.
 import json
 import os
 import re
-import shutil
 import subprocess
 from dataclasses import dataclass, field
 
@@ -129,8 +128,8 @@ def configure(base):
             subprocess.run(['cmake', '--build', base.build, '-j2', '--target', *base.targets], check=True)
 
 
-def prepare(base):
-    """Everything up to what clang says. What is there already stays."""
+def prepare(base, again=False):
+    """Everything up to what clang says. What is there already stays; `again` asks clang once more."""
     if not os.path.exists(description(base)):
         fetch(base)
     if not os.path.isdir(base.root):
@@ -138,14 +137,6 @@ def prepare(base):
     if not os.path.exists(os.path.join(base.build, 'compile_commands.json')):
         as_root('env', 'DEBIAN_FRONTEND=noninteractive', 'apt-get', 'build-dep', '-qy', '--no-install-recommends', description(base))
         configure(base)
-    if not os.path.exists(base.facts):
+    if again or not os.path.exists(base.facts):
         os.makedirs(os.path.dirname(base.facts), exist_ok=True)
         compiler.ask(base.root, os.path.join(base.build, 'compile_commands.json'), base.facts, base.limit)
-
-
-def forget(base):
-    """Takes away what clang said and what was drawn."""
-    for path in (base.facts, *(base.drawn(what) for what in ('at', 'uses', 'classes'))):
-        if os.path.exists(path):
-            os.remove(path)
-    shutil.rmtree(base.path('.cache', base.name), ignore_errors=True)

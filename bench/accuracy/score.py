@@ -11,7 +11,7 @@ import random
 import subprocess
 import time
 
-from draw import APART, ASKED, Facts
+from draw import APART, ASKED, Facts, as_place
 
 
 def read(path):
@@ -138,7 +138,7 @@ def source_line(base, place):
 
 
 def spell(place):
-    return ':'.join(str(place[part]) for part in ('file', 'line', 'column') if part in place)
+    return f"{place['file']}:{place['line']}:{place['column']}"
 
 
 def list_wrong(base, drawn, answers, count, kinds, verdicts, seed):
@@ -190,35 +190,49 @@ class Seen:
         return not self.facts.rows("select 1 from place where file=? and line=? and column=? and kind='open'", file, line, column)
 
 
-def score_uses(base, tool, options):
-    """The compiler's places among those of the tool, and the tool's certain ones among the compiler's."""
-    seen, missed, false = Seen(base), [], []
-    wanted = found = certain = right = judged = possible = failed = 0
-    for declaration in read(base.drawn('uses'))[:options.first or None]:
-        if options.kind and declaration['kind'] not in options.kind:
-            continue
-        answered = tool.json(base, 'uses', spell({part: declaration[part] for part in ('file', 'line', 'column')})).get('uses')
-        failed += answered is None
-        told = {(below(base.root, use['file'], base.root), use['line'], use['column']): use['certainty'] for use in answered or []}
-        compiler = {(use['file'], use['line'], use['column']) for use in declaration['uses']}
-        spared = {(use['file'], use['line'], use['column']) for use in declaration['spared']}
-        wanted, found = wanted + len(compiler), found + len(compiler & told.keys())
-        missed += [(declaration, place) for place in sorted(compiler - told.keys())]
+def places_of(uses):
+    return {(use['file'], use['line'], use['column']) for use in uses}
+
+
+class UsesCount:
+    """The compiler's places among the tool's (`wanted`, `found`), and the tool's certain ones among the compiler's."""
+
+    def __init__(self, seen):
+        self.seen = seen
+        self.asked = self.failed = self.wanted = self.found = self.certain = self.judged = self.right = self.possible = 0
+        self.missed, self.false = [], []
+
+    def add(self, declaration, told):
+        """`told` maps places to their certainty; None where the tool gave no answer."""
+        self.asked, self.failed = self.asked + 1, self.failed + (told is None)
+        told, compiler, spared = told or {}, places_of(declaration['uses']), places_of(declaration['spared'])
         sure = {place for place, certainty in told.items() if certainty == 'certain'}
-        certain, possible = certain + len(sure), possible + len(told) - len(sure)
-        judgeable = {place for place in sure - spared if place in compiler or seen.judges(*place)}
-        judged, right = judged + len(judgeable), right + len(judgeable & compiler)
-        false += [(declaration, place) for place in sorted(judgeable - compiler)]
-    print(f'{base.name}: uses of {len(read(base.drawn("uses")))} declarations')
-    if failed:
-        print(f'  no answer for {failed} of them')
-    print(f'  of the {wanted} places of the compiler {found} are named, {100 * found / max(1, wanted):.1f} %')
-    print(f'  of {certain} certain places the compiler can judge {judged}, {right} are its own, {100 * right / max(1, judged):.1f} %')
-    print(f'  {possible} places are told as possible')
-    for title, places in (('missed', missed), ('certain and not the compiler\'s', false)):
+        judged = {place for place in sure - spared if place in compiler or self.seen.judges(*place)}
+        self.wanted, self.found = self.wanted + len(compiler), self.found + len(compiler & told.keys())
+        self.certain, self.possible = self.certain + len(sure), self.possible + len(told) - len(sure)
+        self.judged, self.right = self.judged + len(judged), self.right + len(judged & compiler)
+        self.missed += [(declaration, place) for place in sorted(compiler - told.keys())]
+        self.false += [(declaration, place) for place in sorted(judged - compiler)]
+
+    def show(self, title):
+        print(f'{title}: uses of {self.asked} declarations' + (f', no answer for {self.failed}' if self.failed else ''))
+        print(f'  of the {self.wanted} places of the compiler {self.found} are named, {100 * self.found / max(1, self.wanted):.1f} %')
+        print(f'  of {self.certain} certain places the compiler can judge {self.judged}, and {self.right} are its own, '
+              f'{100 * self.right / max(1, self.judged):.1f} %')
+        print(f'  {self.possible} places are told as possible')
+
+
+def score_uses(base, tool, options):
+    count = UsesCount(Seen(base))
+    for declaration in read(base.drawn('uses'))[:options.first or None]:
+        if not options.kind or declaration['kind'] in options.kind:
+            uses = tool.json(base, 'uses', spell(declaration)).get('uses')
+            count.add(declaration, uses and {(below(base.root, use['file'], base.root), use['line'], use['column']): use['certainty'] for use in uses})
+    count.show(base.name)
+    for title, places in (('missed', count.missed), ("certain and not the compiler's", count.false)):
         for declaration, place in random.Random(options.seed).sample(places, min(options.wrong, len(places))):
-            place = dict(zip(('file', 'line', 'column'), place))
-            print(f"\n{spell(place)}: {title}, {declaration['kind']} {declaration['name']} of {spell(declaration)[:90]}")
+            place = as_place(place)
+            print(f"\n{spell(place)}: {title}: {declaration['kind']} {declaration['name']} of {spell(declaration)}")
             print(f'    {source_line(base, place).strip()}')
     print()
 
