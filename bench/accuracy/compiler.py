@@ -6,13 +6,13 @@ files of the code base that clang has read:
   unit         the translation units, with their errors
   included     the files of the code base that a unit reads
   place        each identifier that stands for a declaration: where it is, what it is called, and which place declares it.
-               kind 'open' is a name that clang leaves open, as in a template; no `to` is a declaration outside the folder
+               kind 'open' is a name that clang leaves open, as in a template; no `to` is a declaration outside the folder.
+               Inactive branches, the texts of macros and a few names in templates have no place
   declaration  each declaration with the name that is common to all its redeclarations (clang's USR)
   class        each class that is defined, with its direct bases; `macro` where a macro gives it its name
-  blind        lines that clang can't judge: inactive branches and the texts of macros
 
 File names are relative to the folder of the code base; lines and columns count from 1, columns in bytes. A header is walked
-in the first unit that reads it, by which it is also told which of its branches are active.
+in the first unit that reads it, which also decides on its branches.
 """
 import ctypes
 import json
@@ -36,13 +36,11 @@ create table declaration(usr text, file text, line integer, column integer, name
     unit integer, primary key(usr, file, line, column)) without rowid;
 create table class(file text, line integer, column integer, head integer, name text, kind text, bases text,
     macro integer, primary key(file, line, column)) without rowid;
-create table blind(file text, first integer, last integer);
 '''
 
 INDEXES = '''
 create index place_to on place(toFile, toLine, toColumn);
 create index declaration_at on declaration(file, line, column);
-create index blind_at on blind(file);
 create index included_at on included(unit);
 '''
 
@@ -73,13 +71,7 @@ BREAK, CONTINUE, RECURSE = 0, 1, 2
 WORD = re.compile(rb'[A-Za-z_]\w*')
 lib = cindex.conf.lib
 
-
-class RangeList(ctypes.Structure):
-    _fields_ = [('count', ctypes.c_uint), ('ranges', ctypes.POINTER(cindex.SourceRange))]
-
-
 # Not among the functions that the bindings know.
-lib.clang_getAllSkippedRanges.restype = ctypes.POINTER(RangeList)
 lib.clang_getFileLocation.argtypes = [cindex.SourceLocation] + [ctypes.c_void_p] * 4
 
 
@@ -104,12 +96,11 @@ class Walk:
         self.tu, self.number = tu, number
         self.names = {}       # by the address of clang's file, which is another one in each unit
         self.targets = {}     # by the address of clang's declaration
-        self.places, self.declarations, self.classes, self.blind = {}, {}, {}, []
+        self.places, self.declarations, self.classes = {}, {}, {}
         self.failure = None
         lib.clang_visitChildren(tu.cursor, cindex.callbacks['cursor_visit'](self.visit), None)
         if self.failure:
             raise self.failure
-        self.skipped()
 
     def text(self, name):
         if name not in self.texts:
@@ -142,9 +133,8 @@ class Walk:
     def look(self, cursor, parent):
         cursor._tu = self.tu
         file, line, column, offset = self.where(lib.clang_getCursorLocation(cursor))
-        if file is None:
-            return CONTINUE
-        if file in self.done:
+        if file is None or file in self.done:
+            # What an expression implies has no place, and yet children that have.
             return CONTINUE if parent._kind_id == Kind.TRANSLATION_UNIT.value else RECURSE
         kind, place = cursor._kind_id, (file, line, column)
         if kind in KIND_OF:
@@ -173,8 +163,6 @@ class Walk:
         name, kind = cursor.spelling.split('<')[0], self.kind(cursor)
         if not name or cursor._kind_id == ALIAS_TEMPLATE:  # whose alias follows
             return
-        if kind == 'macro':
-            self.blind.append((place[0], place[1], cursor.extent.end.line))
         usr = cursor.get_usr() if kind != 'macro' else ''
         usr = usr or ':'.join(map(str, place))
         self.declarations[(usr, *place)] = (name, kind, int(cursor.is_definition()))
@@ -186,7 +174,8 @@ class Walk:
         if written:
             self.places[place] = (0, name, kind, 1, place, None)
         if CLASS_OF.get(cursor._kind_id, 'union') != 'union' and cursor.is_definition():
-            self.classes[place] = (cursor.extent.start.line, name, CLASS_OF[cursor._kind_id], json.dumps(self.bases(cursor)), int(not written))
+            self.classes[place] = (cursor.extent.start.line, name, CLASS_OF[cursor._kind_id],
+                                   json.dumps(self.bases(cursor)), int(not written))
 
     def instantiates(self, cursor):
         """True for `template class A<int>;`, which clang takes for a definition, and which only refers to A."""
@@ -232,15 +221,6 @@ class Walk:
         elif rank == 2 and former[0] == 1 and former[4] != to:
             self.places[place] = (*former[:5], to)
 
-    def skipped(self):
-        ranges = lib.clang_getAllSkippedRanges(self.tu)
-        for i in range(ranges.contents.count):
-            extent = ranges.contents.ranges[i]
-            file, line, _, _ = self.where(lib.clang_getRangeStart(extent))
-            if file is not None and file not in self.done:
-                # The range runs from one directive to the next.
-                self.blind.append((file, line + 1, self.where(lib.clang_getRangeEnd(extent))[1] - 1))
-
 
 def arguments(command):
     """The flags of a build's command, without the compiler, the source and what is written."""
@@ -270,7 +250,7 @@ def parse_share(work):
         try:
             tu = index.parse(source, flags, options=cindex.TranslationUnit.PARSE_DETAILED_PROCESSING_RECORD)
         except cindex.TranslationUnitLoadError:
-            found.append(((number, source, -1, -1), [], {}, {}, {}, []))
+            found.append(((number, source, -1, -1), [], {}, {}, {}))
             continue
         errors = [message for message in tu.diagnostics if message.severity >= cindex.Diagnostic.Error]
         missing = sum('file not found' in message.spelling for message in errors)
@@ -279,14 +259,14 @@ def parse_share(work):
         inside = sorted(path[len(root) + 1:] for path in inside if path.startswith(root + '/'))
         done.update(inside)
         name = os.path.relpath(source, root)
-        found.append(((number, name, len(errors), missing), inside, walk.places, walk.declarations, walk.classes, walk.blind))
+        found.append(((number, name, len(errors), missing), inside, walk.places, walk.declarations, walk.classes))
         if len(found) % 50 == 0:
             print(f'  share {share}: {len(found)} units', flush=True)
     return found
 
 
 def keep(database, rows):
-    unit, inside, places, declarations, classes, blind = rows
+    unit, inside, places, declarations, classes = rows
     number = unit[0]
     database.execute('insert into unit values(?,?,?,?)', unit)
     database.executemany('insert into included values(?,?)', [(number, file) for file in inside])
@@ -296,7 +276,6 @@ def keep(database, rows):
     database.executemany('insert or ignore into declaration values(?,?,?,?,?,?,?,?)', [
         (*key, *value, number) for key, value in declarations.items()])
     database.executemany('insert or ignore into class values(?,?,?,?,?,?,?,?)', [(*key, *value) for key, value in classes.items()])
-    database.executemany('insert into blind values(?,?,?)', blind)
 
 
 def chosen(commands, root, limit):

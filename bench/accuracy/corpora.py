@@ -79,7 +79,8 @@ CODE_BASES = {base.name: base for base in [
              flags='-std=c++17 -I$ROOT/src -I$ROOT/Extras/Serialize/BulletWorldImporter -I$ROOT/Extras/Serialize/BulletFileLoader '
                    '-I$ROOT/Extras/ConvexDecomposition -I$ROOT/Extras/HACD -I$ROOT/Extras/GIMPACTUtils',
              sources='(src|Extras)/(?!Bullet3OpenCL|obj2sdf|BulletRobotics).*/[^/]*[.](cpp|c)'),
-    CodeBase('ceres-solver', 'ceres-solver=2.1.0+really2.1.0+dfsg-1', 'numerics: templates, export words, tests in macros', False, limit=130),
+    CodeBase('ceres-solver', 'ceres-solver=2.1.0+really2.1.0+dfsg-1', 'numerics: templates, export words, tests in macros', False,
+             limit=130),
 ]}
 
 

@@ -34,7 +34,8 @@ class Clangd:
         with open(path, 'rb') as source:
             text = source.read()
         lines = text.split(b'\n')
-        self.tell('textDocument/didOpen', {'textDocument': {**document, 'languageId': 'cpp', 'version': 1, 'text': text.decode(errors='replace')}})
+        self.tell('textDocument/didOpen', {'textDocument': {
+            **document, 'languageId': 'cpp', 'version': 1, 'text': text.decode(errors='replace')}})
         for position, place in places:
             before = lines[place['line'] - 1][:place['column'] - 1].decode(errors='replace')
             found = self.ask('textDocument/definition', {'textDocument': document, 'position': {

@@ -11,6 +11,7 @@ import random
 import subprocess
 import time
 
+from compiler import last_name
 from draw import APART, ASKED, Facts, as_place
 
 
@@ -173,21 +174,13 @@ def score_at(base, who, answerer, options):
 
 
 class Seen:
-    """Which places clang can judge."""
+    """Which places the compiler can judge: not those in inactive branches, in texts of macros, in comments."""
 
     def __init__(self, base):
         self.facts = Facts(base.facts)
-        self.files = {file for file, in self.facts.rows('select distinct file from included')}
-        self.blind = {}
 
     def judges(self, file, line, column):
-        if file not in self.files:
-            return False
-        if file not in self.blind:
-            self.blind[file] = self.facts.rows('select first, last from blind where file=?', file)
-        if any(first <= line <= last for first, last in self.blind[file]):
-            return False
-        return not self.facts.rows("select 1 from place where file=? and line=? and column=? and kind='open'", file, line, column)
+        return bool(self.facts.rows("select 1 from place where file=? and line=? and column=? and kind<>'open'", file, line, column))
 
 
 def places_of(uses):
@@ -222,12 +215,19 @@ class UsesCount:
         print(f'  {self.possible} places are told as possible')
 
 
+def uses_told(base, tool, declaration):
+    """The places that the tool gives with their certainty; None where it gives no answer."""
+    uses = tool.json(base, 'uses', spell(declaration)).get('uses')
+    if uses is None:
+        return None
+    return {(below(base.root, use['file'], base.root), use['line'], use['column']): use['certainty'] for use in uses}
+
+
 def score_uses(base, tool, options):
     count = UsesCount(Seen(base))
     for declaration in read(base.drawn('uses'))[:options.first or None]:
         if not options.kind or declaration['kind'] in options.kind:
-            uses = tool.json(base, 'uses', spell(declaration)).get('uses')
-            count.add(declaration, uses and {(below(base.root, use['file'], base.root), use['line'], use['column']): use['certainty'] for use in uses})
+            count.add(declaration, uses_told(base, tool, declaration))
     count.show(base.name)
     for title, places in (('missed', count.missed), ("certain and not the compiler's", count.false)):
         for declaration, place in random.Random(options.seed).sample(places, min(options.wrong, len(places))):
@@ -237,35 +237,47 @@ def score_uses(base, tool, options):
     print()
 
 
-def base_names(row):
-    """The direct bases as a tool of today or of tomorrow tells them."""
+def bases_told(row):
+    """The direct bases; without `bases` the only one that `base` names."""
     if 'bases' in row:
-        return [(base['name'].split('<')[0].split('::')[-1].strip(), base.get('access'), base.get('virtual')) for base in row['bases']]
-    return [(row['base'].split('<')[0].split('::')[-1], None, None)] if row.get('base') else []
+        return [(last_name(base['name']), base.get('access'), base.get('virtual')) for base in row['bases']]
+    return [(last_name(row['base']), None, None)] if row.get('base') else []
+
+
+class ClassesCount:
+    """Classes by file and name; where a head takes several lines, any of them up to the name is its place."""
+
+    def __init__(self, told):
+        self.told, self.all, self.found, self.names, self.whole, self.missed = told, 0, 0, 0, 0, []
+
+    def add(self, wanted):
+        self.all += 1
+        rows = [row for row in self.told.get((wanted['file'], wanted['name']), []) if wanted['head'] <= row['line'] <= wanted['line']]
+        if not rows:
+            self.missed.append((wanted, 'not found'))
+            return
+        compiler, tool = [(base['name'], base['access'], base['virtual']) for base in wanted['bases']], bases_told(rows[0])
+        by_name = [[name for name, *_ in bases] for bases in (tool, compiler)]
+        self.found += 1
+        self.names += by_name[0] == by_name[1]
+        self.whole += tool == compiler
+        if tool != compiler:
+            self.missed.append((wanted, f'bases {tool}, by clang {compiler}'))
+
+    def show(self, title):
+        share = lambda count: f'{count} ({100 * count / max(1, self.all):.1f} %)'
+        print(f'{title}: {self.all} classes, found {share(self.found)}, bases right by name {share(self.names)}, '
+              f'by access and virtual too {share(self.whole)}')
 
 
 def score_classes(base, tool, options):
-    """Classes by file, line and name; where a head takes several lines, any of them up to the name is its place."""
     told = {}
     for row in tool.json(base, 'classes', '.').get('classes', []):
-        told.setdefault((below(base.root, row['file'], base.root), row['name'].split('<')[0].split('::')[-1]), []).append(row)
-    drawn = read(base.drawn('classes'))
-    found = names = whole = 0
-    missed = []
-    for wanted in drawn:
-        rows = [row for row in told.get((wanted['file'], wanted['name']), []) if wanted['head'] <= row['line'] <= wanted['line']]
-        if not rows:
-            missed.append((wanted, 'not found'))
-            continue
-        found += 1
-        compiler = [(row['name'], row['access'], row['virtual']) for row in wanted['bases']]
-        tools = base_names(rows[0])
-        same = [name for name, *_ in compiler] == [name for name, *_ in tools]
-        names, whole = names + same, whole + (compiler == tools)
-        if not same:
-            missed.append((wanted, f"bases {[name for name, *_ in tools]}, by clang {[name for name, *_ in compiler]}"))
-    share = lambda count: f'{count} ({100 * count / max(1, len(drawn)):.1f} %)'
-    print(f'{base.name}: {len(drawn)} classes, found {share(found)}, bases right by name {share(names)}, by access and virtual too {share(whole)}')
-    for wanted, why in random.Random(options.seed).sample(missed, min(options.wrong, len(missed))):
+        told.setdefault((below(base.root, row['file'], base.root), last_name(row['name'])), []).append(row)
+    count = ClassesCount(told)
+    for wanted in read(base.drawn('classes')):
+        count.add(wanted)
+    count.show(base.name)
+    for wanted, why in random.Random(options.seed).sample(count.missed, min(options.wrong, len(count.missed))):
         print(f"\n{spell(wanted)}: {wanted['name']}: {why}\n    {source_line(base, wanted).strip()}")
     print()
