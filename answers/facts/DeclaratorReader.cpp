@@ -300,7 +300,8 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         if (IsMark(behind, '=') || (IsMark(behind, '{') && !isRange) || isRange) {
             const bool isBrace = IsMark(behind, '{');
             const int begin = isBrace ? behind : behind + 1;
-            past = isRange ? T(behind).partner : PastInitial(begin, bound);
+            const int header = contexts.back().header;
+            past = isRange && header > begin ? header : PastInitial(begin, bound);
             if (WantsBodies()) {
                 At(declared).initial = begin;
                 At(declared).initialPast = past;

@@ -115,7 +115,7 @@ void Names::Add(int file) {
             entities[static_cast<std::size_t>(of[static_cast<std::size_t>(each.body)])].definitions.push_back(
                 ref);
         if (each.kind == FactKind::Namespace) {
-            if (each.body >= 0)
+            if (each.body >= 0 && !each.Has(IsInline) && !each.Has(IsUnnamed))
                 entities[static_cast<std::size_t>(of[static_cast<std::size_t>(each.body)])]
                     .openings.push_back(ref);
             continue;

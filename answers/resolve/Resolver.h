@@ -65,7 +65,7 @@ public:
 private:
     // A declaration of the opened file that holds only in one of its bodies.
     static constexpr int localFile = -2;
-    static constexpr int deepest = 24; // steps from one type to the next
+    static constexpr int deepest = 60; // steps from one type to the next
 
     // From where a name is looked for.
     struct Where {

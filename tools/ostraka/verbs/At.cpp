@@ -265,7 +265,7 @@ struct AskedPlace {
     std::size_t line;
 };
 
-std::string AnswerLine(CodeSession& session, const FilePlace& asked) {
+std::string AnswerLine(Run& run, CodeSession& session, const FilePlace& asked) {
     std::string line;
     JsonWriter json(line);
     json.BeginObject();
@@ -276,6 +276,7 @@ std::string AnswerLine(CodeSession& session, const FilePlace& asked) {
         declared = resolver.Ask(resolver.Opened().OffsetOf(asked.place));
     } else {
         json.Member("error", "can't be read");
+        run.Fail("place", asked.file, {std::nullopt, "can't be read"});
     }
     json.List("declared", declared,
               [&](const PlaceAnswer& each) { json.Object([&] { DeclaredMembers(json, session, each); }); });
@@ -288,10 +289,10 @@ void RunPlaces(Run& run) {
     std::string problem;
     const auto list = ReadFile(run.request.places, problem);
     if (!list) {
+        run.Count("list");
         run.Fail("list", run.request.places, {std::nullopt, problem});
         return;
     }
-    run.Count("list");
     std::vector<AskedPlace> asked;
     std::vector<std::string> paths;
     std::string_view rest(list->buffer, static_cast<std::size_t>(list->size));
@@ -300,6 +301,7 @@ void RunPlaces(Run& run) {
         const std::string text(rest.substr(0, newline));
         rest.remove_prefix(std::min(newline + 1, rest.size()));
         if (text.empty()) continue;
+        run.Count("place");
         const auto place = ParseFilePlace(text);
         if (!place) {
             run.Fail(
@@ -315,7 +317,7 @@ void RunPlaces(Run& run) {
     std::vector<AskedPlace> order = asked;
     std::stable_sort(order.begin(), order.end(),
                      [](const AskedPlace& a, const AskedPlace& b) { return a.place.file < b.place.file; });
-    for (const AskedPlace& each : order) answers[each.line] = AnswerLine(session, each.place);
+    for (const AskedPlace& each : order) answers[each.line] = AnswerLine(run, session, each.place);
     Result result;
     for (const std::string& answer : answers) result.out += answer;
     run.Show(result);
