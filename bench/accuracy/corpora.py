@@ -74,11 +74,11 @@ CODE_BASES = {base.name: base for base in [
              flags='-std=c++17 -fPIC -DDWGSUPPORT -DQC_APPDIR=\'"librecad"\' -DLC_VERSION=\'"2.2.0"\' -I. -isystem /usr/include/muparser '
                    '$(pkg-config --cflags Qt5Widgets Qt5PrintSupport Qt5Svg) '
                    '$(find $ROOT/librecad/src $ROOT/libraries $ROOT/plugins -name "*.h" -printf "-I%h\\n" | sort -u)',
-             sources='(librecad/src|plugins|libraries/libdxfrw/src)/.*[.](cpp|c|cc)'),
+             sources='(librecad/src|plugins|libraries/libdxfrw/src)/(?!.*cadtoolbar).*[.]cpp'),
     CodeBase('bullet', 'bullet=3.24+dfsg-2', 'physics: classes with a prefix, attribute macros before names', False,
              flags='-std=c++17 -I$ROOT/src -I$ROOT/Extras/Serialize/BulletWorldImporter -I$ROOT/Extras/Serialize/BulletFileLoader '
                    '-I$ROOT/Extras/ConvexDecomposition -I$ROOT/Extras/HACD -I$ROOT/Extras/GIMPACTUtils',
-             sources='(src|Extras)/(?!Bullet3OpenCL|obj2sdf|BulletRobotics).*/[^/]*[.](cpp|c)'),
+             sources='(src|Extras)/(?!Bullet3OpenCL|obj2sdf|BulletRobotics|VHACD/test|Serialize/(Blend|Read|Head)).*/[^/]*[.]cpp'),
     CodeBase('ceres-solver', 'ceres-solver=2.1.0+really2.1.0+dfsg-1', 'numerics: templates, export words, tests in macros', False,
              limit=130),
 ]}
