@@ -145,11 +145,13 @@ private:
     void EndBodies(int i) {
         const Token& token = tokens[Index(i)];
         if (token.kind != TokenKind::Word || tokens[Index(i + 1)].Is(':')) return;
+        int outermost = -1;
         while (levels.size() > 1 && levels.back().isFunction && levels.back().indent >= indent) {
             while (tokens[Index(open.back())].code != '{') Drop();
-            tokens[Index(open.back())].partner = i - 1;
+            outermost = open.back();
             Drop();
         }
+        if (outermost >= 0) tokens[Index(outermost)].partner = i - 1;
     }
 
     const std::string_view source;

@@ -391,7 +391,7 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
     if (!InClass() && isBody && hasParameters) return false; // `main() {`
     facts.calls.push_back({facts.texts.Keep(name), Join(open + 1, past - 1), OffsetAt(chain.name), scope});
     if (isBody && WantsBodies()) {
-        const int function = OpenScope(ScopeKind::Function, open, PastBracket(past) - 1, -1);
+        const int function = OpenScope(ScopeKind::Function, open, EndOfBody(past), -1);
         EnterBody(Place::Block, past, function);
         return true;
     }
@@ -550,7 +550,7 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
     }
     int bodyPast = past;
     if (bodyOpen >= 0) {
-        bodyPast = T(bodyOpen).partner < 0 ? contexts.back().past : T(bodyOpen).partner;
+        bodyPast = EndOfBody(bodyOpen);
         At(declared).flags |= HasBody;
     }
     const int function_scope =
