@@ -346,6 +346,7 @@ int FactReader::PastInitial(int from, int bound) const {
     while (at < bound) {
         const Token& token = T(at);
         if (token.Is(';') || token.Is(',') || token.Is('}') || token.Is(')')) break;
+        if (token.Is('{') && token.partner < 0) return bound;
         if (token.Is('(') || token.Is('[') || token.Is('{')) {
             at = PastBracket(at);
             continue;
