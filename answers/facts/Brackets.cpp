@@ -10,8 +10,8 @@
 
 #include <answers/facts/Brackets.h>
 
-#include <algorithm>
 #include <unordered_map>
+#include <utility>
 
 namespace ostraka::answers {
 
@@ -41,6 +41,8 @@ private:
         int squares = 0;
         int indent = 0;          // of the statement that opens it
         bool isFunction = false; // or a statement with parentheses
+        bool isIndented = false; // its first line stands further in
+        bool hasLines = false;
     };
 
     static std::size_t Index(int i) { return static_cast<std::size_t>(i); }
@@ -71,7 +73,7 @@ private:
 
     void Open(int i) {
         Level level;
-        level.indent = statementIndent;
+        level.indent = beginsLine ? indent : statementIndent;
         level.isFunction = i > 0 && tokens[Index(i - 1)].Is(')');
         if (looksAtLines) ++openAt[level.indent];
         levels.push_back(level);
@@ -138,18 +140,38 @@ private:
         const Token before = i > 0 ? tokens[Index(i - 1)] : Token{};
         const bool endsStatement = i == 0 || before.Is(';') || before.Is('{') || before.Is('}');
         if (endsStatement || (beginsLine && before.Is(':'))) statementIndent = indent;
+        if (beginsLine && !std::exchange(levels.back().hasLines, true))
+            levels.back().isIndented = indent > levels.back().indent;
         if (beginsLine && endsStatement) EndBodies(i);
+    }
+
+    // Whether a declaration may begin with the token: two words, or one and the mark of a type.
+    bool LooksDeclared(int i) const {
+        constexpr Keyword others[] = {Kw_return, Kw_delete, Kw_else,  Kw_case, Kw_throw,
+                                      Kw_new,    Kw_do,     Kw_catch, Kw_goto, Kw_co_await};
+        const Token& token = tokens[Index(i)];
+        const Token& next = tokens[Index(i + 1)];
+        if (token.kind != TokenKind::Word) return false;
+        for (const Keyword other : others)
+            if (token.code == other) return false;
+        return next.kind == TokenKind::Word || next.Is('*') || next.Is('&') || next.Is('<') ||
+               next.Is(ColonsMark);
     }
 
     // What begins no further in than the function before it isn't in that function.
     void EndBodies(int i) {
-        const Token& token = tokens[Index(i)];
-        if (token.kind != TokenKind::Word || tokens[Index(i + 1)].Is(':')) return;
-        while (levels.size() > 1 && levels.back().isFunction && levels.back().indent >= indent) {
+        if (!LooksDeclared(i)) return;
+        int outermost = -1;
+        const auto isLeft = [this] {
+            const Level& level = levels.back();
+            return level.isFunction && level.isIndented && level.indent >= indent;
+        };
+        while (levels.size() > 1 && isLeft()) {
             while (tokens[Index(open.back())].code != '{') Drop();
-            tokens[Index(open.back())].partner = i - 1;
+            outermost = open.back();
             Drop();
         }
+        if (outermost >= 0) tokens[Index(outermost)].partner = i - 1;
     }
 
     const std::string_view source;

@@ -347,6 +347,7 @@ int FactReader::PastInitial(int from, int bound) const {
     while (at < bound) {
         const Token& token = T(at);
         if (token.Is(';') || token.Is(',') || token.Is('}') || token.Is(')')) break;
+        if (token.Is('{') && token.partner < 0) return bound;
         if (token.Is('(') || token.Is('[') || token.Is('{')) {
             at = PastBracket(at);
             continue;
@@ -392,7 +393,7 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
     if (!InClass() && isBody && hasParameters) return false; // `main() {`
     facts.calls.push_back({facts.texts.Keep(name), Join(open + 1, past - 1), OffsetAt(chain.name), scope});
     if (isBody && WantsBodies()) {
-        const int function = OpenScope(ScopeKind::Function, open, PastBracket(past) - 1, -1);
+        const int function = OpenScope(ScopeKind::Function, open, EndOfBody(past), -1);
         EnterBody(Place::Block, past, function);
         return true;
     }
@@ -551,7 +552,7 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
     }
     int bodyPast = past;
     if (bodyOpen >= 0) {
-        bodyPast = T(bodyOpen).partner < 0 ? contexts.back().past : T(bodyOpen).partner;
+        bodyPast = EndOfBody(bodyOpen);
         At(declared).flags |= HasBody;
     }
     const int function_scope =

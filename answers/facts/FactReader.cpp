@@ -291,7 +291,7 @@ void FactReader::NamespaceDeclaration() {
         return;
     }
     const int open = i;
-    const int past = T(open).partner < 0 ? contexts.back().past : T(open).partner;
+    const int past = EndOfBody(open);
     const int outer = scope;
     if (names.empty()) names.push_back({-1, false});
     for (const Part& part : names) {
@@ -422,6 +422,10 @@ void FactReader::TemplateParameters(int first, int past, int paramScope) {
             if (IsMark(at, '>') && depthOfAngles > 0) --depthOfAngles;
             if (depthOfAngles > 0 || !IsMark(at, ',')) continue;
         }
+        if (at == begin) { // `template <>`
+            begin = at + 1;
+            continue;
+        }
         int end = begin; // of the name and what stands before it
         int angles = 0;
         for (; end < at; ++end) {
@@ -480,7 +484,7 @@ void FactReader::EnumDeclaration(Head head) {
     }
     head.flags |= HasBody;
     if (name < 0) head.flags |= IsUnnamed;
-    const int past = T(at).partner < 0 ? contexts.back().past : T(at).partner;
+    const int past = EndOfBody(at);
     const int declared =
         Add(FactKind::Enum, name < 0 ? std::string_view() : TextAt(name), name < 0 ? keyword : name, head);
     At(declared).past = PastOf(past);
@@ -575,7 +579,7 @@ bool FactReader::ClassDeclaration(Head head) {
         if (!IsMark(open, '{')) return false; // a bit field of such a type
     }
     if (opensBody || (hasBases && IsMark(open, '{'))) {
-        const int past = T(open).partner < 0 ? contexts.back().past : T(open).partner;
+        const int past = EndOfBody(open);
         head.flags |= HasBody;
         if (words == 0) head.flags |= IsUnnamed;
         const int name = words == 0 ? keyword : chain.name;

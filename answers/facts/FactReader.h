@@ -130,6 +130,8 @@ private:
     bool IsWord(int at) const { return T(at).kind == TokenKind::Word; }
     bool IsName(int at) const { return T(at).IsName() || IsKey(at, Kw_final) || IsKey(at, Kw_override); }
     int PastBracket(int open) const;
+    // Its closing brace; without one the end of what the body stands in.
+    int EndOfBody(int open) const;
     bool BeginsLine(int at) const;
     std::uint32_t IndentAt(int at) const;
     bool IsBuiltinType(int i) const;

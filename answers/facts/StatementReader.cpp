@@ -36,8 +36,7 @@ bool IsStorageOrAlike(std::uint8_t keyword) {
 
 void FactReader::AtBlockStatement() {
     const Token& token = T(i);
-    if (token.Is('{'))
-        return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, PastBracket(i) - 1, -1));
+    if (token.Is('{')) return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
     if (token.kind != TokenKind::Word) {
         if (token.Is(ColonsMark) && Declaration(Mode::Statement)) return;
         statementBegins = false;
@@ -137,7 +136,7 @@ int FactReader::PastStatement(int from) {
             ++at;
             continue;
         }
-        at = token.Is('{') ? PastBracket(at) : std::min(SemicolonFrom(at, bound) + 1, bound);
+        at = std::min((token.Is('{') ? EndOfBody(at) : SemicolonFrom(at, bound)) + 1, bound);
         if (hasDo && IsKey(at, Kw_while)) at = std::min(SemicolonFrom(at, bound) + 1, bound);
         if (!(hasIf && IsKey(at, Kw_else)) && !IsKey(at, Kw_catch)) break;
     }
@@ -180,7 +179,7 @@ void FactReader::WithinStatement() {
         return;
     case '{':
         if (InBlock() && WantsBodies()) {
-            return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, PastBracket(i) - 1, -1));
+            return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
         }
         i = PastBracket(i);
         statementBegins = !IsMark(i, ';') && !IsMark(i, ',') && !IsMark(i, ')');
@@ -227,7 +226,7 @@ void FactReader::LambdaAt(int open) {
         ++i;
         return;
     }
-    const int function = OpenScope(ScopeKind::Function, open, PastBracket(body) - 1, -1);
+    const int function = OpenScope(ScopeKind::Function, open, EndOfBody(body), -1);
     const int outer = scope;
     scope = function;
     declarationFirst = open;
@@ -366,6 +365,12 @@ int FactReader::PastAttributes(int from) const {
 int FactReader::PastBracket(int open) const {
     const int partner = T(open).partner;
     return partner > open ? partner + 1 : open + 1;
+}
+
+int FactReader::EndOfBody(int open) const {
+    if (T(open).partner >= 0) return T(open).partner;
+    const Context& around = contexts.back();
+    return around.isBraced || contexts.size() == 1 ? around.past : around.past - 1;
 }
 
 bool FactReader::BeginsLine(int at) const {
