@@ -73,8 +73,7 @@ public:
     Listing(const Request& theRequest, const Session& asked, const std::vector<std::string>& files)
         : request(theRequest), session(asked), code(theRequest, files), classes(MakeClasses(files)) {
         NamedFiles wanted(files);
-        std::map<std::pair<std::string, std::string_view>, const TAPDefClass*>
-            records; // by file and name
+        std::map<std::pair<std::string, std::string_view>, const TAPDefClass*> records; // by file and name
         for (const TAPDefClass* record : ClassesOf(session.Table()))
             if (record->path != nullptr && wanted.Hold(record->path->filePath.View()))
                 records.emplace(std::pair(Real(std::string(record->path->filePath.View())),
