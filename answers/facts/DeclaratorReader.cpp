@@ -555,17 +555,17 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
         bodyPast = EndOfBody(bodyOpen);
         At(declared).flags |= HasBody;
     }
-    const int function_scope =
+    const int functionScope =
         OpenScope(ScopeKind::Function, open, bodyOpen >= 0 ? bodyPast : std::max(close - 1, past), declared);
-    At(declared).body = function_scope;
+    At(declared).body = functionScope;
     At(declared).past = PastOf(bodyPast);
     const int outer = scope;
-    Parameters(open, function_scope);
+    Parameters(open, functionScope);
     if (kAndR >= 0) KAndRBody(close, kAndR);
     scope = outer;
     if (bodyOpen >= 0) {
         if (WantsBodies()) {
-            EnterBody(Place::Block, bodyOpen, function_scope);
+            EnterBody(Place::Block, bodyOpen, functionScope);
         } else {
             i = bodyPast + 1;
             statementBegins = true;

@@ -12,8 +12,6 @@ namespace ostraka::answers {
 
 namespace {
 
-constexpr int widestAngles = 4000; // tokens between an angle bracket and its partner
-
 bool EndsWithoutCase(std::string_view path, std::string_view ending) {
     if (path.size() < ending.size()) return false;
     path.remove_prefix(path.size() - ending.size());

@@ -3,6 +3,7 @@
 // beyond that nothing is known.
 
 #include <algorithm>
+#include <span>
 
 #include <answers/resolve/Resolver.h>
 
@@ -61,9 +62,8 @@ constexpr std::string_view pointerGivers[] = {"get",         "data",        "rel
 constexpr std::string_view elementGivers[] = {"front", "back", "top",       "at",       "value", "value_or",
                                               "first", "last", "takeFirst", "takeLast", "pop"};
 
-template <std::size_t N>
-bool IsAmong(const std::string_view (&all)[N], std::string_view text) {
-    return std::find(std::begin(all), std::end(all), text) != std::end(all);
+bool IsAmong(std::span<const std::string_view> all, std::string_view text) {
+    return std::find(all.begin(), all.end(), text) != all.end();
 }
 
 } // namespace

@@ -60,7 +60,7 @@ bool FolderMemory::Folder::MayHold(std::string_view name) const {
     return !IsPlain(first) || names.contains(Lowered(first));
 }
 
-void FolderMemory::Folder::Look(const char* path, std::chrono::nanoseconds longestWait) {
+void FolderMemory::Folder::Look(const char* path, std::chrono::nanoseconds most) {
     struct stat status;
     const State former = state;
     state = State::Absent;
@@ -76,8 +76,8 @@ void FolderMemory::Folder::Look(const char* path, std::chrono::nanoseconds longe
     version = present;
     timespec now;
     clock_gettime(CLOCK_REALTIME, &now);
-    const auto wait = std::min(longestWait, FinenessOf(status.st_ctim));
-    if (TimeOf(now) - TimeOf(status.st_ctim) >= wait) List(path);
+    const auto needed = std::min(most, FinenessOf(status.st_ctim));
+    if (TimeOf(now) - TimeOf(status.st_ctim) >= needed) List(path);
 }
 
 void FolderMemory::Folder::List(const char* path) {

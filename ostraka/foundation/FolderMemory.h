@@ -32,7 +32,7 @@ public:
         // Device, inode and the time of the last change, which nobody can set.
         using Version = std::tuple<dev_t, ino_t, std::chrono::nanoseconds>;
 
-        void Look(const char* path, std::chrono::nanoseconds longestWait);
+        void Look(const char* path, std::chrono::nanoseconds most);
         void List(const char* path);
 
         State state = State::Unlisted;

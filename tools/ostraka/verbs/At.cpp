@@ -265,7 +265,8 @@ struct AskedPlace {
     std::size_t line;
 };
 
-std::string AnswerLine(Run& run, CodeSession& session, const FilePlace& asked) {
+// `isRead` becomes false for a file that can't be read.
+std::string AnswerLine(CodeSession& session, const FilePlace& asked, bool& isRead) {
     std::string line;
     JsonWriter json(line);
     json.BeginObject();
@@ -276,7 +277,7 @@ std::string AnswerLine(Run& run, CodeSession& session, const FilePlace& asked) {
         declared = resolver.Ask(resolver.Opened().OffsetOf(asked.place));
     } else {
         json.Member("error", "can't be read");
-        run.Fail("place", asked.file, {std::nullopt, "can't be read"});
+        isRead = false;
     }
     json.List("declared", declared,
               [&](const PlaceAnswer& each) { json.Object([&] { DeclaredMembers(json, session, each); }); });
@@ -317,7 +318,14 @@ void RunPlaces(Run& run) {
     std::vector<AskedPlace> order = asked;
     std::stable_sort(order.begin(), order.end(),
                      [](const AskedPlace& a, const AskedPlace& b) { return a.place.file < b.place.file; });
-    for (const AskedPlace& each : order) answers[each.line] = AnswerLine(run, session, each.place);
+    std::string lastUnread;
+    for (const AskedPlace& each : order) {
+        bool isRead = true;
+        answers[each.line] = AnswerLine(session, each.place, isRead);
+        if (isRead || each.place.file == lastUnread) continue;
+        lastUnread = each.place.file;
+        run.Fail("place", lastUnread, {std::nullopt, "can't be read"});
+    }
     Result result;
     for (const std::string& answer : answers) result.out += answer;
     run.Show(result);
