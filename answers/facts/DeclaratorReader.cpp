@@ -172,15 +172,19 @@ bool FactReader::StructuredBinding(const Head& head, int open, Mode mode) {
     if (!IsMark(close + 1, '=') && !IsMark(close + 1, ':') && !IsMark(close + 1, '{') &&
         !IsMark(close + 1, '('))
         return false;
+    const bool isRange = mode == Mode::ForInit && IsMark(close + 1, ':');
     for (int at = open + 1; at < close; ++at) {
         if (!IsName(at)) continue;
         Head each = head;
-        each.flags |= IsBinding;
+        each.flags |= isRange ? IsBinding | IsRangeElement : IsBinding;
         const int declared = Add(FactKind::Variable, TextAt(at), at, each);
         At(declared).past = PastOf(close);
         At(declared).type = "auto";
+        if (!WantsBodies()) continue;
+        At(declared).initial = IsMark(close + 1, '{') || IsMark(close + 1, '(') ? close + 1 : close + 2;
+        At(declared).initialPast =
+            isRange ? contexts.back().header : PastInitial(close + 2, contexts.back().past);
     }
-    (void)mode;
     i = close + 1;
     statementBegins = false;
     return true;
@@ -300,7 +304,7 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
         if (IsMark(behind, '=') || (IsMark(behind, '{') && !isRange) || isRange) {
             const bool isBrace = IsMark(behind, '{');
             const int begin = isBrace ? behind : behind + 1;
-            past = isRange ? T(behind).partner : PastInitial(begin, bound);
+            past = isRange ? contexts.back().header : PastInitial(begin, bound);
             if (WantsBodies()) {
                 At(declared).initial = begin;
                 At(declared).initialPast = past;

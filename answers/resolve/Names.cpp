@@ -15,7 +15,7 @@ bool IsClassLike(FactKind kind) {
 
 // The next part of "ns::List<int>::Node" without its arguments; steps behind it.
 std::string_view NextPart(std::string_view& rest) {
-    while (rest.starts_with("::") || rest.starts_with(" ")) rest.remove_prefix(1);
+    while (rest.starts_with(':') || rest.starts_with(' ')) rest.remove_prefix(1);
     std::size_t size = 0;
     while (size < rest.size() && TokenList::IsWordCharacter(rest[size])) ++size;
     const std::string_view part = rest.substr(0, size);

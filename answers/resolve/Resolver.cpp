@@ -250,6 +250,7 @@ Resolver::Found Resolver::LookIn(std::string_view name, const Type& owner, Wante
 
 // The class itself first, then its bases, level by level.
 Resolver::Found Resolver::LookInClass(std::string_view name, const Type& owner, Wanted wanted, int depth) {
+    if (owner.localClass >= 0) return LookInLocalClass(name, owner.localClass, wanted, depth);
     Found found;
     const int id = names.IdOf(name);
     std::vector<Type> level = {owner};
@@ -281,6 +282,22 @@ Resolver::Found Resolver::LookInClass(std::string_view name, const Type& owner, 
         }
         if (depth < deepest)
             for (Type& each : BasesOf(type, depth + 1)) level.push_back(std::move(each));
+    }
+    return found;
+}
+
+Resolver::Found Resolver::LookInLocalClass(std::string_view name, int scope, Wanted wanted, int depth) {
+    Found found;
+    if (const auto declared = locals.find(name); declared != locals.end())
+        for (const int each : declared->second)
+            if (opened.declared[static_cast<std::size_t>(each)].scope == scope) found.refs.push_back({localFile, each});
+    const int declaration = opened.scopes[static_cast<std::size_t>(scope)].declaration;
+    if (!found.refs.empty() || declaration < 0 || depth > deepest) return found;
+    const Declared& owner = opened.declared[static_cast<std::size_t>(declaration)];
+    for (int i = 0; i < owner.bases && found.IsNone(); ++i) {
+        const Base& each = opened.bases[static_cast<std::size_t>(owner.firstBase + i)];
+        const Type type = TypeFromText(each.name, {localFile, owner.scope, owner.at}, nullptr, depth + 1);
+        if (type.HasMembers()) found = LookInClass(name, type, wanted, depth + 1);
     }
     return found;
 }

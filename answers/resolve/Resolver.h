@@ -26,7 +26,9 @@ struct Type {
     std::vector<Type> arguments; // of a template
     int pointers = 0;
     bool isConst = false;
+    int localClass = -1; // of a class in a body of the opened file: its scope
 
+    bool HasMembers() const { return IsClass() || localClass >= 0; }
     bool IsClass() const { return entity > Names::global; }
     bool IsKnown() const { return IsClass() || !name.empty(); }
 };
@@ -101,8 +103,9 @@ private:
     bool LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found);
     Found LookInNamespace(std::string_view name, int entity, Wanted wanted, int depth);
     Found LookInClass(std::string_view name, const Type& owner, Wanted wanted, int depth);
+    Found LookInLocalClass(std::string_view name, int scope, Wanted wanted, int depth);
     Found LookIn(std::string_view name, const Type& owner, Wanted wanted, int depth);
-    Found LookAnywhere(std::string_view name, bool isMember, bool isCalled, bool withinClass);
+    Found LookAnywhere(int token, bool isMember, bool withinClass);
     int ClassOfFunction(const Where& where, int scope, int depth);
     std::vector<Type> BasesOf(const Type& type, int depth);
     DeclarationRef DefinitionOf(int entity);
@@ -112,8 +115,10 @@ private:
     Type TypeFromTokens(const TokenList& list, int first, int past, const Where& where, const Type* owner, int depth);
     Type TypeOfFound(const Found& found, const std::vector<Type>& arguments, int depth, std::string_view written,
                      const Type* owner);
+    void TakeBody(int file, const Declared& declared, Type& type);
     Type TypeOf(const DeclarationRef& ref, const Type& owner, int depth);
     Where WhereOf(const DeclarationRef& ref);
+    Type PartOf(const Type& type, int binding, int depth);
     Type ElementOf(const Type& type, int depth);
     Type PointedBy(const Type& type, int depth);
     Type ClassAround(const Where& where, int depth);
