@@ -193,6 +193,7 @@ bool FactReader::StructuredBinding(const Head& head, int open, Mode mode) {
 // `at` stands at the marks before the first name.
 bool FactReader::Declarators(Head& head, int from, Mode mode) {
     const int bound = contexts.back().past;
+    head.marksFirst = from;
     bool first = true;
     for (int at = from;;) {
         const int marksFirst = at;

@@ -42,6 +42,7 @@ private:
         int first = 0;
         int typeFirst = -1; // of the last type, without macros before it
         int typePast = -1;
+        int marksFirst = -1; // behind all that belongs to the type
         int words = 0; // that may be a type
         bool builtin = false;
         bool isTypedef = false;
@@ -73,6 +74,7 @@ private:
     bool InClass() const { return CurrentPlace() == Place::Class; }
     bool InBlock() const { return CurrentPlace() == Place::Block; }
     int PastStatement(int from);
+    int PastLabel(int at) const;
     int SemicolonFrom(int from, int bound) const;
     bool BeginsAnother() const;
 

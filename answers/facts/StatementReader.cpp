@@ -58,24 +58,13 @@ void FactReader::AtBlockStatement() {
     case Kw_else:
     case Kw_do:
     case Kw_try: ++i; return;
-    case Kw_case:
-        while (i < contexts.back().past && !IsMark(i, ':') && !IsMark(i, ';') && !IsMark(i, '}'))
-            i = IsMark(i, '(') ? PastBracket(i) : i + 1;
-        if (IsMark(i, ':')) ++i;
-        return;
-    case Kw_default:
-        if (IsMark(i + 1, ':')) {
-            i += 2;
-            return;
-        }
-        break;
     default: break;
     }
-    if (token.IsName() && IsMark(i + 1, ':')) {
+    if (const int past = PastLabel(i); past > i) {
         Head head;
         head.first = i;
-        Add(FactKind::Label, TextAt(i), i, head);
-        i += 2;
+        if (token.IsName()) Add(FactKind::Label, TextAt(i), i, head);
+        i = past;
         return;
     }
     if (IsMacroLoop()) return ControlStatement(i + 1, Mode::MacroLoop);
@@ -83,6 +72,15 @@ void FactReader::AtBlockStatement() {
         statementBegins = false;
         if (!IsMark(i, ';') && !IsMark(i, '{') && !IsMark(i, '[')) ++i;
     }
+}
+
+// Behind `case Port:`, `default:` or `end:`; the same place where nothing of it stands.
+int FactReader::PastLabel(int at) const {
+    if ((IsName(at) || IsKey(at, Kw_default)) && IsMark(at + 1, ':')) return at + 2;
+    if (!IsKey(at, Kw_case)) return at;
+    while (at < contexts.back().past && !IsMark(at, ':') && !IsMark(at, ';') && !IsMark(at, '}'))
+        at = IsMark(at, '(') ? PastBracket(at) : at + 1;
+    return IsMark(at, ':') ? at + 1 : at;
 }
 
 // `EACH(Ship* ship, ships) {`: a macro that stands for a loop.
@@ -119,6 +117,10 @@ int FactReader::PastStatement(int from) {
             break;
         }
         starts.push_back(at);
+        if (const int past = PastLabel(at); past > at) {
+            at = past;
+            continue;
+        }
         const Token& token = T(at);
         const bool isMacroLoop = token.IsName() && IsMark(at + 1, '(') && T(at + 1).partner > 0 &&
                                  IsMark(T(at + 1).partner + 1, '{');
@@ -450,7 +452,8 @@ std::string_view FactReader::TypeText(const Head& head, int marksFirst, int mark
         return false;
     };
     if (head.typeFirst >= 0) {
-        if (isConst(head.first, head.typeFirst) || isConst(head.typePast, marksFirst)) text = "const ";
+        const int typePast = head.marksFirst < 0 ? marksFirst : std::min(marksFirst, head.marksFirst);
+        if (isConst(head.first, head.typeFirst) || isConst(head.typePast, typePast)) text = "const ";
         text += Join(head.typeFirst, head.typePast, true);
     } else if (head.typeOf >= 0) {
         text = At(head.typeOf).name;

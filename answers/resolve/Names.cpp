@@ -164,8 +164,10 @@ std::string_view Names::NameOf(int entity) const {
 }
 
 std::string Names::QualifiedName(int entity) const {
-    std::string name(NameOf(entity));
-    for (int at = ParentOf(entity); at > global; at = ParentOf(at)) name = std::string(NameOf(at)) + "::" + name;
+    std::vector<std::string_view> parts;
+    for (int at = entity; at > global; at = ParentOf(at)) parts.push_back(NameOf(at));
+    std::string name;
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part) name.append(name.empty() ? "" : "::").append(*part);
     return name;
 }
 

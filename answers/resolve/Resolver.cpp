@@ -60,6 +60,9 @@ bool Resolver::Open(int file) {
 
     declaredAt.clear();
     locals.clear();
+    localUsings.clear();
+    for (int i = 0; i < static_cast<int>(opened.usings.size()); ++i)
+        localUsings[opened.usings[static_cast<std::size_t>(i)].scope].push_back(i);
     classesOfFunctions.clear();
     for (int i = 0; i < static_cast<int>(opened.declared.size()); ++i) {
         const Declared& each = opened.declared[static_cast<std::size_t>(i)];
@@ -128,7 +131,7 @@ Resolver::Found Resolver::LookUp(std::string_view name, Where where, Wanted want
         const Scope& each = facts.scopes[static_cast<std::size_t>(scope)];
         if (++work > mostWork) return found;
         if (each.kind >= ScopeKind::Template) {
-            if (LookInBody(name, where, scope, wanted, found)) return found;
+            if (LookInBody(name, where, scope, wanted, found, depth)) return found;
             if (each.kind != ScopeKind::Function) continue;
             // The class of a method that is implemented outside of it, and what is around that.
             int entity = ClassOfFunction(where, scope, depth + 1);
@@ -143,7 +146,7 @@ Resolver::Found Resolver::LookUp(std::string_view name, Where where, Wanted want
         }
         const int entity = EntityAt({where.file, scope, where.at});
         if (entity == Names::none) { // a class in a body
-            if (LookInBody(name, where, scope, wanted, found)) return found;
+            if (LookInBody(name, where, scope, wanted, found, depth)) return found;
             continue;
         }
         if (each.kind == ScopeKind::Class) {
@@ -166,7 +169,7 @@ Resolver::Found Resolver::LookUp(std::string_view name, Where where, Wanted want
 }
 
 // Arguments, template parameters and locals of one scope, as far as they are declared before the place.
-bool Resolver::LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found) {
+bool Resolver::LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found, int depth) {
     const FileFacts& facts = FactsIn(where.file);
     if (where.file == localFile) {
         const auto declared = locals.find(name);
@@ -192,20 +195,23 @@ bool Resolver::LookInBody(std::string_view name, const Where& where, int scope, 
             return true;
         }
     }
-    // `using namespace std;` in a body
-    for (std::size_t i = 0; i < facts.usings.size(); ++i) {
-        const Using& each = facts.usings[i];
-        if (each.scope != scope || each.at > where.at) continue;
-        const Where outside{where.file, facts.scopes[static_cast<std::size_t>(scope)].parent, each.at};
-        if (outside.scope < 0) continue;
-        if (!each.isNamespace) {
-            const std::size_t colons = each.name.rfind("::");
-            if (colons == each.name.npos || each.name.substr(colons + 2) != name) continue;
-        }
-        const std::string_view target = each.isNamespace ? each.name : each.name.substr(0, each.name.rfind("::"));
-        const Type owner = TypeFromText(target, outside, nullptr, deepest / 2);
+    return LookInUsings(name, where, scope, wanted, found, depth);
+}
+
+// `using namespace std;` in a body
+bool Resolver::LookInUsings(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found, int depth) {
+    const auto usings = localUsings.find(scope);
+    const int parent = opened.scopes[static_cast<std::size_t>(scope)].parent;
+    if (where.file != localFile || usings == localUsings.end() || parent < 0) return false;
+    for (const int i : usings->second) {
+        const Using& each = opened.usings[static_cast<std::size_t>(i)];
+        if (each.at > where.at || ++work > mostWork) break;
+        const std::size_t colons = each.name.rfind("::");
+        if (!each.isNamespace && (colons == each.name.npos || each.name.substr(colons + 2) != name)) continue;
+        const std::string_view target = each.isNamespace ? each.name : each.name.substr(0, colons);
+        const Type owner = TypeFromText(target, {localFile, parent, each.at}, nullptr, depth + 4);
         if (owner.entity == Names::none) continue;
-        found = LookIn(name, owner, wanted, deepest / 2);
+        found = LookIn(name, owner, wanted, depth + 4);
         if (!found.IsNone()) return true;
     }
     return false;

@@ -100,7 +100,8 @@ private:
 
     // ---- looking for names
     Found LookUp(std::string_view name, Where where, Wanted wanted, int depth);
-    bool LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found);
+    bool LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found, int depth);
+    bool LookInUsings(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found, int depth);
     Found LookInNamespace(std::string_view name, int entity, Wanted wanted, int depth);
     Found LookInClass(std::string_view name, const Type& owner, Wanted wanted, int depth);
     Found LookInLocalClass(std::string_view name, int scope, Wanted wanted, int depth);
@@ -168,6 +169,7 @@ private:
     std::vector<int> around;         // the innermost bracket around each token
     std::unordered_map<int, int> declaredAt; // by offset: the opened declaration whose name stands there
     std::unordered_map<std::string_view, std::vector<int>> locals; // by name: in bodies, and arguments
+    std::unordered_map<int, std::vector<int>> localUsings; // by scope
     std::vector<int> visible;        // by file: its place in the order of what is seen, from 1; 0 where it isn't
     bool hasAllFiles = false;        // whether all names of the code base are known
     bool strict = true;              // whether only what is seen counts
