@@ -76,7 +76,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     for (int i = 0; i < asking.TokenCount(); i += step) all += asking.AnswersAt(i);
     std::string again;
     Asking others(files.path);
-    for (int i = 0; i < others.TokenCount(); i += step) again = others.AnswersAt(i) + again;
+    for (int i = (others.TokenCount() - 1) / step * step; i >= 0; i -= step)
+        again = others.AnswersAt(i) + again;
     CHECK(all == again);
     if (asking.TokenCount() > 0) asking.CheckUses(asking.TokenCount() / 2);
     return 0;

@@ -524,8 +524,8 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
         flags |= IsConstructor;
     Head function = head;
     function.flags = flags;
-    const int declared = Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, KeepChainName(chain),
-                             chain.name, function);
+    const int declared =
+        Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, {}, chain.name, function);
     if (chain.isOperator || chain.isDestructor) {
         joined.clear();
         joined += chain.isDestructor ? "~" : "operator ";

@@ -12,8 +12,6 @@ namespace ostraka::answers {
 
 namespace {
 
-constexpr int widestAngles = 4000; // tokens between an angle bracket and its partner
-
 bool EndsWithoutCase(std::string_view path, std::string_view ending) {
     if (path.size() < ending.size()) return false;
     path.remove_prefix(path.size() - ending.size());
@@ -138,7 +136,7 @@ void FactReader::AtStatement() {
         return;
     }
     if (InBlock()) return AtBlockStatement();
-    if (token.Is('{')) return EnterBody(Place::Block, i, scope);
+    if (token.Is('{')) return PassBlock();
     if (token.Is('[') && !IsMark(i + 1, '[')) { // attributes of IDL
         i = PastBracket(i);
         return;

@@ -43,7 +43,7 @@ private:
         int typeFirst = -1; // of the last type, without macros before it
         int typePast = -1;
         int marksFirst = -1; // behind all that belongs to the type
-        int words = 0; // that may be a type
+        int words = 0;       // that may be a type
         bool builtin = false;
         bool isTypedef = false;
         std::uint32_t flags = 0;
@@ -69,6 +69,7 @@ private:
     void CloseContexts();
     void AtStatement();
     void AtBlockStatement();
+    void PassBlock();
     void WithinStatement();
     Place CurrentPlace() const { return contexts.back().place; }
     bool InClass() const { return CurrentPlace() == Place::Class; }
@@ -124,8 +125,8 @@ private:
     int PastAttributes(int from) const;
     bool OpensHead(int at) const;
     bool EndsMacros(int at) const;
-    // The token, or the last one for an index behind it.
-    const Token& T(int at) const { return tokens[std::min(at, tokens.Count())]; }
+    // The token; the End for an index behind it, or before the first.
+    const Token& T(int at) const { return tokens[at < 0 ? tokens.Count() : std::min(at, tokens.Count())]; }
     std::string_view TextAt(int at) const { return tokens.TextOf(T(at)); }
     bool IsMark(int at, std::uint8_t code) const { return T(at).Is(code); }
     bool IsKey(int at, Keyword keyword) const { return T(at).IsKeyword(keyword); }

@@ -34,9 +34,16 @@ bool IsStorageOrAlike(std::uint8_t keyword) {
 
 } // namespace
 
+// A block that begins here, for whatever reason.
+void FactReader::PassBlock() {
+    if (WantsBodies()) return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
+    i = EndOfBody(i) + 1;
+    statementBegins = true;
+}
+
 void FactReader::AtBlockStatement() {
     const Token& token = T(i);
-    if (token.Is('{')) return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
+    if (token.Is('{')) return PassBlock();
     if (token.kind != TokenKind::Word) {
         if (token.Is(ColonsMark) && Declaration(Mode::Statement)) return;
         statementBegins = false;
@@ -180,9 +187,7 @@ void FactReader::WithinStatement() {
         ++i;
         return;
     case '{':
-        if (InBlock() && WantsBodies()) {
-            return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
-        }
+        if (InBlock() && WantsBodies()) return PassBlock();
         i = PastBracket(i);
         statementBegins = !IsMark(i, ';') && !IsMark(i, ',') && !IsMark(i, ')');
         return;
@@ -370,9 +375,9 @@ int FactReader::PastBracket(int open) const {
 }
 
 int FactReader::EndOfBody(int open) const {
-    if (T(open).partner >= 0) return T(open).partner;
     const Context& around = contexts.back();
-    return around.isBraced || contexts.size() == 1 ? around.past : around.past - 1;
+    const int last = around.isBraced || contexts.size() == 1 ? around.past : around.past - 1;
+    return T(open).partner < 0 ? last : std::min(T(open).partner, last);
 }
 
 bool FactReader::BeginsLine(int at) const {
