@@ -223,7 +223,7 @@ Resolver::Found Resolver::LookInNamespace(std::string_view name, int entity, Wan
     if (id != Names::none) found.refs = VisibleOf(names.In(entity, id), wanted);
     if (found.refs.empty()) {
         const int child = names.ChildOf(entity, name);
-        if (child != Names::none && (!strict || names.DefinitionsOf(child).empty())) found.entity = child;
+        if (child != Names::none && IsNamed(child)) found.entity = child;
     }
     if (!found.IsNone() || depth > deepest) return found;
     for (const Names::UsingRef& ref : names.UsingsOf(entity)) {
@@ -249,7 +249,7 @@ Resolver::Found Resolver::LookInNamespace(std::string_view name, int entity, Wan
 
 Resolver::Found Resolver::LookIn(std::string_view name, const Type& owner, Wanted wanted, int depth) {
     if (owner.entity == Names::none) return {};
-    if (owner.entity == Names::global || names.DefinitionsOf(owner.entity).empty())
+    if (owner.entity == Names::global || !names.OpeningsOf(owner.entity).empty())
         return LookInNamespace(name, owner.entity, wanted, depth);
     return LookInClass(name, owner, wanted, depth);
 }
@@ -269,7 +269,7 @@ Resolver::Found Resolver::LookInClass(std::string_view name, const Type& owner, 
             found.refs = VisibleOf(names.ImplementedFor(type.entity, id), wanted);
         if (found.refs.empty()) {
             const int child = names.ChildOf(type.entity, name);
-            if (child != Names::none && !names.DefinitionsOf(child).empty() && !strict) found.entity = child;
+            if (child != Names::none && IsNamed(child)) found.entity = child;
         }
         // A class is called by its own name in itself.
         if (!found.IsNone()) {
@@ -308,12 +308,25 @@ Resolver::Found Resolver::LookInLocalClass(std::string_view name, int scope, Wan
     return found;
 }
 
+// Whether what is looked at names the entity, though no declaration of it is at hand.
+bool Resolver::IsNamed(int entity) const {
+    const std::vector<int>& files = names.FilesOf(entity);
+    return !strict || std::any_of(files.begin(), files.end(), [this](int file) { return IsVisible({file, 0}); });
+}
+
+// Not what other files say is looked at while only what is seen counts, even where it is known already.
+bool Resolver::IsMacro(std::string_view name) const {
+    const auto& macros = names.MacrosOf(names.IdOf(name));
+    return std::any_of(macros.begin(), macros.end(),
+                       [this](const Names::MacroRef& ref) { return !strict || IsVisible({ref.file, 0}); });
+}
+
 DeclarationRef Resolver::DefinitionOf(int entity) {
     if (entity <= Names::global) return {};
     const Refs& definitions = names.DefinitionsOf(entity);
     for (const DeclarationRef& ref : definitions)
         if (IsVisible(ref)) return ref;
-    return definitions.empty() ? DeclarationRef() : definitions.front();
+    return strict || definitions.empty() ? DeclarationRef() : definitions.front();
 }
 
 std::vector<Type> Resolver::BasesOf(const Type& type, int depth) {

@@ -96,6 +96,8 @@ private:
     int EntityAt(const Where& where);
     bool IsVisible(const DeclarationRef& ref) const;
     bool IsForOthers(const DeclarationRef& ref);
+    bool IsNamed(int entity) const;
+    bool IsMacro(std::string_view name) const;
     Refs VisibleOf(const Refs& refs, Wanted wanted);
 
     // ---- looking for names

@@ -237,16 +237,18 @@ Resolver::Found Resolver::QualifiedAt(int token, int depth) {
                 break;
             }
         owner = TypeFromTokens(*tokens, first, last + 1, WhereAt(token), nullptr, depth + 1);
-        if (owner.entity == Names::none && !names.MacrosOf(names.IdOf(tokens->TextOf(first))).empty())
+        if (owner.entity == Names::none && IsMacro(tokens->TextOf(first)))
             return LookUp(name, WhereAt(token), Wanted::Any, depth + 1);
     }
     if (owner.entity == Names::none) return {};
     Found found = LookIn(name, owner, Wanted::Any, depth + 1);
     // `Ship::Ship` names the constructor, and the class where none is declared.
     if (found.IsNone() && owner.entity > Names::global && names.NameOf(owner.entity) == name) {
-        const Refs& constructors = names.In(owner.entity, names.IdOf(name));
-        if (isCalled) found.refs = constructors;
+        const auto isUnseen = [this](const DeclarationRef& ref) { return strict && !IsVisible(ref); };
+        if (isCalled) found.refs = names.In(owner.entity, names.IdOf(name));
+        std::erase_if(found.refs, isUnseen);
         if (found.refs.empty()) found.refs = names.DefinitionsOf(owner.entity);
+        std::erase_if(found.refs, isUnseen);
         found.owner = owner;
     }
     return found;

@@ -340,7 +340,7 @@ Resolver::Value Resolver::EvaluateName(int& at, int past, int depth) {
         if (!more) return value;
         ++at;
         isFirst = false;
-        if (value.type.entity == Names::none && !value.isType) isFirst = !names.MacrosOf(names.IdOf(name)).empty();
+        if (value.type.entity == Names::none && !value.isType) isFirst = IsMacro(name);
     }
 }
 

@@ -144,7 +144,7 @@ Type Resolver::TypeFromTokens(const TokenList& list, int first, int past, const 
                                                                       : isFirst            ? owner
                                                                                            : &outer);
                 if (type.entity == Names::none && hasMore && type.name == name && isFirst &&
-                    !names.MacrosOf(names.IdOf(name)).empty()) {
+                    IsMacro(name)) {
                     // A macro that stands for a namespace: whatever it is, go on from the place.
                     at = next + 1;
                     continue;
