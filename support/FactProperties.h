@@ -21,7 +21,11 @@ public:
         std::string fault = FactProperties(text, bodies).Fault();
         if (fault.empty()) fault = FactProperties(text, heads).Fault();
         if (!fault.empty()) return fault;
-        return NamesOutside(bodies) == NamesOutside(heads) ? "" : "bodies and heads declare other things";
+        const std::string more = NamesOutside(bodies);
+        const std::string less = NamesOutside(heads);
+        const auto at = static_cast<std::size_t>(
+            std::mismatch(more.begin(), more.end(), less.begin(), less.end()).first - more.begin());
+        return more == less ? "" : "bodies and heads declare other things from " + more.substr(at, 40);
     }
 
 private:

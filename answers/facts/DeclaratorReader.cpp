@@ -172,15 +172,19 @@ bool FactReader::StructuredBinding(const Head& head, int open, Mode mode) {
     if (!IsMark(close + 1, '=') && !IsMark(close + 1, ':') && !IsMark(close + 1, '{') &&
         !IsMark(close + 1, '('))
         return false;
+    const bool isRange = mode == Mode::ForInit && IsMark(close + 1, ':');
     for (int at = open + 1; at < close; ++at) {
         if (!IsName(at)) continue;
         Head each = head;
-        each.flags |= IsBinding;
+        each.flags |= isRange ? IsBinding | IsRangeElement : IsBinding;
         const int declared = Add(FactKind::Variable, TextAt(at), at, each);
         At(declared).past = PastOf(close);
         At(declared).type = "auto";
+        if (!WantsBodies()) continue;
+        At(declared).initial = IsMark(close + 1, '{') || IsMark(close + 1, '(') ? close + 1 : close + 2;
+        At(declared).initialPast =
+            isRange ? contexts.back().header : PastInitial(close + 2, contexts.back().past);
     }
-    (void)mode;
     i = close + 1;
     statementBegins = false;
     return true;
@@ -189,6 +193,7 @@ bool FactReader::StructuredBinding(const Head& head, int open, Mode mode) {
 // `at` stands at the marks before the first name.
 bool FactReader::Declarators(Head& head, int from, Mode mode) {
     const int bound = contexts.back().past;
+    head.marksFirst = from;
     bool first = true;
     for (int at = from;;) {
         const int marksFirst = at;
@@ -520,8 +525,8 @@ bool FactReader::FunctionDeclarator(Head& head, const Chain& chain, int pointers
         flags |= IsConstructor;
     Head function = head;
     function.flags = flags;
-    const int declared = Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, KeepChainName(chain),
-                             chain.name, function);
+    const int declared =
+        Add(head.isTypedef ? FactKind::Typedef : FactKind::Function, {}, chain.name, function);
     if (chain.isOperator || chain.isDestructor) {
         joined.clear();
         joined += chain.isDestructor ? "~" : "operator ";

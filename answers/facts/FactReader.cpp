@@ -143,7 +143,7 @@ void FactReader::AtStatement() {
         return;
     }
     if (InBlock()) return AtBlockStatement();
-    if (token.Is('{')) return EnterBody(Place::Block, i, scope);
+    if (token.Is('{')) return PassBlock();
     if (token.Is('[') && !IsMark(i + 1, '[')) { // attributes of IDL
         i = PastBracket(i);
         return;
@@ -631,7 +631,7 @@ bool FactReader::ClassDeclaration(Head head) {
 // What a class of IDL implements stands in its body: `[default] interface IShip;`.
 int FactReader::ReadCoclass(int first, int past) {
     int count = 0;
-    for (int at = first; at < past; ++at) {
+    for (int at = first; at < past && !IsMark(at, '{'); ++at) {
         if ((TextAt(at) != "interface" && TextAt(at) != "dispinterface") || !IsName(at + 1) ||
             !IsMark(at + 2, ';'))
             continue;

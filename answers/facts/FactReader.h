@@ -42,7 +42,8 @@ private:
         int first = 0;
         int typeFirst = -1; // of the last type, without macros before it
         int typePast = -1;
-        int words = 0; // that may be a type
+        int marksFirst = -1; // behind all that belongs to the type
+        int words = 0;       // that may be a type
         bool builtin = false;
         bool isTypedef = false;
         std::uint32_t flags = 0;
@@ -68,11 +69,13 @@ private:
     void CloseContexts();
     void AtStatement();
     void AtBlockStatement();
+    void PassBlock();
     void WithinStatement();
     Place CurrentPlace() const { return contexts.back().place; }
     bool InClass() const { return CurrentPlace() == Place::Class; }
     bool InBlock() const { return CurrentPlace() == Place::Block; }
     int PastStatement(int from);
+    int PastLabel(int at) const;
     int SemicolonFrom(int from, int bound) const;
     bool BeginsAnother() const;
 
@@ -122,8 +125,8 @@ private:
     int PastAttributes(int from) const;
     bool OpensHead(int at) const;
     bool EndsMacros(int at) const;
-    // The token, or the last one for an index behind it.
-    const Token& T(int at) const { return tokens[std::min(at, tokens.Count())]; }
+    // The token; the End for an index behind it, or before the first.
+    const Token& T(int at) const { return tokens[at < 0 ? tokens.Count() : std::min(at, tokens.Count())]; }
     std::string_view TextAt(int at) const { return tokens.TextOf(T(at)); }
     bool IsMark(int at, std::uint8_t code) const { return T(at).Is(code); }
     bool IsKey(int at, Keyword keyword) const { return T(at).IsKeyword(keyword); }

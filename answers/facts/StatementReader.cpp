@@ -34,9 +34,16 @@ bool IsStorageOrAlike(std::uint8_t keyword) {
 
 } // namespace
 
+// A block that begins here, for whatever reason.
+void FactReader::PassBlock() {
+    if (WantsBodies()) return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
+    i = EndOfBody(i) + 1;
+    statementBegins = true;
+}
+
 void FactReader::AtBlockStatement() {
     const Token& token = T(i);
-    if (token.Is('{')) return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
+    if (token.Is('{')) return PassBlock();
     if (token.kind != TokenKind::Word) {
         if (token.Is(ColonsMark) && Declaration(Mode::Statement)) return;
         statementBegins = false;
@@ -58,24 +65,13 @@ void FactReader::AtBlockStatement() {
     case Kw_else:
     case Kw_do:
     case Kw_try: ++i; return;
-    case Kw_case:
-        while (i < contexts.back().past && !IsMark(i, ':') && !IsMark(i, ';') && !IsMark(i, '}'))
-            i = IsMark(i, '(') ? PastBracket(i) : i + 1;
-        if (IsMark(i, ':')) ++i;
-        return;
-    case Kw_default:
-        if (IsMark(i + 1, ':')) {
-            i += 2;
-            return;
-        }
-        break;
     default: break;
     }
-    if (token.IsName() && IsMark(i + 1, ':')) {
+    if (const int past = PastLabel(i); past > i) {
         Head head;
         head.first = i;
-        Add(FactKind::Label, TextAt(i), i, head);
-        i += 2;
+        if (token.IsName()) Add(FactKind::Label, TextAt(i), i, head);
+        i = past;
         return;
     }
     if (IsMacroLoop()) return ControlStatement(i + 1, Mode::MacroLoop);
@@ -83,6 +79,15 @@ void FactReader::AtBlockStatement() {
         statementBegins = false;
         if (!IsMark(i, ';') && !IsMark(i, '{') && !IsMark(i, '[')) ++i;
     }
+}
+
+// Behind `case Port:`, `default:` or `end:`; the same place where nothing of it stands.
+int FactReader::PastLabel(int at) const {
+    if ((IsName(at) || IsKey(at, Kw_default)) && IsMark(at + 1, ':')) return at + 2;
+    if (!IsKey(at, Kw_case)) return at;
+    while (at < contexts.back().past && !IsMark(at, ':') && !IsMark(at, ';') && !IsMark(at, '}'))
+        at = IsMark(at, '(') ? PastBracket(at) : at + 1;
+    return IsMark(at, ':') ? at + 1 : at;
 }
 
 // `EACH(Ship* ship, ships) {`: a macro that stands for a loop.
@@ -119,6 +124,10 @@ int FactReader::PastStatement(int from) {
             break;
         }
         starts.push_back(at);
+        if (const int past = PastLabel(at); past > at) {
+            at = past;
+            continue;
+        }
         const Token& token = T(at);
         const bool isMacroLoop = token.IsName() && IsMark(at + 1, '(') && T(at + 1).partner > 0 &&
                                  IsMark(T(at + 1).partner + 1, '{');
@@ -178,9 +187,7 @@ void FactReader::WithinStatement() {
         ++i;
         return;
     case '{':
-        if (InBlock() && WantsBodies()) {
-            return EnterBody(Place::Block, i, OpenScope(ScopeKind::Block, i, EndOfBody(i), -1));
-        }
+        if (InBlock() && WantsBodies()) return PassBlock();
         i = PastBracket(i);
         statementBegins = !IsMark(i, ';') && !IsMark(i, ',') && !IsMark(i, ')');
         return;
@@ -368,9 +375,9 @@ int FactReader::PastBracket(int open) const {
 }
 
 int FactReader::EndOfBody(int open) const {
-    if (T(open).partner >= 0) return T(open).partner;
     const Context& around = contexts.back();
-    return around.isBraced || contexts.size() == 1 ? around.past : around.past - 1;
+    const int last = around.isBraced || contexts.size() == 1 ? around.past : around.past - 1;
+    return T(open).partner < 0 ? last : std::min(T(open).partner, last);
 }
 
 bool FactReader::BeginsLine(int at) const {
@@ -450,7 +457,8 @@ std::string_view FactReader::TypeText(const Head& head, int marksFirst, int mark
         return false;
     };
     if (head.typeFirst >= 0) {
-        if (isConst(head.first, head.typeFirst) || isConst(head.typePast, marksFirst)) text = "const ";
+        const int typePast = head.marksFirst < 0 ? marksFirst : std::min(marksFirst, head.marksFirst);
+        if (isConst(head.first, head.typeFirst) || isConst(head.typePast, typePast)) text = "const ";
         text += Join(head.typeFirst, head.typePast, true);
     } else if (head.typeOf >= 0) {
         text = At(head.typeOf).name;

@@ -15,7 +15,7 @@ bool IsClassLike(FactKind kind) {
 
 // The next part of "ns::List<int>::Node" without its arguments; steps behind it.
 std::string_view NextPart(std::string_view& rest) {
-    while (rest.starts_with("::") || rest.starts_with(" ")) rest.remove_prefix(1);
+    while (rest.starts_with(':') || rest.starts_with(' ')) rest.remove_prefix(1);
     std::size_t size = 0;
     while (size < rest.size() && TokenList::IsWordCharacter(rest[size])) ++size;
     const std::string_view part = rest.substr(0, size);
@@ -48,17 +48,19 @@ int Names::IdOf(std::string_view name) const {
     return found != nameIds.end() ? found->second : none;
 }
 
-int Names::MakeChild(int entity, int name) {
+int Names::MakeChild(int file, int entity, int name) {
     const auto [child, isNew] = children.try_emplace(Key(entity, name), static_cast<int>(entities.size()));
-    if (isNew) entities.push_back({entity, name, {}, {}});
+    if (isNew) entities.push_back({entity, name, {}, {}, {}});
+    std::vector<int>& files = entities[static_cast<std::size_t>(child->second)].files;
+    if (files.empty() || files.back() != file) files.push_back(file);
     return child->second;
 }
 
-int Names::MakeQualified(int entity, std::string_view qualifier) {
+int Names::MakeQualified(int file, int entity, std::string_view qualifier) {
     while (!qualifier.empty()) {
         const std::string_view part = NextPart(qualifier);
         if (part.empty()) break;
-        entity = MakeChild(entity, Intern(part));
+        entity = MakeChild(file, entity, Intern(part));
     }
     return entity;
 }
@@ -77,18 +79,18 @@ int Names::MakeEntity(int file, const FileFacts& facts, int scope, const std::ve
     if (opened.kind == ScopeKind::Namespace)
         return declaration.Has(IsUnnamed) || declaration.Has(IsInline)
                    ? around
-                   : MakeChild(around, Intern(declaration.name));
+                   : MakeChild(file, around, Intern(declaration.name));
     const auto apart = [&](std::string_view name) {
         const std::string text =
             std::string(name) + "<" + std::to_string(file) + ":" + std::to_string(opened.declaration) + ">";
-        return MakeChild(around, Intern(text));
+        return MakeChild(file, around, Intern(text));
     };
     if (declaration.Has(IsUnnamed)) {
         if (opened.kind == ScopeKind::Enum) return around;
         return isNamedElsewhere[static_cast<std::size_t>(opened.declaration)] ? apart("") : around;
     }
     if (declaration.Has(IsSpecialization)) return apart(declaration.name);
-    return MakeChild(MakeQualified(around, declaration.qualifier), Intern(declaration.name));
+    return MakeChild(file, MakeQualified(file, around, declaration.qualifier), Intern(declaration.name));
 }
 
 void Names::Add(int file) {
@@ -123,7 +125,7 @@ void Names::Add(int file) {
         byName[static_cast<std::size_t>(name)].push_back(ref);
         if (each.Has(IsSpecialization) && IsClassLike(each.kind)) continue;
         if (!each.qualifier.empty()) {
-            const int scope = MakeQualified(around, each.qualifier);
+            const int scope = MakeQualified(file, around, each.qualifier);
             implemented[Key(scope, name)].push_back(ref);
             namedScopes[Key(ref.file, ref.index)] = scope;
             continue;
@@ -170,9 +172,11 @@ std::string_view Names::NameOf(int entity) const {
 }
 
 std::string Names::QualifiedName(int entity) const {
-    std::string name(NameOf(entity));
-    for (int at = ParentOf(entity); at > global; at = ParentOf(at))
-        name = std::string(NameOf(at)) + "::" + name;
+    std::vector<std::string_view> parts;
+    for (int at = entity; at > global; at = ParentOf(at)) parts.push_back(NameOf(at));
+    std::string name;
+    for (auto part = parts.rbegin(); part != parts.rend(); ++part)
+        name.append(name.empty() ? "" : "::").append(*part);
     return name;
 }
 

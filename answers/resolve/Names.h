@@ -63,6 +63,11 @@ public:
         return entities[static_cast<std::size_t>(entity)].definitions;
     }
 
+    // The files that name the entity, by declaring it or by implementing what is in it.
+    const std::vector<int>& FilesOf(int entity) const {
+        return entities[static_cast<std::size_t>(entity)].files;
+    }
+
     // Where a namespace is opened.
     const Refs& OpeningsOf(int entity) const { return entities[static_cast<std::size_t>(entity)].openings; }
 
@@ -85,11 +90,12 @@ private:
         int name = none;
         Refs definitions;
         Refs openings;
+        std::vector<int> files; // that name it
     };
 
     int Intern(std::string_view name);
-    int MakeChild(int entity, int name);
-    int MakeQualified(int entity, std::string_view qualifier);
+    int MakeChild(int file, int entity, int name);
+    int MakeQualified(int file, int entity, std::string_view qualifier);
     int MakeEntity(int file, const FileFacts& facts, int scope, const std::vector<int>& of,
                    const std::vector<bool>& isNamedElsewhere);
 

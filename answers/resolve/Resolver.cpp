@@ -62,6 +62,9 @@ bool Resolver::Open(int file) {
 
     declaredAt.clear();
     locals.clear();
+    localUsings.clear();
+    for (int i = 0; i < static_cast<int>(opened.usings.size()); ++i)
+        localUsings[opened.usings[static_cast<std::size_t>(i)].scope].push_back(i);
     classesOfFunctions.clear();
     for (int i = 0; i < static_cast<int>(opened.declared.size()); ++i) {
         const Declared& each = opened.declared[static_cast<std::size_t>(i)];
@@ -132,7 +135,7 @@ Resolver::Found Resolver::LookUp(std::string_view name, Where where, Wanted want
         const Scope& each = facts.scopes[static_cast<std::size_t>(scope)];
         if (++work > mostWork) return found;
         if (each.kind >= ScopeKind::Template) {
-            if (LookInBody(name, where, scope, wanted, found)) return found;
+            if (LookInBody(name, where, scope, wanted, found, depth)) return found;
             if (each.kind != ScopeKind::Function) continue;
             // The class of a method that is implemented outside of it, and what is around that.
             int entity = ClassOfFunction(where, scope, depth + 1);
@@ -147,7 +150,7 @@ Resolver::Found Resolver::LookUp(std::string_view name, Where where, Wanted want
         }
         const int entity = EntityAt({where.file, scope, where.at});
         if (entity == Names::none) { // a class in a body
-            if (LookInBody(name, where, scope, wanted, found)) return found;
+            if (LookInBody(name, where, scope, wanted, found, depth)) return found;
             continue;
         }
         if (each.kind == ScopeKind::Class) {
@@ -171,7 +174,8 @@ Resolver::Found Resolver::LookUp(std::string_view name, Where where, Wanted want
 }
 
 // Arguments, template parameters and locals of one scope, as far as they are declared before the place.
-bool Resolver::LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found) {
+bool Resolver::LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found,
+                          int depth) {
     const FileFacts& facts = FactsIn(where.file);
     if (where.file == localFile) {
         const auto declared = locals.find(name);
@@ -197,21 +201,24 @@ bool Resolver::LookInBody(std::string_view name, const Where& where, int scope, 
             return true;
         }
     }
-    // `using namespace std;` in a body
-    for (std::size_t i = 0; i < facts.usings.size(); ++i) {
-        const Using& each = facts.usings[i];
-        if (each.scope != scope || each.at > where.at) continue;
-        const Where outside{where.file, facts.scopes[static_cast<std::size_t>(scope)].parent, each.at};
-        if (outside.scope < 0) continue;
-        if (!each.isNamespace) {
-            const std::size_t colons = each.name.rfind("::");
-            if (colons == each.name.npos || each.name.substr(colons + 2) != name) continue;
-        }
-        const std::string_view target =
-            each.isNamespace ? each.name : each.name.substr(0, each.name.rfind("::"));
-        const Type owner = TypeFromText(target, outside, nullptr, deepest / 2);
+    return LookInUsings(name, where, scope, wanted, found, depth);
+}
+
+// `using namespace std;` in a body
+bool Resolver::LookInUsings(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found,
+                            int depth) {
+    const auto usings = localUsings.find(scope);
+    const int parent = opened.scopes[static_cast<std::size_t>(scope)].parent;
+    if (where.file != localFile || usings == localUsings.end() || parent < 0) return false;
+    for (const int i : usings->second) {
+        const Using& each = opened.usings[static_cast<std::size_t>(i)];
+        if (each.at > where.at || ++work > mostWork) break;
+        const std::size_t colons = each.name.rfind("::");
+        if (!each.isNamespace && (colons == each.name.npos || each.name.substr(colons + 2) != name)) continue;
+        const std::string_view target = each.isNamespace ? each.name : each.name.substr(0, colons);
+        const Type owner = TypeFromText(target, {localFile, parent, each.at}, nullptr, depth + 4);
         if (owner.entity == Names::none) continue;
-        found = LookIn(name, owner, wanted, deepest / 2);
+        found = LookIn(name, owner, wanted, depth + 4);
         if (!found.IsNone()) return true;
     }
     return false;
@@ -223,7 +230,7 @@ Resolver::Found Resolver::LookInNamespace(std::string_view name, int entity, Wan
     if (id != Names::none) found.refs = VisibleOf(names.In(entity, id), wanted);
     if (found.refs.empty()) {
         const int child = names.ChildOf(entity, name);
-        if (child != Names::none && (!strict || names.DefinitionsOf(child).empty())) found.entity = child;
+        if (child != Names::none && IsNamed(child)) found.entity = child;
     }
     if (!found.IsNone() || depth > deepest) return found;
     for (const Names::UsingRef& ref : names.UsingsOf(entity)) {
@@ -250,13 +257,14 @@ Resolver::Found Resolver::LookInNamespace(std::string_view name, int entity, Wan
 
 Resolver::Found Resolver::LookIn(std::string_view name, const Type& owner, Wanted wanted, int depth) {
     if (owner.entity == Names::none) return {};
-    if (owner.entity == Names::global || names.DefinitionsOf(owner.entity).empty())
+    if (owner.entity == Names::global || !names.OpeningsOf(owner.entity).empty())
         return LookInNamespace(name, owner.entity, wanted, depth);
     return LookInClass(name, owner, wanted, depth);
 }
 
 // The class itself first, then its bases, level by level.
 Resolver::Found Resolver::LookInClass(std::string_view name, const Type& owner, Wanted wanted, int depth) {
+    if (owner.localClass >= 0) return LookInLocalClass(name, owner.localClass, wanted, depth);
     Found found;
     const int id = names.IdOf(name);
     std::vector<Type> level = {owner};
@@ -269,7 +277,7 @@ Resolver::Found Resolver::LookInClass(std::string_view name, const Type& owner, 
             found.refs = VisibleOf(names.ImplementedFor(type.entity, id), wanted);
         if (found.refs.empty()) {
             const int child = names.ChildOf(type.entity, name);
-            if (child != Names::none && !names.DefinitionsOf(child).empty() && !strict) found.entity = child;
+            if (child != Names::none && IsNamed(child)) found.entity = child;
         }
         // A class is called by its own name in itself.
         if (!found.IsNone()) {
@@ -293,12 +301,45 @@ Resolver::Found Resolver::LookInClass(std::string_view name, const Type& owner, 
     return found;
 }
 
+Resolver::Found Resolver::LookInLocalClass(std::string_view name, int scope, Wanted wanted, int depth) {
+    Found found;
+    if (const auto declared = locals.find(name); declared != locals.end())
+        for (const int each : declared->second)
+            if (opened.declared[static_cast<std::size_t>(each)].scope == scope)
+                found.refs.push_back({localFile, each});
+    const int declaration = opened.scopes[static_cast<std::size_t>(scope)].declaration;
+    if (!found.refs.empty() || declaration < 0 || depth > deepest) return found;
+    const Declared& owner = opened.declared[static_cast<std::size_t>(declaration)];
+    for (int i = 0; i < owner.bases && found.IsNone(); ++i) {
+        const Base& each = opened.bases[static_cast<std::size_t>(owner.firstBase + i)];
+        const Type type = TypeFromText(each.name, {localFile, owner.scope, owner.at}, nullptr, depth + 1);
+        if (type.HasMembers()) found = LookInClass(name, type, wanted, depth + 1);
+    }
+    return found;
+}
+
+// Whether what is looked at names the entity, though no declaration of it is at hand.
+bool Resolver::IsNamed(int entity) const {
+    const std::vector<int>& files = names.FilesOf(entity);
+    return !strict || std::any_of(files.begin(), files.end(), [this](int file) {
+        return IsVisible({file, 0});
+    });
+}
+
+// Not what other files say is looked at while only what is seen counts, even where it is known already.
+bool Resolver::IsMacro(std::string_view name) const {
+    const auto& macros = names.MacrosOf(names.IdOf(name));
+    return std::any_of(macros.begin(), macros.end(), [this](const Names::MacroRef& ref) {
+        return !strict || IsVisible({ref.file, 0});
+    });
+}
+
 DeclarationRef Resolver::DefinitionOf(int entity) {
     if (entity <= Names::global) return {};
     const Refs& definitions = names.DefinitionsOf(entity);
     for (const DeclarationRef& ref : definitions)
         if (IsVisible(ref)) return ref;
-    return definitions.empty() ? DeclarationRef() : definitions.front();
+    return strict || definitions.empty() ? DeclarationRef() : definitions.front();
 }
 
 std::vector<Type> Resolver::BasesOf(const Type& type, int depth) {

@@ -27,7 +27,9 @@ struct Type {
     std::vector<Type> arguments; // of a template
     int pointers = 0;
     bool isConst = false;
+    int localClass = -1; // of a class in a body of the opened file: its scope
 
+    bool HasMembers() const { return IsClass() || localClass >= 0; }
     bool IsClass() const { return entity > Names::global; }
     bool IsKnown() const { return IsClass() || !name.empty(); }
 };
@@ -98,15 +100,21 @@ private:
     int EntityAt(const Where& where);
     bool IsVisible(const DeclarationRef& ref) const;
     bool IsForOthers(const DeclarationRef& ref);
+    bool IsNamed(int entity) const;
+    bool IsMacro(std::string_view name) const;
     Refs VisibleOf(const Refs& refs, Wanted wanted);
 
     // ---- looking for names
     Found LookUp(std::string_view name, Where where, Wanted wanted, int depth);
-    bool LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found);
+    bool LookInBody(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found,
+                    int depth);
+    bool LookInUsings(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found,
+                      int depth);
     Found LookInNamespace(std::string_view name, int entity, Wanted wanted, int depth);
     Found LookInClass(std::string_view name, const Type& owner, Wanted wanted, int depth);
+    Found LookInLocalClass(std::string_view name, int scope, Wanted wanted, int depth);
     Found LookIn(std::string_view name, const Type& owner, Wanted wanted, int depth);
-    Found LookAnywhere(std::string_view name, bool isMember, bool isCalled, bool withinClass);
+    Found LookAnywhere(int token, bool isMember, bool withinClass);
     int ClassOfFunction(const Where& where, int scope, int depth);
     std::vector<Type> BasesOf(const Type& type, int depth);
     DeclarationRef DefinitionOf(int entity);
@@ -117,8 +125,10 @@ private:
                         int depth);
     Type TypeOfFound(const Found& found, const std::vector<Type>& arguments, int depth,
                      std::string_view written, const Type* owner);
+    void TakeBody(int file, const Declared& declared, Type& type);
     Type TypeOf(const DeclarationRef& ref, const Type& owner, int depth);
     Where WhereOf(const DeclarationRef& ref);
+    Type PartOf(const Type& type, int binding, int depth);
     Type ElementOf(const Type& type, int depth);
     Type PointedBy(const Type& type, int depth);
     Type ClassAround(const Where& where, int depth);
@@ -168,6 +178,7 @@ private:
     std::vector<int> around;                 // the innermost bracket around each token
     std::unordered_map<int, int> declaredAt; // by offset: the opened declaration whose name stands there
     std::unordered_map<std::string_view, std::vector<int>> locals; // by name: in bodies, and arguments
+    std::unordered_map<int, std::vector<int>> localUsings;         // by scope
     std::vector<int> visible; // by file: its place in the order of what is seen, from 1; 0 where it isn't
     bool hasAllFiles = false; // whether all names of the code base are known
     bool strict = true;       // whether only what is seen counts

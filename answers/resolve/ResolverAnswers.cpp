@@ -245,16 +245,18 @@ Resolver::Found Resolver::QualifiedAt(int token, int depth) {
                 break;
             }
         owner = TypeFromTokens(*tokens, first, last + 1, WhereAt(token), nullptr, depth + 1);
-        if (owner.entity == Names::none && !names.MacrosOf(names.IdOf(tokens->TextOf(first))).empty())
+        if (owner.entity == Names::none && IsMacro(tokens->TextOf(first)))
             return LookUp(name, WhereAt(token), Wanted::Any, depth + 1);
     }
     if (owner.entity == Names::none) return {};
     Found found = LookIn(name, owner, Wanted::Any, depth + 1);
     // `Ship::Ship` names the constructor, and the class where none is declared.
     if (found.IsNone() && owner.entity > Names::global && names.NameOf(owner.entity) == name) {
-        const Refs& constructors = names.In(owner.entity, names.IdOf(name));
-        if (isCalled) found.refs = constructors;
+        const auto isUnseen = [this](const DeclarationRef& ref) { return strict && !IsVisible(ref); };
+        if (isCalled) found.refs = names.In(owner.entity, names.IdOf(name));
+        std::erase_if(found.refs, isUnseen);
         if (found.refs.empty()) found.refs = names.DefinitionsOf(owner.entity);
+        std::erase_if(found.refs, isUnseen);
         found.owner = owner;
     }
     return found;
@@ -271,7 +273,7 @@ Resolver::Found Resolver::FindAt(int token, bool& isMember, int depth) {
         const int first = StartOfPostfix(operatorAt - 1);
         Type object = first < operatorAt ? EvaluatePostfix(first, operatorAt, depth + 1).type : Type{};
         if ((*tokens)[operatorAt].Is(ArrowMark)) object = PointedBy(object, depth + 1);
-        if (!object.IsClass()) return {};
+        if (!object.HasMembers()) return {};
         const bool isConst = object.isConst;
         Found found = LookInClass(name, object, Wanted::Any, depth + 1);
         found.owner.isConst = isConst;
@@ -348,8 +350,10 @@ Refs Resolver::Choose(const Found& found, int token, int depth) {
 }
 
 // By name alone, wherever it is declared: worth telling only where few things are called so.
-Resolver::Found Resolver::LookAnywhere(std::string_view name, bool isMember, bool isCalled,
-                                       bool withinClass) {
+Resolver::Found Resolver::LookAnywhere(int token, bool isMember, bool withinClass) {
+    const std::string_view name = tokens->TextOf(token);
+    const bool isCalled = (*tokens)[token + 1].Is('(');
+    const bool isQualified = token > 0 && (*tokens)[token - 1].Is(ColonsMark);
     Found found;
     const int id = names.IdOf(name);
     if (id == Names::none) return found;
@@ -361,6 +365,9 @@ Resolver::Found Resolver::LookAnywhere(std::string_view name, bool isMember, boo
         const bool inClass = facts.scopes[static_cast<std::size_t>(declared.scope)].kind == ScopeKind::Class;
         if (!declared.qualifier.empty() || declared.Has(IsConstructor)) continue;
         if (isMember && !inClass) continue;
+        if (!isQualified && declared.kind == FactKind::Enumerator && declared.typeOf >= 0 &&
+            facts.declared[static_cast<std::size_t>(declared.typeOf)].Has(IsScopedEnum))
+            continue;
         if (isCalled && declared.kind == FactKind::Variable &&
             declared.type.find('(') == declared.type.npos && isMember)
             continue;
@@ -481,7 +488,6 @@ std::vector<PlaceAnswer> Resolver::Ask(std::uint32_t offset) {
         const Declared& declared = opened.declared[static_cast<std::size_t>(own->second)];
         if (declared.kind != FactKind::Label) return {AnswerFor({localFile, own->second}, true)};
     }
-    const bool isCalled = (*tokens)[std::min(token + 1, tokens->Count())].Is('(');
     bool isMember = false;
     for (const bool onlySeen : {true, false}) {
         strict = onlySeen;
@@ -514,7 +520,7 @@ std::vector<PlaceAnswer> Resolver::Ask(std::uint32_t offset) {
     if (answers.empty()) {
         strict = false;
         work = 0;
-        const Found found = LookAnywhere(name, isMember, isCalled, ClassAround(WhereAt(token), 1).IsClass());
+        const Found found = LookAnywhere(token, isMember, ClassAround(WhereAt(token), 1).IsClass());
         if (!found.refs.empty())
             for (const DeclarationRef& ref : Choose(found, token, 0)) {
                 if (answers.size() == mostAnswers) break;

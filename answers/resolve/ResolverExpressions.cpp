@@ -62,6 +62,12 @@ constexpr std::string_view pointerGivers[] = {"get",         "data",        "rel
 constexpr std::string_view elementGivers[] = {"front", "back", "top",       "at",       "value", "value_or",
                                               "first", "last", "takeFirst", "takeLast", "pop"};
 
+// Whether the parentheses behind it are the header of a statement.
+bool IsControl(const Token& token) {
+    return token.IsKeyword(Kw_if) || token.IsKeyword(Kw_for) || token.IsKeyword(Kw_while) ||
+           token.IsKeyword(Kw_switch);
+}
+
 bool IsAmong(std::span<const std::string_view> all, std::string_view text) {
     return std::find(all.begin(), all.end(), text) != all.end();
 }
@@ -102,6 +108,9 @@ int Resolver::StartOfPostfix(int last) {
             if (token.partner < 0) return at + 1;
             const int open = token.partner;
             const Token& before = open > 0 ? (*tokens)[open - 1] : Token{};
+            const bool isBehindHeader =
+                before.Is(')') && before.partner > 0 && IsControl((*tokens)[before.partner - 1]);
+            if (isBehindHeader) return open;
             if (before.IsName() || before.Is(')') || before.Is(']') || IsBuiltinWord(before)) {
                 at = open - 1;
                 continue;
@@ -339,8 +348,7 @@ Resolver::Value Resolver::EvaluateName(int& at, int past, int depth) {
         if (!more) return value;
         ++at;
         isFirst = false;
-        if (value.type.entity == Names::none && !value.isType)
-            isFirst = !names.MacrosOf(names.IdOf(name)).empty();
+        if (value.type.entity == Names::none && !value.isType) isFirst = IsMacro(name);
     }
 }
 
@@ -404,7 +412,7 @@ Resolver::Value Resolver::EvaluatePostfix(int first, int past, int depth) {
             if (at >= past || !(*tokens)[at].IsName()) return Value{};
             const std::string_view name = tokens->TextOf(at);
             value = Value{};
-            if (object.IsClass()) {
+            if (object.HasMembers()) {
                 value.named = LookInClass(name, object, Wanted::Any, depth + 1);
                 if (!value.named.refs.empty() && At(value.named.refs.front()).kind != FactKind::Function)
                     value.type = TypeOf(value.named.refs.front(), value.named.owner, depth + 1);

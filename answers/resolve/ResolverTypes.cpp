@@ -145,8 +145,7 @@ Type Resolver::TypeFromTokens(const TokenList& list, int first, int past, const 
                                    found.owner.IsClass() ? &found.owner
                                    : isFirst             ? owner
                                                          : &outer);
-                if (type.entity == Names::none && hasMore && type.name == name && isFirst &&
-                    !names.MacrosOf(names.IdOf(name)).empty()) {
+                if (type.entity == Names::none && hasMore && type.name == name && isFirst && IsMacro(name)) {
                     // A macro that stands for a namespace: whatever it is, go on from the place.
                     at = next + 1;
                     continue;
@@ -198,7 +197,7 @@ Type Resolver::TypeOfFound(const Found& found, const std::vector<Type>& argument
         if (declared.typeOf >= 0) {
             const FileFacts& facts = FactsIn(ref.file);
             const Declared& named = facts.declared[static_cast<std::size_t>(declared.typeOf)];
-            if (named.body >= 0) type.entity = EntityAt({ref.file, named.body, 0});
+            TakeBody(ref.file, named, type);
             type.pointers = static_cast<int>(std::count(declared.type.begin(), declared.type.end(), '*'));
             return type;
         }
@@ -244,9 +243,7 @@ Type Resolver::TypeOfFound(const Found& found, const std::vector<Type>& argument
     }
     // The scope that the class opens, or the one that another declaration of it opens.
     if (ref.file == localFile) {
-        const FileFacts& facts = FactsIn(ref.file);
-        if (declared.body >= 0) type.entity = openedEntities[static_cast<std::size_t>(declared.body)];
-        (void)facts;
+        TakeBody(ref.file, declared, type);
     } else {
         const int holder = names.EntityOf(ref.file, declared.scope);
         type.entity = names.ChildOf(holder, declared.name);
@@ -255,6 +252,13 @@ Type Resolver::TypeOfFound(const Found& found, const std::vector<Type>& argument
         if (type.entity == Names::none) type.name = declared.name;
     }
     return type;
+}
+
+// The class that a declaration begins.
+void Resolver::TakeBody(int file, const Declared& declared, Type& type) {
+    if (declared.body < 0) return;
+    type.entity = EntityAt({file, declared.body, 0});
+    if (file == localFile && type.entity == Names::none) type.localClass = declared.body;
 }
 
 Resolver::Where Resolver::WhereOf(const DeclarationRef& ref) {
@@ -283,7 +287,7 @@ Type Resolver::TypeOf(const DeclarationRef& ref, const Type& owner, int depth) {
     }
     if (declared.typeOf >= 0) {
         const Declared& named = facts.declared[static_cast<std::size_t>(declared.typeOf)];
-        if (named.body >= 0) type.entity = EntityAt({ref.file, named.body, 0});
+        TakeBody(ref.file, named, type);
         type.name = named.name;
         type.pointers = static_cast<int>(std::count_if(declared.type.begin(), declared.type.end(),
                                                        [](char c) { return c == '*' || c == '['; }));
@@ -292,15 +296,41 @@ Type Resolver::TypeOf(const DeclarationRef& ref, const Type& owner, int depth) {
     const bool isAuto = declared.type.find("auto") != declared.type.npos &&
                         (declared.type.starts_with("auto") || declared.type.starts_with("const auto"));
     if (isAuto) {
-        if (ref.file != localFile || declared.initial < 0 || declared.Has(IsBinding)) return type;
+        if (ref.file != localFile || declared.initial < 0) return type;
         type = Evaluate(declared.initial, declared.initialPast, depth + 1).type;
         if (declared.Has(IsRangeElement)) type = ElementOf(type, depth + 1);
-        return type;
+        return declared.Has(IsBinding) ? PartOf(type, ref.index, depth + 1) : type;
     }
     Where where = WhereOf(ref);
     if (declared.kind == FactKind::Function) where.at = declared.past;
     type = TypeFromText(declared.type, where, owner.IsClass() ? &owner : nullptr, depth + 1);
     return type;
+}
+
+// What a name of a structured binding stands for: an element, an argument of `pair` and its like, or a
+// member.
+Type Resolver::PartOf(const Type& type, int binding, int depth) {
+    int number = 0;
+    const std::uint32_t statement = opened.declared[static_cast<std::size_t>(binding)].begin;
+    for (int i = binding - 1; i >= 0 && opened.declared[static_cast<std::size_t>(i)].begin == statement; --i)
+        if (opened.declared[static_cast<std::size_t>(i)].Has(IsBinding)) ++number;
+    if (type.pointers > 0) return ElementOf(type, depth + 1);
+    if (!type.IsClass())
+        return number < static_cast<int>(type.arguments.size())
+                   ? type.arguments[static_cast<std::size_t>(number)]
+                   : Type();
+    const DeclarationRef ref = DefinitionOf(type.entity);
+    if (ref.IsNone()) return {};
+    const FileFacts& facts = FactsIn(ref.file);
+    const int body = At(ref).body;
+    for (std::size_t i = static_cast<std::size_t>(ref.index) + 1; i < facts.declared.size(); ++i) {
+        const Declared& member = facts.declared[i];
+        if (member.begin >= At(ref).past) break;
+        const bool isData =
+            member.scope == body && member.kind == FactKind::Variable && !member.Has(IsStatic);
+        if (isData && number-- == 0) return TypeOf({ref.file, static_cast<int>(i)}, type, depth + 1);
+    }
+    return {};
 }
 
 // What a type gives that is stepped through: elements of arrays and of all that holds elements.

@@ -350,8 +350,8 @@ end:
     variable i: int
     variable n: int
       variable inner: int
-    variable key: auto binding
-    variable value: auto binding
+    variable key: auto each binding
+    variable value: auto each binding
     variable found: auto*
     variable deep: int
       variable e: int
