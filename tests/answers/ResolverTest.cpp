@@ -23,7 +23,8 @@ struct Mark {
     std::string label;
 };
 
-// Several files in one text, each behind a line `== path`. `@1@` in front of a name calls its place 1, and
+// Several files in one text, each behind a line `== path`; `<< path` includes one. `@1@` in front of a name
+// calls its place 1, and
 // `^1^` asks what stands there, which is 1; `^1?^` where it is only possible, `^1 2^` for two, `^^` for
 // nothing. Further marks are the test's.
 class MarkedFiles {
@@ -36,12 +37,14 @@ public:
             if (line.starts_with("== ")) {
                 path = line.substr(3);
                 files[path];
+            } else if (line.starts_with("<< ")) {
+                AddLine(path, "#include \"" + std::string(line.substr(3)) + "\"");
             } else {
                 AddLine(path, line);
             }
         }
         for (const auto& [name, content] : files) {
-            folder.add(name);
+            folder.Add(name);
             std::ofstream(name, std::ios::binary) << content;
         }
     }
@@ -217,7 +220,7 @@ using namespace a; void j() { b::^1^Ship s; }
 class Ship; void @1@Moor(int); class @2@Tug; struct @3@Full; struct @4@Full { int @5@x; }; extern int @6@depth;
 class Quay { void @7@Open(); void @8@Close(int); };
 == main.cpp
-#include "ship.h"
+<< ship.h
 void f(^2^Tug* t, ^4^Full* full) { ^1^Moor(1); full->^5^x; ^6^depth; }
 void Quay::@9@Open() { ^8^Close(2); ^9^Open(); }
 void @a@Moor(int d) { ^a^Moor(d); }
@@ -300,7 +303,7 @@ struct UsesRow {
 
 const UsesRow usesRows[] = {
     {"a class, its parts, and another of its name", "a::Ship", R"(== main.cpp
-#include "ship.h"
+<< ship.h
 a::@type@Ship* Make(const a::@type@Ship& s) { a::Tug tug; b::Ship other; auto x = static_cast<a::@type@Ship*>(0); return new a::@type@Ship; }
 using namespace a; std::vector<@type@Ship> all; int @type@Ship::* Ship2; // Ship
 == ship.h
@@ -308,7 +311,7 @@ namespace a { class @declaration@Ship; class @declaration@Ship { Ship(); @type@S
 namespace b { class Ship { }; }
 )"},
     {"a method with its declaration, its body, its calls, and those of others", "Ship::Go", R"(== main.cpp
-#include "ship.h"
+<< ship.h
 void Ship::@declaration@Go(int d) { @call@Go(1); this->@call@Go(2); Tug t; t.Go(); Deck deck; deck.@call@Go(3); auto p = &Ship::@read@Go; }
 void f(Unknown* u, Ship& s) { u->@call?@Go(1); s.@call@Go(2); @call?@Go(3); int Go = 2; Go++; }
 == ship.h
