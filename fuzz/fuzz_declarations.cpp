@@ -1,15 +1,14 @@
-// What a file declares: each line of the input read as a statement, as a list of names and of enumerators,
-// and the whole loaded into a table. Texts lie in what was read, places in the file and on the name.
+// What a file declares: each line of the input read as a statement, and the outline of the whole. Texts lie
+// in what was read, places in the file and on the name.
 
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include <answers/facts/DeclarationText.h>
-#include <answers/resolve/Declarations.h>
+#include <answers/facts/Outline.h>
 
+#include "Check.h"
 #include "Lines.h"
-#include "LoadedTable.h"
 
 using namespace ostraka::answers;
 
@@ -22,14 +21,8 @@ public:
 
     std::string Dump() {
         for (const bool hasBody : {false, true}) AddDeclaration(ReadDeclaration(text, hasBody));
-        for (const DeclaredName& name : ReadNamesBehindBody(text)) AddName(name);
-        for (const EnumeratorText& value : ReadEnumerators(text)) {
-            Add(value.name);
-            Add(value.text);
-            CHECK(value.name.data() == text.data() + value.at);
-        }
         dump += BelongsBehindArguments(text) ? "+" : "-";
-        return dump + ReadableLine(text);
+        return dump;
     }
 
 private:
@@ -63,53 +56,28 @@ private:
     std::string dump;
 };
 
-std::vector<std::string> LinesOfFile(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    std::vector<std::string> lines;
-    for (std::string line; std::getline(file, line);) lines.push_back(line);
-    return lines;
-}
-
-// The words of the dialect that the stream rewrites; columns behind them aren't those of the file.
-bool IsRewritten(const std::string& line) {
-    return line.find("NUBLIST") != std::string::npos || line.find("SEQUENCE") != std::string::npos;
-}
-
-// Lines that end within a literal aren't counted by the stream, which keeps their ends.
-bool HasLinesInLiterals(TAPSymbolTable& table, const std::string& path) {
-    const TAPSourceFile& file = *static_cast<TAPSyntaxe*>(table.trees[path.c_str()])->GetTAPSourceFile();
-    return std::string_view(file.GetStream(), static_cast<std::size_t>(file.GetSize())).find('\n') !=
-           std::string_view::npos;
-}
-
 // Every place is one of the file, and a name begins at its own.
-void CheckPlaces(const OutlineEntry& entry, const std::vector<std::string>& lines) {
-    for (const Place& place : {entry.place, entry.namePlace}) {
-        CHECK(place.line >= 1 && place.line <= static_cast<int>(lines.size()) && place.column >= 1);
-        const std::string& line = lines[static_cast<std::size_t>(place.line - 1)];
-        CHECK(place.column <= static_cast<int>(line.size()));
-    }
-    const std::string& line = lines[static_cast<std::size_t>(entry.namePlace.line - 1)];
-    if (entry.name.empty() || IsRewritten(line)) return;
-    CHECK(line[static_cast<std::size_t>(entry.namePlace.column - 1)] == entry.name.front());
+void CheckPlaces(const OutlineEntry& entry, const FileFacts& facts, std::string_view text) {
+    for (const Place& place : {entry.place, entry.namePlace})
+        CHECK(place.line >= 1 && place.column >= 1 && facts.OffsetOf(place) <= text.size());
+    const std::size_t at = facts.OffsetOf(entry.namePlace);
+    CHECK(entry.name.empty() || (at < text.size() && text[at] == entry.name.front()));
 }
 
-std::string OutlineOf(TAPSymbolTable& table, const std::string& path) {
-    const std::vector<std::string> lines = LinesOfFile(path);
-    const bool isExact = !HasLinesInLiterals(table, path);
+std::string OutlineDump(std::string_view text, Dialect dialect) {
+    const TokenList tokens(text);
+    const FileFacts facts = ReadFacts(tokens, Depth::Declarations, dialect);
     std::string dump;
-    for (const OutlineEntry& entry : DeclarationsOf(table, path)) {
-        if (isExact) CheckPlaces(entry, lines);
-        CHECK(entry.depth >= 0 && entry.visibility >= -1 && entry.visibility <= 2);
-        dump += NameOf(entry.kind) + entry.scope + entry.name + entry.text + entry.arguments + entry.type +
-                std::to_string(entry.namePlace.line) + ":" + std::to_string(entry.namePlace.column) + "\n";
+    int depth = 0;
+    for (const OutlineEntry& entry : OutlineOf(tokens, facts)) {
+        CheckPlaces(entry, facts, text);
+        CHECK(entry.depth >= 0 && entry.depth <= depth + 2);
+        depth = entry.depth;
+        if (entry.declared >= 0)
+            dump += SortOf(facts, facts.declared[static_cast<std::size_t>(entry.declared)]);
+        dump +=
+            NameOf(entry.kind) + entry.scope + entry.name + entry.text + entry.arguments + entry.type + "\n";
     }
-    return dump;
-}
-
-std::string OutlinesOf(TAPSymbolTable& table) {
-    std::string dump;
-    for (int i = 0; i < table.trees.size; ++i) dump += OutlineOf(table, table.trees.keys[i]);
     return dump;
 }
 
@@ -117,12 +85,8 @@ std::string OutlinesOf(TAPSymbolTable& table) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     for (const std::string& line : LinesOf(data, size)) CHECK(Reading(line).Dump() == Reading(line).Dump());
-    const InputFiles files(data, size, "text.cpp");
-    auto* table = new TAPSymbolTable;
-    table->LoadFile(files.path.c_str(), 1);
-    CHECK(OutlinesOf(*table) == OutlinesOf(*table));
-    for (int i = 0; i < table->classIndex.size; ++i)
-        MembersOf(*table, *static_cast<TAPDefClass*>(table->classIndex.values[i]));
-    table->Release();
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    for (const Dialect dialect : {Dialect::Cpp, Dialect::Idl})
+        CHECK(OutlineDump(text, dialect) == OutlineDump(text, dialect));
     return 0;
 }

@@ -14,12 +14,12 @@ namespace ostraka::answers {
 
 namespace {
 
-struct Keyword {
+struct KeyWord {
     std::string_view word;
     DeclarationKind kind;
 };
 
-constexpr Keyword scopeWords[] = {
+constexpr KeyWord scopeWords[] = {
     {"class", DeclarationKind::Class},         {"interface", DeclarationKind::Class},
     {"struct", DeclarationKind::Struct},       {"exception", DeclarationKind::Struct},
     {"union", DeclarationKind::Union},         {"enum", DeclarationKind::Enum},
@@ -468,15 +468,15 @@ bool IsForward(const Head& head) {
                                std::isupper(static_cast<unsigned char>(head.name.front())) != 0);
 }
 
-const Keyword* KeywordOf(std::string_view word) {
+const KeyWord* KeywordOf(std::string_view word) {
     const auto* found = std::find_if(std::begin(scopeWords), std::end(scopeWords),
-                                     [=](const Keyword& row) { return row.word == word; });
+                                     [=](const KeyWord& row) { return row.word == word; });
     return found == std::end(scopeWords) ? nullptr : found;
 }
 
 // What stands behind the keyword: the head of a body, a name declared in advance, or no more than the type of
 // a variable or a function.
-void ReadNamedType(std::string_view text, std::size_t past, const Keyword& keyword, bool hasBody,
+void ReadNamedType(std::string_view text, std::size_t past, const KeyWord& keyword, bool hasBody,
                    DeclarationReading& reading) {
     if (keyword.kind == DeclarationKind::Enum)
         if (const std::string_view word = WordAt(text, SkipBlanks(text, past));
@@ -506,19 +506,6 @@ void ReadAlias(std::string_view text, std::size_t past, DeclarationReading& read
     reading.names = {NameIn(text, {}, name)};
 }
 
-// Whether a reader expects a blank between what stands so far and the next character.
-bool WantsBlank(std::string_view text, char next) {
-    const char last = text.back();
-    const char before = text.size() > 1 ? text[text.size() - 2] : ' ';
-    switch (last) {
-    case ',': return next != ' ' && !text.ends_with("operator,");
-    case ')': return StartsName(next) || next == '=';
-    case '=': return IsQuote(next) || (next == '(' && before == ' ');
-    case '>': return text.size() > 1 && before != '-' && StartsName(next);
-    default: return false;
-    }
-}
-
 } // namespace
 
 DeclarationReading ReadDeclaration(std::string_view text, bool hasBody) {
@@ -544,7 +531,7 @@ DeclarationReading ReadDeclaration(std::string_view text, bool hasBody) {
         past = behind; // an export word, or the call of a macro without arguments
         word = WordAt(text, past);
     }
-    if (const Keyword* keyword = KeywordOf(word)) {
+    if (const KeyWord* keyword = KeywordOf(word)) {
         ReadNamedType(text, past + word.size(), *keyword, hasBody, reading);
         if (reading.kind || keyword->kind == DeclarationKind::Namespace) return reading;
     }
@@ -571,38 +558,6 @@ std::string TypeOf(const DeclaredName& name) {
 std::string AsWritten(std::string_view type, const DeclaredName& name) {
     const std::string written = TypeOf(name);
     return LettersOf(written) == LettersOf(type) ? written : std::string(type);
-}
-
-std::vector<DeclaredName> ReadNamesBehindBody(std::string_view text) {
-    DeclarationReading reading = DeclaratorReading(text, 0, 1, false, {}).Run();
-    if (reading.kind == DeclarationKind::Function) return {};
-    return std::move(reading.names);
-}
-
-std::vector<EnumeratorText> ReadEnumerators(std::string_view body) {
-    std::vector<EnumeratorText> found;
-    for (std::size_t at = 0; at < body.size();) {
-        at = SkipBlanks(body, at);
-        const std::size_t past = FindOutside(body, at, ",");
-        const std::string_view name = WordAt(body, at);
-        if (!name.empty() && StartsName(name.front()))
-            found.push_back({name, Trimmed(body.substr(at, past - at)), at});
-        at = past + 1;
-    }
-    return found;
-}
-
-std::string ReadableLine(std::string_view text) {
-    std::string spaced;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t past = IsQuote(text[at]) ? SkipQuoted(text, at) : at + 1;
-        spaced += text.substr(at, past - at);
-        if (past < text.size() && WantsBlank(spaced, text[past])) spaced += ' ';
-        at = past;
-    }
-    std::string line;
-    AppendOneLine(line, spaced);
-    return line;
 }
 
 } // namespace ostraka::answers

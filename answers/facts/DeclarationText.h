@@ -9,25 +9,9 @@
 #include <string_view>
 #include <vector>
 
-namespace ostraka::answers {
+#include <answers/facts/Outline.h>
 
-enum class DeclarationKind {
-    Class, // with a body, also an interface
-    Struct,
-    Union,
-    Namespace,
-    Forward,
-    Enum,
-    Enumerator,
-    Typedef,
-    Method, // in the body of its class
-    Member,
-    Implementation, // of a method, outside of its class
-    Function,       // declared
-    FunctionBody,
-    Variable,
-    Tie, // of the interface `name` to the class `scope`
-};
+namespace ostraka::answers {
 
 // Texts point into the text that was read.
 struct DeclaredName {
@@ -65,19 +49,5 @@ std::string TypeOf(const DeclaredName& name);
 // The type of the name, as a table tells it, in the order of the text. A table collects words and marks
 // apart: to it `const char* const name` is a "const char const*".
 std::string AsWritten(std::string_view type, const DeclaredName& name);
-
-// The names of `side` and `* all` in `enum Side { ... } side, *all`, which stand behind the body.
-std::vector<DeclaredName> ReadNamesBehindBody(std::string_view text);
-
-// The names of `Red, Green = 2`, each with what is written for it.
-struct EnumeratorText {
-    std::string_view name;
-    std::string_view text;
-    std::size_t at = 0;
-};
-std::vector<EnumeratorText> ReadEnumerators(std::string_view body);
-
-// Normalised text as one line, with the blanks that a reader expects: "f(int a, int b) const".
-std::string ReadableLine(std::string_view text);
 
 } // namespace ostraka::answers

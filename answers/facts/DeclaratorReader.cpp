@@ -122,15 +122,19 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
         Chain chain;
         if (!ReadChain(at, chain)) return false;
         if (chain.isOperator || chain.isDestructor) break;
-        const Token& behind = T(chain.past);
+        const Token& behind = T(PastAttributes(chain.past));
         const bool anotherWord = behind.kind == TokenKind::Word || behind.Is(ColonsMark);
+        if (head.words == 0 && behind.Is('(') && PastMacroAndName(at) > 0) {
+            head.typeFirst = at;
+            head.typePast = at = PastMacroAndName(at);
+            ++head.words;
+            break;
+        }
         if (head.words == 0 && behind.Is('(')) {
             // `WORD(x) int f()`: a macro before the type. A name that is nothing but a word and arguments is
             // told by what follows them.
             const int past = PastBracket(chain.past);
-            const bool pointerInside = IsMark(chain.past + 1, '*') && IsName(chain.past + 2) &&
-                                       IsMark(chain.past + 3, ')') && IsMark(chain.past + 4, '(');
-            if (pointerInside) {
+            if (HoldsDeclarator(chain.past, head.isTypedef)) {
                 head.typeFirst = at;
                 head.typePast = chain.past;
                 ++head.words;
@@ -190,6 +194,18 @@ bool FactReader::StructuredBinding(const Head& head, int open, Mode mode) {
     return true;
 }
 
+// Whether the parentheses hold a name that is declared, and arguments stand behind them: `(*call)(int)`,
+// `(WINAPI *call)(int)`. A type's name may also stand behind a word that holds the mark: `(APIENTRYP
+// Call)(int)`.
+bool FactReader::HoldsDeclarator(int open, bool isTypedef) const {
+    int at = open + 1;
+    while (IsName(at) && (IsName(at + 1) || IsMark(at + 1, '*'))) ++at;
+    const bool hasWord = at > open + 1;
+    bool hasMark = false;
+    for (; IsMark(at, '*') || IsKey(at, Kw_const); ++at) hasMark = true;
+    return (hasMark || (hasWord && isTypedef)) && IsName(at) && IsMark(at + 1, ')') && IsMark(at + 2, '(');
+}
+
 // `at` stands at the marks before the first name.
 bool FactReader::Declarators(Head& head, int from, Mode mode) {
     const int bound = contexts.back().past;
@@ -247,9 +263,9 @@ bool FactReader::Declarators(Head& head, int from, Mode mode) {
                 behind = FunctionTail(PastBracket(behind), flags, trailing);
             }
         } else if (IsMark(behind, '(')) {
-            const bool isVariable = mode != Mode::Statement ||
-                                    (InBlock() && (head.typeOf >= 0 || !head.isTypedef)) ||
-                                    (LooksLikeValues(behind) && !chain.isOperator && !head.isTypedef);
+            const bool isVariable =
+                mode != Mode::Statement || (InBlock() && (head.typeOf >= 0 || !head.isTypedef)) ||
+                (!InClass() && LooksLikeValues(behind) && !chain.isOperator && !head.isTypedef);
             const bool declaresLocally =
                 InBlock() && mode == Mode::Statement && IsParameterList(behind, true);
             if (!isVariable || declaresLocally) {
@@ -450,6 +466,8 @@ bool FactReader::IsParameterList(int open, bool strict) const {
                 token.code == Kw_static_cast)
                 return false;
             if (++words >= 2 && T(at - 1).kind == TokenKind::Word) return true;
+            if (const int past = PastTypeMacro(at); past > 0 && past < close && !IsMark(past, ','))
+                at = past - 1;
             continue;
         }
         switch (token.code) {
@@ -751,6 +769,11 @@ void FactReader::Parameter(int first, int past, int functionScope) {
             break;
         }
         if (IsMark(at, EllipsisMark)) isPack = true;
+        if (const int macro = words == 0 ? PastTypeMacro(at) : -1; macro > 0 && macro <= past) {
+            ++words;
+            at = macro - 1;
+            continue;
+        }
         if (IsMark(at, '(') && words > 0 && inner < 0) {
             int in = at + 1;
             while (in < past && (IsName(in) || IsMark(in, ColonsMark)) && !IsMark(in + 1, ')')) ++in;

@@ -163,6 +163,11 @@ void FactReader::AtStatement() {
         i += 2;
         return;
     }
+    if (token.IsName() && IsMark(i + 1, ';')) { // `DECLARE_CLASS;`
+        facts.calls.push_back({facts.texts.Keep(TextAt(i)), {}, OffsetAt(i), scope});
+        i += 2;
+        return;
+    }
     if (!Declaration(Mode::Statement)) statementBegins = false;
 }
 
@@ -611,7 +616,7 @@ bool FactReader::ClassDeclaration(Head head) {
         i = std::min(at + 1, contexts.back().past);
         return true;
     }
-    const bool isForward = IsMark(at, ';') && !head.isTypedef &&
+    const bool isForward = (IsMark(at, ';') || at == tokens.Count()) && !head.isTypedef &&
                            (words == 1 || kind == FactKind::Class || IsMacroLike(TextAt(before.name)));
     if (isForward) {
         head.flags |= IsForward;

@@ -99,6 +99,7 @@ private:
     void AfterBody(const Context& context);
     bool Declaration(Mode mode);
     bool DeclarationFrom(Head head, int from, Mode mode);
+    bool HoldsDeclarator(int open, bool isTypedef) const;
     bool Declarators(Head& head, int from, Mode mode);
     bool StructuredBinding(const Head& head, int open, Mode mode);
     bool FunctionDeclarator(Head& head, const Chain& chain, int pointers, int open, Mode mode, int tail = -1);
@@ -121,6 +122,8 @@ private:
     bool ReadChain(int from, Chain& chain) const;
     int PastOperator(int keyword, bool& isConversion) const;
     int PastAngles(int open) const;
+    int PastTypeMacro(int at) const;
+    int PastMacroAndName(int at) const;
     int PastMemberMarks(int from) const;
     int PastAttributes(int from) const;
     bool OpensHead(int at) const;

@@ -2,6 +2,7 @@
 // And the small pieces that all readers of facts use.
 
 #include <answers/facts/FactReader.h>
+#include <ostraka/syntax/DialectWords.h>
 
 namespace ostraka::answers {
 
@@ -427,6 +428,26 @@ bool FactReader::IsMacroLike(std::string_view word) {
     return word.size() > 1 && std::all_of(word.begin(), word.end(), [](char c) {
                return (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_';
            });
+}
+
+// Behind `LIST(Ship)`, a macro's call that may stand for a type; -1 where it isn't such a one.
+int FactReader::PastTypeMacro(int at) const {
+    if (!IsName(at) || !IsMacroLike(TextAt(at)) || !IsMark(at + 1, '(')) return -1;
+    const bool isPointer = IsMark(at + 2, '*') || IsMark(at + 2, '&') || IsMark(at + 2, ')');
+    return isPointer || T(at + 1).partner < 0 ? -1 : T(at + 1).partner + 1;
+}
+
+// Behind the type that a macro stands for, where a name is declared with it: `LIST(Ship) all;`.
+int FactReader::PastMacroAndName(int at) const {
+    const int past = PastTypeMacro(at);
+    if (past < 0) return -1;
+    int name = past;
+    while (IsMark(name, '*') || IsMark(name, '&') || IsKey(name, Kw_const)) ++name;
+    if (!IsName(name) || BeginsLine(name)) return -1;
+    const bool isFunction = IsMark(name + 1, '(') && (name > past || detail::IsTypedListWord(TextAt(at)));
+    const bool ends = IsMark(name + 1, ';') || IsMark(name + 1, ',') || IsMark(name + 1, '=') ||
+                      IsMark(name + 1, '[') || IsMark(name + 1, ColonsMark);
+    return isFunction || ends ? past : -1;
 }
 
 // ---- What is kept

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include <answers/resolve/Resolver.h>
+#include <ostraka/syntax/DialectWords.h>
 
 namespace ostraka::answers {
 
@@ -127,6 +128,13 @@ Type Resolver::TypeFromTokens(const TokenList& list, int first, int past, const 
                     }
                     next = close;
                 }
+            }
+            if (isFirst && next < past && list[next].Is('(') && list[next].partner < past &&
+                detail::IsTypedListWord(name)) { // `NUBLISTP(Ship)`
+                arguments.push_back(
+                    TypeFromTokens(list, next + 1, list[next].partner, where, owner, depth + 1));
+                if (name == "NUBLISTP") ++arguments.back().pointers;
+                next = list[next].partner + 1;
             }
             Found found;
             if (isFirst) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include <ostraka/symbols/DialectMarks.h>
 #include <ostraka/symbols/NodeShape.h>
 #include <ostraka/symbols/OwnedParts.h>
 #include <ostraka/symbols/TAPDefClass.h>
@@ -24,20 +25,16 @@ using ostraka::detail::IsOfKind;
 using ostraka::detail::IsOfType;
 using ostraka::detail::TextOf;
 
-// A statement of the body that sets something; its text is the whole statement.
-struct Mark {
-    enum { Sort, Visibility } sets;
+// A statement of the body that sets the visibility of those behind it; its text is the whole statement.
+struct Label {
     std::string_view text;
-    int value;
+    int visibility;
 };
 
-constexpr Mark marks[] = {
-    {Mark::Sort, "NUBDeclareInterface", TAPDefClass::Interface},
-    {Mark::Sort, "NUBDeclareClass", TAPDefClass::ComponentClass},
-    {Mark::Sort, "NUBDeclareKindOf", TAPDefClass::ComponentClass},
-    {Mark::Visibility, "public:", TAPDefEntity::Public},
-    {Mark::Visibility, "protected:", TAPDefEntity::Protected},
-    {Mark::Visibility, "private:", TAPDefEntity::Private},
+constexpr Label labels[] = {
+    {"public:", TAPDefEntity::Public},
+    {"protected:", TAPDefEntity::Protected},
+    {"private:", TAPDefEntity::Private},
 };
 
 TAPDefMethod::Binding BindingOf(const TAPSyntaxe& method) {
@@ -78,10 +75,14 @@ private:
     }
 
     bool TakeMark(std::string_view text) {
-        const Mark* mark = std::find_if(std::begin(marks), std::end(marks),
-                                        [=](const Mark& each) { return each.text == text; });
-        if (mark == std::end(marks)) return false;
-        (mark->sets == Mark::Sort ? owner.kind : visibility) = mark->value;
+        if (const auto* mark = ostraka::detail::SortMarkOf(text)) {
+            owner.kind = mark->kind;
+            return true;
+        }
+        const Label* label = std::find_if(std::begin(labels), std::end(labels),
+                                          [=](const Label& each) { return each.text == text; });
+        if (label == std::end(labels)) return false;
+        visibility = label->visibility;
         return true;
     }
 

@@ -15,6 +15,7 @@
 #include <ostraka/foundation/Ref.h>
 #include <ostraka/foundation/TAFileBuffer.h>
 #include <ostraka/foundation/TAFileName.h>
+#include <ostraka/symbols/DialectMarks.h>
 #include <ostraka/symbols/DroppedFunctions.h>
 #include <ostraka/symbols/FileLoading.h>
 #include <ostraka/symbols/NodeShape.h>
@@ -31,7 +32,6 @@ namespace ostraka::detail {
 namespace {
 
 constexpr std::string_view exportWord = "ExportedBy";
-constexpr std::string_view tieMark = "TIE_";
 
 void Enter(TAIndex& index, const NUBString& name) {
     index.Append(name.CastToCharPtr(), nullptr, 0);

@@ -28,6 +28,8 @@
 #include <cstring>
 #include <string_view>
 
+#include <ostraka/syntax/DialectWords.h>
+
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -77,7 +79,6 @@ bool EvenBackslashes(const char* pos, const char* lowest) {
 
 constexpr std::size_t usualIncludes = 8;
 
-constexpr const char* dialectWords[] = {"NUBLISTP", "NUBLISTV", "SEQUENCE"};
 constexpr std::ptrdiff_t dialectLength = 8;
 constexpr std::ptrdiff_t dialectMargin = 10; // so close to the end of the file no word is rewritten
 
@@ -425,7 +426,7 @@ void StreamNormaliser::ReadMacro(Position pos) {
     if (name == nameEnd || value == valueEnd) return;
     macroName.assign(name, nameEnd);
     macroText.assign(value, valueEnd);
-    for (const std::string_view word : dialectWords) {
+    for (const std::string_view word : typedListWords) {
         if (macroText.compare(0, word.size(), word) != 0 || macroText[word.size()] != '(') continue;
         macroText[word.size()] = '_';
         macroText.back() = '_';
@@ -443,7 +444,7 @@ StreamNormaliser::Position StreamNormaliser::LetterAt(Position pos) {
 // The dialect word that starts here; null if none does.
 const char* StreamNormaliser::DialectWordAt(Position pos) const {
     if (pos - text >= fileSize - dialectMargin) return nullptr;
-    for (const char* word : dialectWords) {
+    for (const char* word : typedListWords) {
         if (!TextAt(pos, word)) continue;
         const std::string_view before(text, static_cast<std::size_t>(pos - text));
         const bool isMacro = before.ends_with("DEF_") || before.ends_with("IMPL_");

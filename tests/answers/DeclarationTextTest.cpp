@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <answers/facts/DeclarationText.h>
-#include <answers/resolve/Declarations.h>
 
 namespace {
 
@@ -241,72 +240,6 @@ TEST(ReadDeclaration, Forward) {
         {"class A1 B", "forward B"},
     };
     ExpectLines(rows, false);
-}
-
-TEST(DeclarationText, NamesBehindABody) {
-    struct {
-        const char* text;
-        const char* names;
-    } const rows[] = {
-        {"side", "side"},
-        {" side,*all,list[3]", "side all list"},
-        {"*side = 0,other = f(a,b)", "side other"},
-        {"(*call)(int)", "call"},
-        {"side __attribute__((packed))", "side"},
-        {"__attribute__((packed)) side", "side"},
-        {"Moor(ship)", ""},
-        {"", ""},
-    };
-    for (const auto& row : rows) {
-        std::string names;
-        for (const DeclaredName& name : ReadNamesBehindBody(row.text))
-            names += (names.empty() ? "" : " ") + std::string(name.name);
-        EXPECT_EQ(names, row.names) << row.text;
-    }
-}
-
-TEST(DeclarationText, Enumerators) {
-    struct {
-        const char* body;
-        const char* all;
-    } const rows[] = {
-        {"Red,Green = 2", "Red=Red@0 Green=Green = 2@4 "},
-        {" Red , Green,", "Red=Red@1 Green=Green@7 "},
-        {"A = f(1,2),B ='\\'',C =\",\"", "A=A = f(1,2)@0 B=B ='\\''@11 C=C =\",\"@19 "},
-        {"A = sea::depth,B [[old]] = {1,2},C", "A=A = sea::depth@0 B=B [[old]] = {1,2}@15 C=C@33 "},
-        {"1,,A", "A=A@3 "},
-        {"", ""},
-    };
-    for (const auto& row : rows) {
-        std::string all;
-        for (const EnumeratorText& value : ReadEnumerators(row.body))
-            all += std::string(value.name) + "=" + std::string(value.text) + "@" + std::to_string(value.at) +
-                   " ";
-        EXPECT_EQ(all, row.all) << row.body;
-    }
-}
-
-TEST(DeclarationText, ReadableLine) {
-    struct {
-        const char* text;
-        const char* line;
-    } const rows[] = {
-        {"int f(int a,char b)const", "int f(int a, char b) const"},
-        {"int f()= 0", "int f() = 0"},
-        {"A& operator,(A&,A&)", "A& operator,(A&, A&)"},
-        {"A& operator=(A&)", "A& operator=(A&)"},
-        {"char*s =\"a,b)c\"", "char*s = \"a,b)c\""},
-        {"char c =','", "char c = ','"},
-        {"int a =(1 << 2)", "int a = (1 << 2)"},
-        {"int a ==(b)", "int a ==(b)"},
-        {"std::map<int,int>ships", "std::map<int, int> ships"},
-        {"a->b", "a->b"},
-        {">b", ">b"},
-        {"f()~a", "f() ~a"},
-        {"\"open", "\"open"},
-        {"", ""},
-    };
-    for (const auto& row : rows) EXPECT_EQ(ReadableLine(row.text), row.line) << row.text;
 }
 
 TEST(DeclarationText, WhatStandsBehindArguments) {

@@ -56,6 +56,23 @@ struct : public Mast {}
 variable sail
 variable after: int
 )"},
+    {"macros that stand for types", Dialect::Cpp,
+     R"(class Fleet { LIST( Ship ) ships; static Tug* Strongest(LIST(Tug)& tugs, int least); NUBLISTV(X) All(); MARK; };
+LIST(Tug) all, more; typedef SEQUENCE(octet) Signature;
+typedef GLint (ENTRYP Call)(int); typedef HG (WINAPI * Other) (int); typedef float float4 __attribute__((vector_size(16)));
+)",
+     R"(class Fleet {}
+  -variable ships: LIST(Ship)
+  -function Strongest(LIST(Tug)& tugs, int least): Tug* static
+  -function All(): NUBLISTV(X)
+variable all: LIST(Tug)
+variable more: LIST(Tug)
+typedef Signature: SEQUENCE(octet)
+typedef Call: GLint(*)(int)
+typedef Other: HG(*)(int)
+typedef float4: float
+call MARK()
+)"},
     {"a class that is only named is no class", Dialect::Cpp,
      R"(class Ship* flag; struct stat status = {0}, *others; struct Tug Tow(struct Tug tug);
 class Hull { struct Later* later; enum Side side; class Inner; };

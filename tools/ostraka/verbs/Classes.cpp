@@ -18,6 +18,7 @@
 #include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
 #include "verbs/CodeSession.h"
+#include "verbs/Declared.h"
 #include "verbs/FileId.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
@@ -60,11 +61,6 @@ const char* KeyOf(FactKind kind) {
     case FactKind::Exception: return "exception";
     default: return "class";
     }
-}
-
-const char* WordOf(Access access) {
-    constexpr const char* words[] = {"", "public", "protected", "private"};
-    return words[static_cast<int>(access)];
 }
 
 // The classes of some files, by name.
@@ -142,16 +138,7 @@ public:
         }
         json.Member("key", listed.entry != nullptr ? KeyOf(listed.entry->kind) : "class");
         json.Member("template", listed.entry != nullptr && listed.entry->isTemplate);
-        json.Key("bases");
-        json.BeginList();
-        if (listed.entry != nullptr)
-            for (const ClassBase& base : listed.entry->bases)
-                json.Object([&] {
-                    json.Member("name", base.name);
-                    json.Member("access", WordOf(base.access));
-                    json.Member("virtual", base.isVirtual);
-                });
-        json.EndList();
+        BasesJson(json, listed.entry != nullptr ? listed.entry->bases : std::vector<ClassBase>());
         json.EndObject();
     }
 

@@ -1,5 +1,9 @@
 #include "verbs/Declared.h"
 
+#include <algorithm>
+
+#include <answers/resolve/Declarations.h>
+
 namespace ostraka::tool {
 
 const char* WordFor(const PlaceAnswer& answer) {
@@ -29,6 +33,24 @@ const char* WordFor(FactKind kind) {
     case FactKind::Label: return "label";
     }
     return "";
+}
+
+const char* WordOf(Access access) {
+    constexpr const char* words[] = {"", "public", "protected", "private"};
+    return words[static_cast<int>(access)];
+}
+
+void TakeAccess(CodeSession& code, const std::string& path, std::vector<OutlineEntry>& entries) {
+    const auto isImplementation = [](const OutlineEntry& entry) {
+        return entry.kind == DeclarationKind::Implementation;
+    };
+    if (std::none_of(entries.begin(), entries.end(), isImplementation)) return;
+    const int file = code.FileAt(path);
+    for (const int seen : code.Base().SeenFrom(file))
+        if (!code.AllNames().Has(seen)) code.AllNames().Add(seen);
+    for (OutlineEntry& entry : entries)
+        if (isImplementation(entry))
+            entry.access = AccessOfImplementation(code.Base(), code.AllNames(), {file, entry.declared});
 }
 
 void DeclaredMembers(JsonWriter& json, CodeSession& session, const PlaceAnswer& answer) {

@@ -26,11 +26,6 @@ const char* KeyOf(const ClassEntry& entry) {
     }
 }
 
-const char* WordOf(Access access) {
-    constexpr const char* words[] = {"", "public ", "protected ", "private "};
-    return words[static_cast<int>(access)];
-}
-
 std::string BindingOf(const Declared& method) {
     if (method.Has(IsPure)) return "pure virtual";
     if (method.Has(IsVirtual)) return "virtual";
@@ -95,8 +90,8 @@ DeclarationRef PlainClasses::ImplementationOf(const ClassEntry& entry, const Dec
 void PlainClasses::PrintMember(const Declared& declared, int file, std::string& out) {
     std::string line;
     AppendOneLine(line, TextOf(code.Base().FactsOf(file), declared));
-    fmt::format_to(std::back_inserter(out), "  {}{}  {}\n", WordOf(declared.access), line,
-                   PlaceOf({file, 0}, declared.at));
+    fmt::format_to(std::back_inserter(out), "  {}{}{}  {}\n", WordOf(declared.access),
+                   declared.access == Access::None ? "" : " ", line, PlaceOf({file, 0}, declared.at));
 }
 
 void PlainClasses::PrintClass(const ClassList& list, int number, std::string& out) {
@@ -161,11 +156,7 @@ void PlainClasses::WriteClass(JsonWriter& json, const ClassList& list, int numbe
         json.Member("kind", kind);
         json.Member("text", TextOf(facts, each));
         json.Member("type", OrNull(std::string(each.type)));
-        if (each.access != Access::None) {
-            std::string_view word = WordOf(each.access);
-            word.remove_suffix(1);
-            json.Member("visibility", word);
-        }
+        if (each.access != Access::None) json.Member("visibility", WordOf(each.access));
         json.Key("declared");
         place(entry.ref, each.at);
     };

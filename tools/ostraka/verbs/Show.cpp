@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -11,6 +13,7 @@
 #include "cli/Options.h"
 #include "formats/JsonWriter.h"
 #include "verbs/ClassRecords.h"
+#include "verbs/Declared.h"
 #include "verbs/PlainClass.h"
 #include "verbs/Session.h"
 #include "verbs/TableRun.h"
@@ -44,36 +47,80 @@ void PrintHead(const Request& request, const Session& session, const TAPDefClass
     if (record.dispatch != 0) out += "  dispatch  through NUBBaseDispatch\n";
 }
 
-// What the body of a class holds, and the methods that are only implemented.
-struct Content {
-    std::vector<OutlineEntry> members; // all but methods and enumerators
-    std::vector<OutlineEntry> methods;
+// What the body of a class says, with its record where the table has one.
+struct Line {
+    OutlineEntry entry;
+    TAPDefMethod* method = nullptr;
+    bool isInBody = true;
 };
 
-Content ContentOf(TAPSymbolTable& table, const TAPDefClass& record) {
+// What the body of a class holds, and the methods that are only implemented.
+struct Content {
+    std::vector<Line> members; // all but methods and enumerators
+    std::vector<Line> methods;
+};
+
+// The entry of the class; null for one that isn't in the file's outline.
+const OutlineEntry* EntryOf(const OutlinedFile& file, const TAPDefClass& record) {
+    const OutlineEntry* atPlace = file.EntryAt(PlaceOf(*record.path));
+    if (atPlace != nullptr && atPlace->declared >= 0) return atPlace;
+    const auto found =
+        std::find_if(file.Entries().begin(), file.Entries().end(), [&](const OutlineEntry& entry) {
+            return entry.kind <= DeclarationKind::Union && entry.name == record.name;
+        });
+    return found == file.Entries().end() ? nullptr : &*found;
+}
+
+using MethodsByPlace = std::map<std::pair<int, int>, TAPDefMethod*>;
+
+MethodsByPlace DeclaredMethods(const TAPDefClass& record) {
+    MethodsByPlace methods;
+    for (int i = 1; i <= record.methods.size; ++i)
+        if (record.methods[i]->path != nullptr) {
+            const Place place = PlaceOf(*record.methods[i]->path);
+            methods.try_emplace({place.line, place.column}, record.methods[i]);
+        }
+    return methods;
+}
+
+// The head of an implementation as it reads, without the list of initialisers.
+std::string ImplementationText(const TAPDefMethod& method) {
+    if (method.implPath == nullptr) return method.name;
+    const OutlinedFile file(std::string(method.implPath->filePath.View()));
+    const OutlineEntry* entry = file.EntryAt(PlaceOf(*method.implPath));
+    return entry != nullptr ? entry->text : method.name;
+}
+
+Content ContentOf(const TAPDefClass& record) {
     Content content;
-    for (OutlineEntry& entry : MembersOf(table, record)) {
+    if (record.path == nullptr) return content;
+    const OutlinedFile file(std::string(record.path->filePath.View()));
+    const OutlineEntry* own = EntryOf(file, record);
+    const MethodsByPlace methods = DeclaredMethods(record);
+    for (const OutlineEntry& entry : file.Entries()) {
+        if (own == nullptr || entry.declared < 0 ||
+            file.DeclaredOf(entry).scope != file.DeclaredOf(*own).body)
+            continue;
+        const auto method = methods.find({entry.place.line, entry.place.column});
         if (entry.kind == DeclarationKind::Method)
-            content.methods.push_back(std::move(entry));
+            content.methods.push_back({entry, method == methods.end() ? nullptr : method->second});
         else if (entry.kind != DeclarationKind::Enumerator)
-            content.members.push_back(std::move(entry));
+            content.members.push_back({entry});
     }
     for (int i = 1; i <= record.methods.size; ++i) {
         TAPDefMethod& method = *record.methods[i];
         if (method.path != nullptr) continue;
-        OutlineEntry entry;
-        entry.kind = DeclarationKind::Implementation;
-        entry.name = method.name;
-        entry.text = ImplementationText(table, method);
-        entry.method = &method;
-        content.methods.push_back(std::move(entry));
+        Line line{{}, &method, false};
+        line.entry.kind = DeclarationKind::Implementation;
+        line.entry.name = method.name;
+        line.entry.text = ImplementationText(method);
+        content.methods.push_back(std::move(line));
     }
     return content;
 }
 
 std::string WithVisibility(const OutlineEntry& entry) {
-    const std::string_view visibility = VisibilityOf(entry.visibility);
-    return visibility.empty() ? entry.text : fmt::format("{} {}", visibility, entry.text);
+    return entry.access == Access::None ? entry.text : fmt::format("{} {}", WordOf(entry.access), entry.text);
 }
 
 // A statement stands once, however many names it declares.
@@ -81,26 +128,26 @@ void PrintMembers(const Request& request, const Session& session, const TAPDefCl
                   const Content& content, std::string& out) {
     if (!content.members.empty()) out += "members\n";
     const OutlineEntry* last = nullptr;
-    for (const OutlineEntry& member : content.members) {
-        const bool isShown = last != nullptr && SharesStatement(*last, member);
-        last = &member;
+    for (const Line& member : content.members) {
+        const bool isShown = last != nullptr && SharesStatement(*last, member.entry);
+        last = &member.entry;
         if (isShown) continue;
-        fmt::format_to(std::back_inserter(out), "  {}  {}\n", WithVisibility(member),
-                       PlaceText(request, session.Shown(record.path->filePath.View()), member.place));
+        fmt::format_to(std::back_inserter(out), "  {}  {}\n", WithVisibility(member.entry),
+                       PlaceText(request, session.Shown(record.path->filePath.View()), member.entry.place));
     }
 }
 
 void PrintMethods(const Request& request, const Session& session, const TAPDefClass& record,
                   const Content& content, std::string& out) {
     if (!content.methods.empty()) out += "methods\n";
-    for (const OutlineEntry& entry : content.methods) {
-        fmt::format_to(std::back_inserter(out), "  {}\n", WithVisibility(entry));
-        if (entry.owner != nullptr)
+    for (const Line& line : content.methods) {
+        fmt::format_to(std::back_inserter(out), "  {}\n", WithVisibility(line.entry));
+        if (line.isInBody)
             fmt::format_to(std::back_inserter(out), "    declared    {}\n",
-                           PlaceText(request, session.Shown(record.path->filePath.View()), entry.place));
-        if (entry.method != nullptr && entry.method->implPath != nullptr)
+                           PlaceText(request, session.Shown(record.path->filePath.View()), line.entry.place));
+        if (line.method != nullptr && line.method->implPath != nullptr)
             fmt::format_to(std::back_inserter(out), "    implemented {}, lines: {}\n",
-                           PlaceText(request, session, entry.method->implPath), entry.method->GetImpLine());
+                           PlaceText(request, session, line.method->implPath), line.method->GetImpLine());
     }
 }
 
@@ -115,25 +162,24 @@ void ArgumentJson(JsonWriter& json, const TAPDefVar& argument) {
 }
 
 // What a member and a method have in common.
-void EntryMembers(JsonWriter& json, const Session& session, const TAPDefClass& record,
-                  const OutlineEntry& entry, std::optional<std::string_view> type) {
+void EntryMembers(JsonWriter& json, const Session& session, const TAPDefClass& record, const Line& line,
+                  std::optional<std::string_view> type) {
+    const OutlineEntry& entry = line.entry;
     json.Member("name", entry.name);
     json.Member("kind", NameOf(entry.kind));
     json.Member("text", entry.text);
     json.Member("type", type);
-    if (const std::string_view word = VisibilityOf(entry.visibility); !word.empty())
-        json.Member("visibility", word);
+    if (entry.access != Access::None) json.Member("visibility", WordOf(entry.access));
     json.Key("declared");
-    if (entry.owner != nullptr)
+    if (line.isInBody)
         PlaceJson(json, session.Shown(record.path->filePath.View()), entry.place);
     else
         json.Value(nullptr);
 }
 
-void MemberJson(JsonWriter& json, const Session& session, const TAPDefClass& record,
-                const OutlineEntry& entry) {
+void MemberJson(JsonWriter& json, const Session& session, const TAPDefClass& record, const Line& line) {
     json.BeginObject();
-    EntryMembers(json, session, record, entry, OrNull(entry.type));
+    EntryMembers(json, session, record, line, OrNull(line.entry.type));
     json.EndObject();
 }
 
@@ -157,14 +203,13 @@ void RecordMembers(JsonWriter& json, const Session& session, TAPDefMethod& metho
     if (method.implPath != nullptr) json.Member("lines", method.GetImpLine());
 }
 
-void MethodJson(JsonWriter& json, const Session& session, const TAPDefClass& record,
-                const OutlineEntry& entry) {
-    std::optional<std::string_view> type = OrNull(entry.type);
-    if (entry.method != nullptr && entry.method->returnedType != nullptr) type = entry.method->returnedType;
+void MethodJson(JsonWriter& json, const Session& session, const TAPDefClass& record, const Line& line) {
+    std::optional<std::string_view> type = OrNull(line.entry.type);
+    if (line.method != nullptr && line.method->returnedType != nullptr) type = line.method->returnedType;
     json.BeginObject();
-    EntryMembers(json, session, record, entry, type);
-    if (entry.method != nullptr) {
-        RecordMembers(json, session, *entry.method);
+    EntryMembers(json, session, record, line, type);
+    if (line.method != nullptr) {
+        RecordMembers(json, session, *line.method);
     } else {
         json.Member("arguments", nullptr);
         json.Member("implemented", nullptr);
@@ -180,11 +225,9 @@ void WholeJson(JsonWriter& json, const Session& session, const TAPDefClass& reco
     TiesJson(json, record);
     NamesJson(json, "tiedTo", kin.tiedTo);
     json.Member("dispatch", record.dispatch != 0);
-    const Content content = ContentOf(session.Table(), record);
-    json.List("members", content.members,
-              [&](const OutlineEntry& entry) { MemberJson(json, session, record, entry); });
-    json.List("methods", content.methods,
-              [&](const OutlineEntry& entry) { MethodJson(json, session, record, entry); });
+    const Content content = ContentOf(record);
+    json.List("members", content.members, [&](const Line& line) { MemberJson(json, session, record, line); });
+    json.List("methods", content.methods, [&](const Line& line) { MethodJson(json, session, record, line); });
     json.EndObject();
 }
 
@@ -204,7 +247,7 @@ void Answer(const Request& request, const Session& session, const std::vector<st
         });
     }
     PrintHead(request, session, *record, kin, result.out);
-    const Content content = ContentOf(session.Table(), *record);
+    const Content content = ContentOf(*record);
     PrintMembers(request, session, *record, content, result.out);
     PrintMethods(request, session, *record, content, result.out);
 }

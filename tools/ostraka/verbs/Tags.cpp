@@ -2,19 +2,15 @@
 
 #include <algorithm>
 #include <iterator>
-#include <map>
-#include <set>
 
 #include <fmt/format.h>
 
-#include <answers/facts/RawFile.h>
 #include <answers/resolve/Declarations.h>
-#include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Options.h"
 #include "formats/Text.h"
-#include "verbs/ClassRecords.h"
-#include "verbs/Session.h"
+#include "verbs/CodeSession.h"
+#include "verbs/Declared.h"
 #include "verbs/TableRun.h"
 #include "verbs/Verbs.h"
 
@@ -24,6 +20,7 @@ namespace {
 
 // The kinds of the tags format; functions have another where their body stands.
 constexpr char bodyLetter = 'f';
+constexpr char macroLetter = 'd';
 
 struct TagKind {
     DeclarationKind kind;
@@ -38,10 +35,10 @@ constexpr TagKind tagKinds[] = {
 };
 
 // 0 for what gets no tag.
-char TagLetterOf(const OutlineEntry& declaration) {
-    if (declaration.hasBody) return bodyLetter;
+char TagLetterOf(const OutlineEntry& entry) {
+    if (entry.hasBody) return bodyLetter;
     const auto* found = std::find_if(std::begin(tagKinds), std::end(tagKinds),
-                                     [&](const TagKind& row) { return row.kind == declaration.kind; });
+                                     [&](const TagKind& row) { return row.kind == entry.kind; });
     return found == std::end(tagKinds) ? '\0' : found->letter;
 }
 
@@ -89,40 +86,75 @@ void AppendField(std::string& tag, const char* field, std::string_view value) {
     if (!value.empty()) fmt::format_to(std::back_inserter(tag), "\t{}:{}", field, FieldText(value));
 }
 
-std::string TagLine(const std::string& file, const OutlineEntry& declaration, char letter,
-                    std::string_view line) {
-    // Whoever wrote the line breaks as single carriage returns has one line.
-    const std::string address = line.empty() || line.find('\r') != std::string_view::npos
-                                    ? std::to_string(declaration.namePlace.line)
-                                    : PatternFor(line);
-    std::string tag = fmt::format("{}\t{}\t{};\"\t{}\tline:{}", declaration.name, file, address, letter,
-                                  declaration.namePlace.line);
-    AppendField(tag, NameOf(declaration.scopeKind), declaration.scope);
-    AppendField(tag, "access", VisibilityOf(declaration.visibility));
-    AppendField(tag, "signature", declaration.arguments);
-    if (declaration.classRecord != nullptr) AppendField(tag, "inherits", BaseOf(*declaration.classRecord));
-    return tag + "\n";
+// "A, public B" as tags name them: names alone, with a comma between them.
+std::string InheritsText(const OutlinedFile& file, const OutlineEntry& entry) {
+    std::string text;
+    if (entry.declared < 0) return text;
+    const Declared& declared = file.DeclaredOf(entry);
+    for (int i = 0; i < declared.bases; ++i)
+        text.append(text.empty() ? "" : ",")
+            .append(file.Facts().bases[static_cast<std::size_t>(declared.firstBase + i)].name);
+    return text;
 }
 
-void CollectTags(const Request& request, const Session& session, const std::string& path,
+// The tags of one file.
+class FileTags {
+public:
+    FileTags(std::string shownPath, std::vector<std::string_view> itsLines, std::vector<std::string>& all)
+        : file(std::move(shownPath)), lines(std::move(itsLines)), tags(all) {}
+
+    // The line as far as it stands for every kind; the fields follow.
+    std::string Begin(std::string_view name, char letter, int number) const {
+        const auto at = static_cast<std::size_t>(number);
+        const std::string_view line = at >= 1 && at <= lines.size() ? lines[at - 1] : std::string_view();
+        // Whoever wrote the line breaks as single carriage returns has one line.
+        const std::string address = line.empty() || line.find('\r') != std::string_view::npos
+                                        ? std::to_string(number)
+                                        : PatternFor(line);
+        return fmt::format("{}\t{}\t{};\"\t{}\tline:{}", name, file, address, letter, number);
+    }
+
+    void Add(const OutlinedFile& read, const OutlineEntry& entry) {
+        const char letter = TagLetterOf(entry);
+        if (letter == '\0' || !IsTagName(entry.name)) return;
+        std::string tag = Begin(entry.name, letter, entry.namePlace.line);
+        AppendField(tag, NameOf(entry.scopeKind), entry.scope);
+        AppendField(tag, "access", WordOf(entry.access));
+        AppendField(tag, "signature", entry.arguments);
+        AppendField(tag, "inherits", InheritsText(read, entry));
+        tags.push_back(tag + "\n");
+    }
+
+    void Add(const FileFacts& facts, const MacroDefined& macro) {
+        std::string tag = Begin(macro.name, macroLetter, facts.PlaceOf(macro.at).line);
+        AppendField(tag, "signature", macro.arguments);
+        tags.push_back(tag + "\n");
+    }
+
+private:
+    std::string file;
+    std::vector<std::string_view> lines;
+    std::vector<std::string>& tags;
+};
+
+void CollectTags(const Request& request, CodeSession& code, const std::string& path,
                  std::vector<std::string>& tags, Result& result) {
-    const std::string shown = session.Shown(path);
+    const std::string shown = code.Shown(code.FileAt(path));
     if (shown.find_first_of("\t\n") != std::string::npos) {
         AppendMessage(result.err, shown, std::nullopt, "warning", "a tags file can't hold this name",
                       request.colorErrors);
         return;
     }
-    std::string problem;
-    const auto buffer = ReadFile(path, problem);
-    const std::vector<std::string_view> lines =
-        LinesOf(buffer ? std::string_view(buffer->buffer, buffer->size) : std::string_view());
-    for (const OutlineEntry& declaration : DeclarationsOf(session.Table(), path)) {
-        const char letter = TagLetterOf(declaration);
-        if (letter == '\0' || !IsTagName(declaration.name)) continue;
-        const auto line = static_cast<std::size_t>(declaration.namePlace.line);
-        tags.push_back(TagLine(shown, declaration, letter,
-                               line >= 1 && line <= lines.size() ? lines[line - 1] : std::string_view()));
-    }
+    std::string bytes;
+    CodeBase::ReadBytes(path, bytes);
+    const OutlinedFile read(path);
+    std::vector<OutlineEntry> entries = read.Entries();
+    TakeAccess(code, path, entries);
+    FileTags file(shown, LinesOf(bytes), tags);
+    for (const OutlineEntry& entry : entries) file.Add(read, entry);
+    for (const MacroDefined& macro : read.Facts().macros)
+        if (!macro.value.empty() || !macro.arguments.empty()) // else a guard or a switch
+            file.Add(read.Facts(), macro);
 }
 
 constexpr std::string_view tagsHead = "!_TAG_FILE_FORMAT\t2\t/extended format/\n"
@@ -130,10 +162,10 @@ constexpr std::string_view tagsHead = "!_TAG_FILE_FORMAT\t2\t/extended format/\n
                                       "!_TAG_PROGRAM_NAME\tostraka\t//\n"
                                       "!_TAG_PROGRAM_VERSION\t" OSTRAKA_VERSION "\t//\n";
 
-void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
-            Result& result) {
+void Answer(const Request& request, const Session&, const std::vector<std::string>& files, Result& result) {
     std::vector<std::string> tags;
-    for (const std::string& file : files) CollectTags(request, session, file, tags, result);
+    CodeSession code(request, files);
+    for (const std::string& file : files) CollectTags(request, code, file, tags, result);
     std::sort(tags.begin(), tags.end());
     tags.erase(std::unique(tags.begin(), tags.end()), tags.end());
     result.out = tagsHead;
