@@ -8,6 +8,7 @@
 #include <string>
 
 #include <answers/facts/Brackets.h>
+#include <ostraka/syntax/TAPLexicalSettings.h>
 
 namespace ostraka::answers {
 
@@ -424,11 +425,33 @@ private:
     std::vector<Conditional> conditionals;
 };
 
-TokenList::TokenList(std::string_view text) : source(text) {
+TokenList::TokenList(std::string_view text, const std::vector<std::string>& dropped) : source(text) {
     Scanner(*this).Run();
+    if (!dropped.empty()) Drop(dropped);
     const std::vector<FaultAt> brackets = PairBrackets(source, tokens);
     faults.insert(faults.end(), brackets.begin(), brackets.end());
     std::sort(faults.begin(), faults.end(), [](const FaultAt& a, const FaultAt& b) { return a.at < b.at; });
+}
+
+// With its arguments where a word's pattern says so.
+void TokenList::Drop(const std::vector<std::string>& words) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < tokens.size(); ++i) {
+        const int pattern = tokens[i].IsName() ? detail::FindDroppedWord(words, TextOf(tokens[i])) : -1;
+        if (pattern < 0) {
+            tokens[kept++] = tokens[i];
+            continue;
+        }
+        if (!words[static_cast<std::size_t>(pattern)].ends_with("()") || !tokens[i + 1].Is('(')) continue;
+        int depth = 0;
+        std::size_t at = i + 1;
+        for (; tokens[at].kind != TokenKind::End && !tokens[at].Is(';'); ++at) {
+            if (tokens[at].Is('(')) ++depth;
+            if (tokens[at].Is(')') && --depth == 0) break;
+        }
+        if (tokens[at].Is(')')) i = at;
+    }
+    tokens.resize(kept);
 }
 
 int TokenList::At(std::uint32_t offset) const {

@@ -9,6 +9,7 @@
 // and are passed over. `#if 0` and what only another language sees never count.
 
 #include <cstdint>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -74,8 +75,9 @@ struct FaultAt {
 
 class TokenList {
 public:
-    // The text stays the caller's and must outlive the list.
-    explicit TokenList(std::string_view source);
+    // The text stays the caller's and must outlive the list. Words that fit `dropped` aren't in it, see
+    // TAPLexicalSettings.
+    explicit TokenList(std::string_view source, const std::vector<std::string>& dropped = {});
 
     // The last one is an End, behind the text.
     const std::vector<Token>& All() const { return tokens; }
@@ -97,6 +99,8 @@ public:
 
 private:
     friend class Scanner;
+
+    void Drop(const std::vector<std::string>& words);
 
     std::string_view source;
     std::vector<Token> tokens;

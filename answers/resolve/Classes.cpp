@@ -75,7 +75,8 @@ ClassList::ClassList(CodeBase& known, Names& allNames, Resolver& asked, const st
 void ClassList::AddLocals(CodeBase& known, int file) {
     std::string bytes;
     if (!CodeBase::ReadBytes(known.PathOf(file), bytes)) return;
-    const FileFacts facts = ReadFacts(TokenList(bytes), Depth::Bodies, DialectOf(known.PathOf(file)));
+    const FileFacts facts =
+        ReadFacts(TokenList(bytes, known.DroppedWords()), Depth::Bodies, DialectOf(known.PathOf(file)));
     std::vector<bool> isLocal(facts.scopes.size());
     for (std::size_t i = 1; i < facts.scopes.size(); ++i)
         isLocal[i] = facts.scopes[i].kind >= ScopeKind::Function ||

@@ -141,7 +141,7 @@ const FileFacts& CodeBase::FactsOf(int file) {
         std::string bytes;
         ReadBytes(entry.path, bytes);
         entry.facts = std::make_unique<FileFacts>(
-            ReadFacts(TokenList(bytes), Depth::Declarations, DialectOf(entry.path)));
+            ReadFacts(TokenList(bytes, settings.droppedWords), Depth::Declarations, DialectOf(entry.path)));
     }
     return *entry.facts;
 }

@@ -25,8 +25,9 @@ enum class IncludeRule : std::uint8_t {
 };
 
 struct CodeBaseSettings {
-    std::vector<std::string> roots;   // folders, absolute
-    std::vector<std::string> folders; // for headers, absolute
+    std::vector<std::string> roots;        // folders, absolute
+    std::vector<std::string> folders;      // for headers, absolute
+    std::vector<std::string> droppedWords = {}; // see TAPLexicalSettings
 };
 
 class CodeBase {
@@ -56,6 +57,9 @@ public:
     // All that is seen from the file: what its includes lead to in the order in which a compiler meets it,
     // the file itself last.
     std::vector<int> SeenFrom(int file);
+
+    // Words that the tokens of all its files are without.
+    const std::vector<std::string>& DroppedWords() const { return settings.droppedWords; }
 
     // The bytes of a file; false where it can't be read.
     static bool ReadBytes(const std::string& path, std::string& bytes);

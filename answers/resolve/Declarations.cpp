@@ -35,10 +35,10 @@ const char* WordIn(const Word (&words)[count], int code) {
 
 } // namespace
 
-OutlinedFile::OutlinedFile(const std::string& path) {
+OutlinedFile::OutlinedFile(const std::string& path, const std::vector<std::string>& droppedWords) {
     std::string bytes;
     CodeBase::ReadBytes(path, bytes);
-    const TokenList tokens(bytes);
+    const TokenList tokens(bytes, droppedWords);
     facts = ReadFacts(tokens, Depth::Declarations, DialectOf(path));
     entries = OutlineOf(tokens, facts);
 }

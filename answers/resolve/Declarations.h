@@ -17,7 +17,7 @@ namespace ostraka::answers {
 // A file as it is read for its outline; without entries where it can't be read.
 class OutlinedFile {
 public:
-    explicit OutlinedFile(const std::string& path);
+    explicit OutlinedFile(const std::string& path, const std::vector<std::string>& droppedWords = {});
     OutlinedFile(const OutlinedFile&) = delete;
     OutlinedFile& operator=(const OutlinedFile&) = delete;
 

@@ -30,7 +30,7 @@ bool Resolver::Open(int file) {
     if (openedFile == file) return true;
     openedFile = -1;
     if (!CodeBase::ReadBytes(base.PathOf(file), bytes)) return false;
-    tokens = std::make_unique<TokenList>(bytes);
+    tokens = std::make_unique<TokenList>(bytes, base.DroppedWords());
     opened = ReadFacts(*tokens, Depth::Bodies, DialectOf(base.PathOf(file)));
     openedFile = file;
 

@@ -85,6 +85,7 @@ int Loader::Begin(Language language, TAFileBuffer* buffer, int full) {
     }
     const NUBString name(buffer->fileName);
     PendingLoad load{language, full, new TAPSourceFile(buffer), new TAPDefSource(name, nullptr, &table), {}};
+    load.file->SetLexicalSettings(table.lexicalSettings);
     load.record->readForInterfaces = language == Language::Idl;
     if (full != 0) {
         // From here on the file counts as loaded, which ends a circle of includes.

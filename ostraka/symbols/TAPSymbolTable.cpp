@@ -110,6 +110,7 @@ int TAPSymbolTable::LightLoadFile(const NUBString& name) {
     auto* buffer = new TAFileBuffer(path, 0);
     const bool unreadable = buffer->GetBuffer() == nullptr;
     const auto file = Ref<TAPSourceFile>::Adopt(new TAPSourceFile(buffer));
+    file->SetLexicalSettings(lexicalSettings);
     if (unreadable || file->Process(macros) != 0) {
         errMsg = unreadable ? NUBString(lightLoadProblem) : file->GetErrMsg();
         return 2;

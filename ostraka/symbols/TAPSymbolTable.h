@@ -69,6 +69,9 @@ public:
     // interfaces include, directly or not, is read for its interfaces too.
     bool headersByEnding = false;
 
+    // How files are read that are loaded from here on; null for none of the settings.
+    std::shared_ptr<const TAPLexicalSettings> lexicalSettings;
+
     // Ends the process with status 1 when QxqxOS_VAR isn't set.
     TAPSymbolTable();
     ~TAPSymbolTable() override;

@@ -37,6 +37,11 @@ void FreeArray(T*& array) {
 
 int treeMemories = 0; // that are alive
 
+bool IsIdl(std::string_view path) {
+    const std::string_view ending = path.substr(std::min(path.rfind('.'), path.size()));
+    return ending == ".idl" || ending == ".IDL" || ending == ".odl" || ending == ".ODL";
+}
+
 } // namespace
 
 ostraka::detail::TreeMemory::TreeMemory() {
@@ -89,6 +94,9 @@ int TAPSourceFile::Process(TAIndex& macros) {
     cols = AllocateArray<short>(capacity);
     const void* nul = std::memchr(text, 0, fileSize);
     const char* past = nul != nullptr ? static_cast<const char*>(nul) : text + fileSize;
+    if (lexicalSettings != nullptr && lexicalSettings->HasAny())
+        ostraka::detail::ApplyLexicalSettings(*lexicalSettings, IsIdl(name.View()), text,
+                                              text + (past - text));
     StreamNormaliser normaliser(text, past, static_cast<std::ptrdiff_t>(fileSize), stream, lines, cols);
     failure = normaliser.Run(includes, macros);
     includeList.swap(normaliser.Includes());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include <basalt/NUBString.h>
@@ -11,6 +12,7 @@
 #include <ostraka/foundation/TARefCounter.h>
 #include <ostraka/foundation/TypedLists.h>
 #include <ostraka/syntax/TAPFailure.h>
+#include <ostraka/syntax/TAPLexicalSettings.h>
 #include <ostraka/syntax/TAPSyntaxePoint.h>
 
 namespace ostraka::detail {
@@ -96,6 +98,11 @@ public:
     NUBString GetName() const { return name; }
     NUBString GetErrMsg() const { return errMsg; }
 
+    // What Process takes for blanks; null, as at first, for nothing. Callback 1 gets the bytes as they are.
+    void SetLexicalSettings(std::shared_ptr<const TAPLexicalSettings> chosen) {
+        lexicalSettings = std::move(chosen);
+    }
+
     // Every include directive, those of one name too, in the order of the text. Filled by Process.
     const std::vector<TAPInclude>& GetIncludes() const { return includeList; }
 
@@ -128,6 +135,7 @@ private:
     friend class ostraka::detail::TreeBuilder;
 
     std::unique_ptr<ostraka::detail::TreeMemory> memory;
+    std::shared_ptr<const TAPLexicalSettings> lexicalSettings;
 
     void DropBuffer();
     void AdoptStream(int length);

@@ -61,7 +61,9 @@ inline constexpr Option workspaceOptions[] = {
     {"-w,--workspaces", "ROOT[:ROOT...]", "The workspaces, the first having precedence",
      Text{TakeWorkspaces, true}},
     {"--os", "NAME", "The level of the generated directories",
-     Text{[](Request& r, const std::string& word) { r.osName = word; }}}};
+     Text{[](Request& r, const std::string& word) { r.osName = word; }}},
+    {"--drop-word", "PATTERN", "Read files without this word, as DLL_* or ALIGNED()",
+     Text{[](Request& r, const std::string& word) { r.droppedWords.push_back(word); }, true}}};
 
 inline constexpr Option headerFolderOptions[] = {
     {"-I", "DIR", "Look for headers in this folder too",

@@ -50,6 +50,7 @@ struct Request {
     std::string osName;
 
     std::vector<std::string> headerFolders; // in which headers are looked for
+    std::vector<std::string> droppedWords;  // that mean nothing in declarations
 
     bool certainOnly = false; // uses: without what the name alone tells
     bool byFile = false;      // uses: how many in each file

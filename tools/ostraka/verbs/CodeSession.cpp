@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <system_error>
 
 #include "formats/Text.h"
+#include "verbs/RootSettings.h"
 #include "verbs/Session.h"
 
 namespace fs = std::filesystem;
@@ -33,18 +35,27 @@ std::string RootOf(const std::string& path, const std::string& workingFolder) {
     return own.string();
 }
 
+void TakeRootSettings(const Request& request, CodeBaseSettings& settings) {
+    RootSettings said = ReadRootSettings(settings.roots);
+    std::move(said.folders.begin(), said.folders.end(), std::back_inserter(settings.folders));
+    settings.droppedWords = request.droppedWords;
+    std::move(said.droppedWords.begin(), said.droppedWords.end(), std::back_inserter(settings.droppedWords));
+}
+
 CodeBaseSettings SettingsFor(const Request& request, const std::vector<std::string>& paths) {
     CodeBaseSettings settings;
     for (const std::string& root : WorkspacesOf(request)) settings.roots.push_back(Session::Absolute(root));
     for (const std::string& folder : request.headerFolders)
         settings.folders.push_back(Session::Absolute(folder));
-    if (!settings.roots.empty()) return settings;
-    const std::string workingFolder = Session::Absolute(".") + "/";
-    for (const std::string& path : paths) {
-        std::string root = RootOf(Session::Absolute(path), workingFolder);
-        if (std::find(settings.roots.begin(), settings.roots.end(), root) == settings.roots.end())
-            settings.roots.push_back(std::move(root));
+    if (settings.roots.empty()) {
+        const std::string workingFolder = Session::Absolute(".") + "/";
+        for (const std::string& path : paths) {
+            std::string root = RootOf(Session::Absolute(path), workingFolder);
+            if (std::find(settings.roots.begin(), settings.roots.end(), root) == settings.roots.end())
+                settings.roots.push_back(std::move(root));
+        }
     }
+    TakeRootSettings(request, settings);
     return settings;
 }
 

@@ -99,7 +99,8 @@ void Answer(const Request& request, const Session& session, const std::vector<st
     bool found = false;
     CodeSession code(request, files);
     const auto outlineOf = [&](const std::string& file) {
-        FileOutline outline{session.Shown(file), std::make_unique<OutlinedFile>(file), {}};
+        FileOutline outline{
+            session.Shown(file), std::make_unique<OutlinedFile>(file, code.Base().DroppedWords()), {}};
         outline.entries = outline.read->Entries();
         TakeAccess(code, file, outline.entries);
         found = found || !outline.entries.empty();

@@ -16,6 +16,7 @@
 #include <ostraka/foundation/Directory.h>
 
 #include "verbs/FileId.h"
+#include "verbs/RootSettings.h"
 
 namespace fs = std::filesystem;
 
@@ -130,6 +131,13 @@ std::vector<std::string> WorkspacesOf(const Request& request) {
     return roots;
 }
 
+std::vector<std::string> DroppedWordsOf(const Request& request, const std::vector<std::string>& roots) {
+    std::vector<std::string> words = request.droppedWords;
+    const RootSettings said = ReadRootSettings(roots);
+    words.insert(words.end(), said.droppedWords.begin(), said.droppedWords.end());
+    return words;
+}
+
 Session::Session(const Request& asked, const std::vector<std::string>& paths)
     : request(asked), workingFolder(Absolute(".") + "/") {
     std::vector<std::string> roots = WorkspacesOf(request);
@@ -139,6 +147,9 @@ Session::Session(const Request& asked, const std::vector<std::string>& paths)
     for (const std::string& root : roots)
         if (!IsFolder(root)) missingRoots.push_back(root);
     table.reset(MakeTable(request.osName, roots));
+    TAPLexicalSettings lexical = TAPLexicalSettings::ForRealFiles();
+    lexical.droppedWords = DroppedWordsOf(request, roots);
+    table->lexicalSettings = std::make_shared<const TAPLexicalSettings>(std::move(lexical));
 }
 
 std::string Session::Absolute(const std::string& path) {

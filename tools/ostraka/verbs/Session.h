@@ -22,6 +22,9 @@ namespace ostraka::tool {
 // Those that the request names, as it spells them.
 std::vector<std::string> WorkspacesOf(const Request& request);
 
+// Words that the files are read without: those that the request names, then those of the roots.
+std::vector<std::string> DroppedWordsOf(const Request& request, const std::vector<std::string>& roots);
+
 class Session {
 public:
     // Where the request names no workspaces, those are taken in which the paths lie; where it names no

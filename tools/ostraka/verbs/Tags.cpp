@@ -147,7 +147,7 @@ void CollectTags(const Request& request, CodeSession& code, const std::string& p
     }
     std::string bytes;
     CodeBase::ReadBytes(path, bytes);
-    const OutlinedFile read(path);
+    const OutlinedFile read(path, code.Base().DroppedWords());
     std::vector<OutlineEntry> entries = read.Entries();
     TakeAccess(code, path, entries);
     FileTags file(shown, LinesOf(bytes), tags);
