@@ -206,31 +206,51 @@ bool CodeBase::IsFile(const std::string& path) {
 }
 
 int CodeBase::FindInclude(int from, std::string_view name, char delimiter, IncludeRule* rule) {
-    const auto answer = [rule](int file, IncludeRule by) {
-        if (rule != nullptr) *rule = by;
-        return file;
-    };
-    if (name.starts_with('/') && IsFile(std::string(name)))
-        return answer(FileAt(std::string(name)), IncludeRule::Path);
-    if (IsInFrameworks(from))
-        if (const std::string path = frameworks.Find(PathOf(from), std::string(name)); !path.empty())
-            return answer(FileAt(path), IncludeRule::Framework);
+    IncludeRule ignored = IncludeRule::None;
+    IncludeRule& by = rule != nullptr ? *rule : ignored;
+    by = IncludeRule::None;
+    if (const int file = FindByFrameworks(from, name, by); file >= 0) return file;
     const std::string text = WithSlashes(name);
     if (delimiter == '"') {
         const std::string beside = std::string(FolderOf(PathOf(from))) + "/" + text;
-        if (IsFile(beside)) return answer(FileAt(beside), IncludeRule::Beside);
+        if (IsFile(beside)) {
+            by = IncludeRule::Beside;
+            return FileAt(beside);
+        }
     }
-    if (const int file = FindInFolders(from, text); file >= 0) return answer(file, IncludeRule::Folder);
+    if (const int file = FindInFolders(from, text, by); file >= 0) return file;
     const int file = FindByEnding(from, text, delimiter);
-    return answer(file, file < 0 ? IncludeRule::None : IncludeRule::Ending);
+    if (file >= 0) by = IncludeRule::Ending;
+    return file;
+}
+
+int CodeBase::FindInBuild(int from, std::string_view name, char delimiter, IncludeRule& rule) {
+    if (!IsInFrameworks(from)) return FindInclude(from, name, delimiter, &rule);
+    rule = IncludeRule::None;
+    const int file = FindByFrameworks(from, name, rule);
+    return file >= 0 ? file : FindInFolders(from, WithSlashes(name), rule);
+}
+
+int CodeBase::FindByFrameworks(int from, std::string_view name, IncludeRule& rule) {
+    const std::string text(name);
+    if (text.starts_with('/') && IsFile(text)) {
+        rule = IncludeRule::Path;
+        return FileAt(text);
+    }
+    if (!IsInFrameworks(from)) return -1;
+    const std::string path = frameworks.Find(PathOf(from), text);
+    if (path.empty()) return -1;
+    rule = IncludeRule::Framework;
+    return FileAt(path);
 }
 
 // A header in such a folder that includes its own name means the next one, which it stands before.
-int CodeBase::FindInFolders(int from, const std::string& name) {
+int CodeBase::FindInFolders(int from, const std::string& name, IncludeRule& rule) {
     for (const std::string& folder : settings.folders) {
         const std::string path = folder + "/" + name;
-        if (IsFile(path))
-            if (const int file = FileAt(path); file != from) return file;
+        if (!IsFile(path) || FileAt(path) == from) continue;
+        rule = IncludeRule::Folder;
+        return FileAt(path);
     }
     return -1;
 }

@@ -82,7 +82,9 @@ public:
 
     // The file that an include of `from` means; -1 where there is none.
     int FindInclude(int from, std::string_view name, char delimiter, IncludeRule* rule = nullptr);
-    // The same search to its end.
+    // The same, but for files in frameworks only what their build finds: nothing by Beside or Ending.
+    int FindInBuild(int from, std::string_view name, char delimiter, IncludeRule& rule);
+    // The whole search to its end.
     IncludeTrace TraceInclude(int from, std::string_view name, char delimiter);
     // Whether frameworks tell first what the file's includes mean.
     bool IsInFrameworks(int file) { return frameworks.IsFor(PathOf(file), settings.roots); }
@@ -108,7 +110,8 @@ private:
     void ListFiles();
     PathEndings& Endings();
     bool IsFile(const std::string& path);
-    int FindInFolders(int from, const std::string& name);
+    int FindByFrameworks(int from, std::string_view name, IncludeRule& rule);
+    int FindInFolders(int from, const std::string& name, IncludeRule& rule);
     int FindByEnding(int from, std::string_view name, char delimiter);
     bool IsOfLanguageCopy(const std::string& path, std::string_view name);
 

@@ -100,7 +100,7 @@ private:
         std::unordered_set<int> included;
         for (const FileInclude& include : includes) {
             IncludeRule rule = IncludeRule::None;
-            const int target = base.FindInclude(file, include.name, include.delimiter, &rule);
+            const int target = base.FindInBuild(file, include.name, include.delimiter, rule);
             if (target < 0 || !included.insert(target).second) continue;
             Meet(target);
             arrowsTo[target].push_back({file, include.place, rule});
@@ -169,7 +169,8 @@ IncludeGraph FollowIncludes(CodeBase& base, int file) {
         const int from = files[i];
         graph[i].isRead = base.ReadIncludes(from, includes);
         for (FileInclude& include : includes) {
-            const int target = base.FindInclude(from, include.name, include.delimiter);
+            IncludeRule rule = IncludeRule::None;
+            const int target = base.FindInBuild(from, include.name, include.delimiter, rule);
             const int index = target < 0 ? -1 : indexOf(target);
             const bool isOfLanguage = target < 0 && IsLanguageHeader(include.name);
             graph[i].includes.push_back({std::move(include.name), index, include.place, isOfLanguage});

@@ -42,6 +42,7 @@ int CountMissingHeaders(const TAPSymbolTable& table);
 std::vector<MissingHeader> MissingHeaders(const TAPSymbolTable& table);
 
 IncludeGraph FollowIncludes(const TAPSymbolTable& table, const std::string& path);
+// The same by the facts of the files, whatever their layout.
 IncludeGraph FollowIncludes(CodeBase& base, int file);
 
 // A file that leads to another one by its includes, on the shortest way.

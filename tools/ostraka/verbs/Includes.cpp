@@ -232,7 +232,8 @@ void Answer(const Request& request, const std::string& path, Result& result) {
     CodeSession code(request, {path}, &session);
     code.TellFailures(result);
     const int file = code.FileAt(path);
-    if (path == "-" || code.Base().IsInFrameworks(file)) {
+    const bool namesFolders = !request.headerFolders.empty() || !request.compileCommands.empty();
+    if (path == "-" || (!namesFolders && code.Base().IsInFrameworks(file))) {
         if (session.Load(path, result) == nullptr) return;
         const IncludeGraph graph = FollowIncludes(session.Table(), Session::Absolute(path));
         PrintGraph(request, code, graph, result);
