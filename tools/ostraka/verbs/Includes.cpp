@@ -269,13 +269,15 @@ public:
                 continue;
             }
             const Includer& includer = includers.files[*next++];
-            out.append(2 * open.size(), ' ');
+            out.append(2 * std::min(open.size(), deepest), ' ');
             out += PlaceText(request, session.Shown(includer.file), includer.place) + "\n";
             Open(includer.file);
         }
     }
 
 private:
+    static constexpr std::size_t deepest = 100; // levels that are indented, so that chains stay short texts
+
     using Indexes = std::vector<std::size_t>;
 
     void Open(int file) {
