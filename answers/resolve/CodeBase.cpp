@@ -7,7 +7,10 @@
 #include <iterator>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <unordered_set>
 #include <utility>
+
+#include <answers/resolve/LanguageHeaders.h>
 
 namespace ostraka::answers {
 
@@ -19,13 +22,6 @@ constexpr std::string_view sourceEndings[] = {
     ".c",   ".cc",  ".cpp", ".cxx", ".c++", ".h", ".hh",  ".hpp", ".hxx", ".h++", ".inl", ".ipp", ".tpp",
     ".tcc", ".inc", ".idl", ".odl", ".C",   ".H", ".ixx", ".icc", ".txx", ".cu",  ".mm",  ".m"};
 
-// Headers of the languages themselves: `<string.h>` is never a file that happens to be called so.
-constexpr std::string_view languageHeaders[] = {
-    "assert.h",  "complex.h",  "ctype.h",   "dirent.h", "errno.h",  "fcntl.h",  "fenv.h",
-    "float.h",   "inttypes.h", "limits.h",  "locale.h", "malloc.h", "math.h",   "memory.h",
-    "pthread.h", "setjmp.h",   "signal.h",  "stdarg.h", "stddef.h", "stdint.h", "stdio.h",
-    "stdlib.h",  "string.h",   "strings.h", "time.h",   "unistd.h", "wchar.h",  "windows.h"};
-
 std::string_view LastPart(std::string_view path) {
     const std::size_t slash = path.rfind('/');
     return slash == path.npos ? path : path.substr(slash + 1);
@@ -36,7 +32,7 @@ std::string_view FolderOf(std::string_view path) {
     return slash == path.npos ? std::string_view() : path.substr(0, slash);
 }
 
-bool IsFile(const std::string& path) {
+bool IsRegular(const std::string& path) {
     struct stat status;
     return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
 }
@@ -46,13 +42,48 @@ std::string Normal(const std::string& path) {
     return fs::path(path).lexically_normal().string();
 }
 
-// How many folders two paths share.
-int SharedFolders(std::string_view a, std::string_view b) {
-    int shared = 0;
-    for (std::size_t i = 0; i < std::min(a.size(), b.size()) && a[i] == b[i]; ++i)
-        if (a[i] == '/') ++shared;
-    return shared;
+// An ending has no way up in it.
+std::string EndingOf(std::string_view name) {
+    const std::string ending = Normal("/" + std::string(name));
+    return ending.substr(std::min(ending.find_first_not_of('/'), ending.size()));
 }
+
+// Some systems write their paths with backslashes.
+std::string WithSlashes(std::string_view name) {
+    std::string path(name);
+    std::replace(path.begin(), path.end(), '\\', '/');
+    return path;
+}
+
+// Those of the text, each once.
+template <class Includes, class PlaceAt>
+void TakeIncludes(const Includes& all, PlaceAt placeAt, std::vector<FileInclude>& taken) {
+    std::unordered_set<std::string> known;
+    for (const auto& include : all)
+        if (known.insert(include.delimiter + std::string(include.name)).second)
+            taken.push_back({std::string(include.name), include.delimiter, placeAt(include.at)});
+}
+
+// Lines and columns of bytes that are asked for in their order.
+class PlaceCounter {
+public:
+    explicit PlaceCounter(std::string_view source) : text(source) {}
+
+    Place operator()(std::uint32_t offset) {
+        for (; at < offset && at < text.size(); ++at) {
+            if (text[at] != '\n') continue;
+            ++line;
+            lineBegin = at + 1;
+        }
+        return {line, static_cast<int>(at - lineBegin) + 1};
+    }
+
+private:
+    std::string_view text;
+    std::size_t at = 0;
+    std::size_t lineBegin = 0;
+    int line = 1;
+};
 
 } // namespace
 
@@ -71,7 +102,13 @@ bool IsCompiledPath(std::string_view path) {
            ending == ".c++" || ending == ".mm" || ending == ".m" || ending == ".cu";
 }
 
-CodeBase::CodeBase(CodeBaseSettings named) : settings(std::move(named)) {
+std::string_view NameOf(IncludeRule rule) {
+    constexpr std::string_view names[] = {"", "path", "framework", "beside", "folder", "ending"};
+    return names[static_cast<int>(rule)];
+}
+
+CodeBase::CodeBase(CodeBaseSettings named)
+    : settings(std::move(named)), frameworks(std::exchange(settings.frameworks, nullptr)) {
     for (std::string& root : settings.roots)
         while (root.size() > 1 && root.back() == '/') root.pop_back();
 }
@@ -92,27 +129,29 @@ const std::vector<int>& CodeBase::AllFiles() {
 
 void CodeBase::ListFiles() {
     isListed = true;
-    std::vector<std::string> paths;
     for (const std::string& root : settings.roots) {
         std::error_code error;
         fs::recursive_directory_iterator entries(root, fs::directory_options::skip_permission_denied, error);
         for (; !error && entries != fs::recursive_directory_iterator(); entries.increment(error)) {
             const std::string& path = entries->path().native();
-            const std::string_view name = LastPart(path);
-            if (name.starts_with('.')) {
+            if (LastPart(path).starts_with('.')) {
                 if (entries->is_directory(error)) entries.disable_recursion_pending();
                 continue;
             }
-            if (IsSourcePath(name) && entries->is_regular_file(error)) paths.push_back(path);
+            if (entries->is_regular_file(error)) paths.push_back(path);
         }
     }
     std::sort(paths.begin(), paths.end());
     paths.erase(std::unique(paths.begin(), paths.end()), paths.end());
-    for (const std::string& path : paths) {
-        const int file = FileAt(path);
-        listed.push_back(file);
-        byName[std::string(LastPart(path))].push_back(file);
-    }
+    for (const std::string& path : paths)
+        if (IsSourcePath(path)) listed.push_back(FileAt(path));
+}
+
+PathEndings& CodeBase::Endings() {
+    if (!isListed) ListFiles();
+    if (endings == nullptr)
+        endings = std::make_unique<PathEndings>(std::vector<std::string_view>(paths.begin(), paths.end()));
+    return *endings;
 }
 
 bool CodeBase::ReadBytes(const std::string& path, std::string& bytes) {
@@ -146,47 +185,127 @@ const FileFacts& CodeBase::FactsOf(int file) {
     return *entry.facts;
 }
 
-int CodeBase::FindInclude(int from, std::string_view name, char delimiter, IncludeRule* rule) {
-    const auto answer = [rule](int file, IncludeRule by) {
-        if (rule != nullptr) *rule = by;
-        return file;
-    };
-    const std::string text(name);
-    if (text.starts_with('/')) return IsFile(text) ? answer(FileAt(text), IncludeRule::Folder) : -1;
-    if (delimiter == '"') {
-        const std::string beside = std::string(FolderOf(PathOf(from))) + "/" + text;
-        if (IsFile(beside)) return answer(FileAt(beside), IncludeRule::Beside);
+bool CodeBase::ReadIncludes(int file, std::vector<FileInclude>& includes) const {
+    includes.clear();
+    const File& entry = files[static_cast<std::size_t>(file)];
+    std::string bytes;
+    if (!ReadBytes(entry.path, bytes)) return false;
+    if (entry.facts != nullptr) {
+        TakeIncludes(
+            entry.facts->includes, [&](std::uint32_t at) { return entry.facts->PlaceOf(at); }, includes);
+    } else if (bytes.find("include") != bytes.npos || bytes.find("import") != bytes.npos) {
+        TakeIncludes(TokenList(bytes).Includes(), PlaceCounter(bytes), includes);
     }
-    for (const std::string& folder : settings.folders) {
-        const std::string path = folder + "/" + text;
-        if (IsFile(path)) return answer(FileAt(path), IncludeRule::Folder);
-    }
-    if (delimiter != '"' &&
-        std::find(std::begin(languageHeaders), std::end(languageHeaders), name) != std::end(languageHeaders))
-        return answer(-1, IncludeRule::None);
-    const int file = FindByEnding(PathOf(from), name);
-    return answer(file, file < 0 ? IncludeRule::None : IncludeRule::Ending);
+    return true;
 }
 
-// The nearest of the files whose path ends so: the one that shares most folders with the file that asks, then
-// the one with the shorter path.
-int CodeBase::FindByEnding(const std::string& from, std::string_view name) {
-    AllFiles();
-    while (name.starts_with("../") || name.starts_with("./")) name.remove_prefix(name.find('/') + 1);
-    const auto named = byName.find(std::string(LastPart(name)));
-    if (named == byName.end()) return -1;
-    int best = -1;
-    int bestShared = -1;
-    for (const int file : named->second) {
-        const std::string& path = PathOf(file);
-        if (path.size() <= name.size() || !path.ends_with(name) || path[path.size() - name.size() - 1] != '/')
-            continue;
-        const int shared = SharedFolders(path, from);
-        if (shared < bestShared || (shared == bestShared && path.size() >= PathOf(best).size())) continue;
-        best = file;
-        bestShared = shared;
+bool CodeBase::IsFile(const std::string& path) {
+    const auto [entry, isNew] = areFiles.try_emplace(path, false);
+    if (isNew) entry->second = IsRegular(path);
+    return entry->second;
+}
+
+int CodeBase::FindInclude(int from, std::string_view name, char delimiter, IncludeRule* rule) {
+    IncludeRule ignored = IncludeRule::None;
+    IncludeRule& by = rule != nullptr ? *rule : ignored;
+    by = IncludeRule::None;
+    if (const int file = FindByFrameworks(from, name, by); file >= 0) return file;
+    const std::string text = WithSlashes(name);
+    if (delimiter == '"') {
+        const std::string beside = std::string(FolderOf(PathOf(from))) + "/" + text;
+        if (IsFile(beside)) {
+            by = IncludeRule::Beside;
+            return FileAt(beside);
+        }
     }
-    return best;
+    if (const int file = FindInFolders(from, text, by); file >= 0) return file;
+    const int file = FindByEnding(from, text, delimiter);
+    if (file >= 0) by = IncludeRule::Ending;
+    return file;
+}
+
+int CodeBase::FindInBuild(int from, std::string_view name, char delimiter, IncludeRule& rule) {
+    if (!IsInFrameworks(from)) return FindInclude(from, name, delimiter, &rule);
+    rule = IncludeRule::None;
+    const int file = FindByFrameworks(from, name, rule);
+    return file >= 0 ? file : FindInFolders(from, WithSlashes(name), rule);
+}
+
+int CodeBase::FindByFrameworks(int from, std::string_view name, IncludeRule& rule) {
+    const std::string text(name);
+    if (text.starts_with('/') && IsFile(text)) {
+        rule = IncludeRule::Path;
+        return FileAt(text);
+    }
+    if (!IsInFrameworks(from)) return -1;
+    const std::string path = frameworks.Find(PathOf(from), text);
+    if (path.empty()) return -1;
+    rule = IncludeRule::Framework;
+    return FileAt(path);
+}
+
+// A header in such a folder that includes its own name means the next one, which it stands before.
+int CodeBase::FindInFolders(int from, const std::string& name, IncludeRule& rule) {
+    for (const std::string& folder : settings.folders) {
+        const std::string path = folder + "/" + name;
+        if (!IsFile(path) || FileAt(path) == from) continue;
+        rule = IncludeRule::Folder;
+        return FileAt(path);
+    }
+    return -1;
+}
+
+int CodeBase::FindByEnding(int from, std::string_view name, char delimiter) {
+    const std::string ending = EndingOf(name);
+    if (ending.empty()) return -1;
+    PathEndings& known = Endings();
+    const auto self = std::lower_bound(paths.begin(), paths.end(), PathOf(from));
+    const bool isKnown = self != paths.end() && *self == PathOf(from);
+    const int index =
+        known.Nearest(ending, PathOf(from), isKnown ? static_cast<int>(self - paths.begin()) : -1);
+    if (index < 0) return -1;
+    const std::string& path = paths[static_cast<std::size_t>(index)];
+    return delimiter == '"' || !IsLanguageHeader(name) || IsOfLanguageCopy(path, name) ? FileAt(path) : -1;
+}
+
+// `<string.h>` is no file that happens to be called so, but one of a folder that holds a library of the
+// language.
+bool CodeBase::IsOfLanguageCopy(const std::string& path, std::string_view name) {
+    const std::string folder = path.substr(0, path.size() - name.size());
+    return (IsFile(folder + "stdio.h") && IsFile(folder + "stdlib.h")) ||
+           (IsFile(folder + "cstdio") && IsFile(folder + "cstdlib"));
+}
+
+IncludeTrace CodeBase::TraceInclude(int from, std::string_view name, char delimiter) {
+    IncludeTrace trace;
+    const std::string text = WithSlashes(name);
+    std::unordered_set<int> taken;
+    const auto take = [&](int file, IncludeRule rule) {
+        if ((file != from || rule == IncludeRule::Beside) && taken.insert(file).second)
+            trace.files.push_back({file, rule});
+    };
+    const auto look = [&](const std::string& path, IncludeRule rule) {
+        trace.places.emplace_back(rule, path);
+        if (IsFile(path)) take(FileAt(path), rule);
+    };
+    if (text.starts_with('/')) look(text, IncludeRule::Path);
+    if (delimiter == '"') look(Normal(std::string(FolderOf(PathOf(from))) + "/" + text), IncludeRule::Beside);
+    for (const std::string& folder : settings.folders) look(folder + "/" + text, IncludeRule::Folder);
+    if (const int nearest = FindByEnding(from, text, delimiter); nearest >= 0)
+        take(nearest, IncludeRule::Ending);
+    const std::string ending = EndingOf(text);
+    for (const std::string& root : settings.roots)
+        trace.places.emplace_back(IncludeRule::Ending, root + "/**/" + ending);
+    const bool isFound = !trace.files.empty();
+    for (const int index : Endings().EndingWith(isFound ? ending : std::string(LastPart(ending)))) {
+        const int file = FileAt(paths[static_cast<std::size_t>(index)]);
+        if (isFound) {
+            take(file, IncludeRule::Ending);
+        } else if (file != from) {
+            trace.alike.push_back(file);
+        }
+    }
+    return trace;
 }
 
 const std::vector<int>& CodeBase::IncludesOf(int file) {

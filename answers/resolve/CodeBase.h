@@ -10,23 +10,52 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include <answers/facts/Facts.h>
+#include <answers/resolve/FrameworkSearch.h>
+#include <answers/resolve/PathEndings.h>
 
 namespace ostraka::answers {
 
-// By what an include was found.
+// By what an include was found, in the order of the search.
 enum class IncludeRule : std::uint8_t {
     None,
-    Beside, // the folder of the file that has it
-    Folder, // a folder that was named for headers
-    Ending, // a file of the code base whose path ends with the name
+    Path,      // it names a file from the top
+    Framework, // the search of the frameworks around the file that has it
+    Beside,    // the folder of the file that has it
+    Folder,    // a folder that was named for headers
+    Ending,    // the nearest file of the code base whose path ends with the name
+};
+
+// "path", "framework" and so on; empty for None.
+std::string_view NameOf(IncludeRule rule);
+
+// What an include of a file gives, as the text has it.
+struct FileInclude {
+    std::string name;
+    char delimiter = '"';
+    Place place; // of the name, where it stands first
+};
+
+// One of the files that an include could mean.
+struct IncludeCandidate {
+    int file = -1;
+    IncludeRule rule = IncludeRule::None;
+};
+
+// All of a search, but for that of frameworks, which has places of its own.
+struct IncludeTrace {
+    std::vector<IncludeCandidate> files;                     // by the order of the search, the first is meant
+    std::vector<std::pair<IncludeRule, std::string>> places; // looked at: paths, ** standing for any folders
+    std::vector<int> alike; // when there is none: files of that name elsewhere
 };
 
 struct CodeBaseSettings {
-    std::vector<std::string> roots;        // folders, absolute
-    std::vector<std::string> folders;      // for headers, absolute
+    std::vector<std::string> roots;   // folders, absolute
+    std::vector<std::string> folders; // for headers, absolute
+    GiveTable frameworks = nullptr;   // the table whose workspaces hold frameworks, where there are any
     std::vector<std::string> droppedWords = {}; // see TAPLexicalSettings
 };
 
@@ -48,8 +77,18 @@ public:
     const FileFacts& FactsOf(int file);
     bool IsRead(int file) const { return files[static_cast<std::size_t>(file)].facts != nullptr; }
 
+    // What the file includes, each name once, in the order of the text; false where it can't be read. Costs
+    // less than its facts.
+    bool ReadIncludes(int file, std::vector<FileInclude>& includes) const;
+
     // The file that an include of `from` means; -1 where there is none.
     int FindInclude(int from, std::string_view name, char delimiter, IncludeRule* rule = nullptr);
+    // The same, but for files in frameworks only what their build finds: nothing by Beside or Ending.
+    int FindInBuild(int from, std::string_view name, char delimiter, IncludeRule& rule);
+    // The whole search to its end.
+    IncludeTrace TraceInclude(int from, std::string_view name, char delimiter);
+    // Whether frameworks tell first what the file's includes mean.
+    bool IsInFrameworks(int file) { return frameworks.IsFor(PathOf(file), settings.roots); }
 
     // The files that the file's includes mean, in their order.
     const std::vector<int>& IncludesOf(int file);
@@ -73,13 +112,21 @@ private:
     };
 
     void ListFiles();
-    int FindByEnding(const std::string& from, std::string_view name);
+    PathEndings& Endings();
+    bool IsFile(const std::string& path);
+    int FindByFrameworks(int from, std::string_view name, IncludeRule& rule);
+    int FindInFolders(int from, const std::string& name, IncludeRule& rule);
+    int FindByEnding(int from, std::string_view name, char delimiter);
+    bool IsOfLanguageCopy(const std::string& path, std::string_view name);
 
     CodeBaseSettings settings;
+    FrameworkSearch frameworks;
     std::deque<File> files;
     std::unordered_map<std::string, int> numbers; // by path
     std::vector<int> listed;
-    std::unordered_map<std::string, std::vector<int>> byName; // listed files by the last part of their paths
+    std::vector<std::string> paths;                 // below the roots, those of other files too
+    std::unique_ptr<PathEndings> endings;           // of these: what is included is called anything
+    std::unordered_map<std::string, bool> areFiles; // whether there is a file at the path
     bool isListed = false;
 };
 

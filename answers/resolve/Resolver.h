@@ -123,6 +123,7 @@ private:
     Type TypeFromText(std::string_view text, const Where& where, const Type* owner, int depth);
     Type TypeFromTokens(const TokenList& list, int first, int past, const Where& where, const Type* owner,
                         int depth);
+    bool TakeHandle(std::string_view written, int depth, Type& type);
     Type TypeOfFound(const Found& found, const std::vector<Type>& arguments, int depth,
                      std::string_view written, const Type* owner);
     void TakeBody(int file, const Declared& declared, Type& type);

@@ -173,6 +173,17 @@ Type Resolver::TypeFromTokens(const TokenList& list, int first, int past, const 
     return type;
 }
 
+// A handle of an interface, which is generated, so that at most its name is declared. False for other names.
+bool Resolver::TakeHandle(std::string_view written, int depth, Type& type) {
+    if (written.size() <= handleEnding.size() || !written.ends_with(handleEnding)) return false;
+    const Found meant = LookUp(written.substr(0, written.size() - handleEnding.size()), {openedFile, 0, ~0U},
+                               Wanted::Types, depth + 1);
+    if (meant.IsNone()) return false;
+    type = TypeOfFound(meant, {}, depth + 1, written, nullptr);
+    type.pointers = 1;
+    return true;
+}
+
 // What a type's name was found as, with the arguments that are written behind it.
 Type Resolver::TypeOfFound(const Found& found, const std::vector<Type>& arguments, int depth,
                            std::string_view written, const Type* owner) {
@@ -184,15 +195,7 @@ Type Resolver::TypeOfFound(const Found& found, const std::vector<Type>& argument
         return type;
     }
     if (found.refs.empty()) {
-        // A handle of an interface, which is generated.
-        if (written.size() > handleEnding.size() && written.ends_with(handleEnding) && arguments.empty()) {
-            const Found meant = LookUp(written.substr(0, written.size() - handleEnding.size()),
-                                       {openedFile, 0, ~0U}, Wanted::Types, depth + 1);
-            if (!meant.IsNone()) {
-                type = TypeOfFound(meant, {}, depth + 1, written, nullptr);
-                type.pointers = 1;
-            }
-        }
+        if (arguments.empty()) TakeHandle(written, depth, type);
         return type;
     }
     // A class rather than a typedef of the same name, as of C.
@@ -200,6 +203,7 @@ Type Resolver::TypeOfFound(const Found& found, const std::vector<Type>& argument
     for (const DeclarationRef& each : found.refs)
         if (At(each).kind != FactKind::Typedef && At(each).kind != FactKind::TemplateParameter) ref = each;
     const Declared& declared = At(ref);
+    if (declared.Has(IsForward) && arguments.empty() && TakeHandle(written, depth, type)) return type;
     switch (declared.kind) {
     case FactKind::Typedef: {
         if (declared.typeOf >= 0) {

@@ -170,6 +170,12 @@ void f(Quay& quay, Order order, void* raw) {
   const auto* cast = dynamic_cast<Quay*>(raw); cast->^5^Next(); (raw ? quay : quay).^5^Next(); for (auto* each : quay.ships) each->^1^length;
 }
 )"},
+    {"a handle of an interface is made by a generator, perhaps with its name declared", R"(<< ship.idl
+class IShip_var; class Tug { void Sink(); };
+void f(const IShip_var& ship, ITug_var tug) { ship->^1^Sink(); tug->^2^Pull(); }
+== ship.idl
+interface IShip { HRESULT @1@Sink(in long iHow); }; interface ITug : IShip { HRESULT @2@Pull(); };
+)"},
     {"elements of containers and what handles of unknown headers point to", R"(struct Ship { int @1@length; };
 struct Fleet { std::vector<Ship*> @2@ships; std::map<std::string, Ship> byName; QList<Ship> list; };
 void f(Fleet& fleet, std::unique_ptr<Ship> owned, const Ptr<Fleet>& handle, std::vector<std::shared_ptr<Ship>> many) {
@@ -262,7 +268,8 @@ TEST(Resolver, AnswersAtPlaces) {
 TEST(CodeBase, FindsHeaders) {
     const Asked asked(
         "== a/main.cpp\n== a/near.h\n== a/gui/frame.h\n== b/gui/frame.h\n== b/deep/gui/frame.h\n== b/only.h\n"
-        "== inc/named.h\n== b/named.h\n== b/string\n== b/vector.h\n== b/xonly.h\n",
+        "== inc/named.h\n== b/named.h\n== b/string\n== b/vector.h\n== b/xonly.h\n== b/keys.def\n"
+        "== libc/stdio.h\n== libc/stdlib.h\n== libc/sys/types.h\n== b/string.h\n== a/deep/xonly.h\n",
         {"inc"});
     struct Header {
         const char* from;
@@ -283,6 +290,19 @@ TEST(CodeBase, FindsHeaders) {
         {"a/main.cpp", "string", '<', "", IncludeRule::None},
         {"a/main.cpp", "only.h", '"', "b/only.h", IncludeRule::Ending},
         {"a/main.cpp", "nly.h", '"', "", IncludeRule::None},
+        {"a/main.cpp", "gui\\frame.h", '"', "a/gui/frame.h", IncludeRule::Beside},
+        {"b/only.h", "x/../deep/../gui//frame.h", '<', "b/gui/frame.h", IncludeRule::Ending},
+        {"a/main.cpp", "keys.def", '"', "b/keys.def", IncludeRule::Ending},
+        {"a/main.cpp", "..", '"', "", IncludeRule::None},
+        {"a/main.cpp", "", '"', "", IncludeRule::None},
+        // A header that includes its own name stands before another one.
+        {"b/xonly.h", "xonly.h", '<', "a/deep/xonly.h", IncludeRule::Ending},
+        {"inc/named.h", "named.h", '<', "b/named.h", IncludeRule::Ending},
+        // Of a code base's own library of the language, never a file of that name alone.
+        {"a/main.cpp", "stdio.h", '<', "libc/stdio.h", IncludeRule::Ending},
+        {"a/main.cpp", "sys/types.h", '<', "libc/sys/types.h", IncludeRule::Ending},
+        {"a/main.cpp", "string.h", '<', "", IncludeRule::None},
+        {"a/main.cpp", "string.h", '"', "b/string.h", IncludeRule::Ending},
     };
     for (const Header& each : headers) {
         IncludeRule rule = IncludeRule::None;

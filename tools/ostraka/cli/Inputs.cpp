@@ -3,14 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <filesystem>
-#include <set>
 #include <string_view>
 #include <system_error>
 
-#include <nlohmann/json.hpp>
-
 #include <answers/facts/RawFile.h>
 #include <ostraka/foundation/TAFileBuffer.h>
+
+#include "cli/CompileCommands.h"
 
 namespace fs = std::filesystem;
 
@@ -76,22 +75,10 @@ void AddList(const std::string& text, FileFilter wanted, std::vector<Input>& inp
     }
 }
 
-std::string EntryPath(const nlohmann::json& entry) {
-    const fs::path file = entry.at("file").get<std::string>();
-    return (fs::path(entry.value("directory", "")) / file).lexically_normal().string();
-}
-
-// Each file once, though it may be compiled several times.
-void AddCompileCommands(const std::string& path, const std::string& text, std::vector<Input>& inputs) {
-    try {
-        std::set<std::string> seen;
-        for (const nlohmann::json& entry : nlohmann::json::parse(text)) {
-            const std::string file = EntryPath(entry);
-            if (seen.insert(file).second) inputs.push_back({file, ""});
-        }
-    } catch (const nlohmann::json::exception&) {
-        inputs.push_back({path, "is no list of compile commands"});
-    }
+void AddCompileCommands(const std::string& path, std::vector<Input>& inputs) {
+    const CompileCommands commands = ReadCompileCommands(path);
+    for (const std::string& file : commands.files) inputs.push_back({file, ""});
+    if (!commands.problem.empty()) inputs.push_back({path, commands.problem});
 }
 
 // False, and an input that says why, when the list can't be read.
@@ -115,8 +102,7 @@ std::vector<Input> CollectInputs(const Request& request, FileFilter wanted) {
     for (const std::string& path : request.paths) AddPath(path, wanted, inputs);
     if (!request.filesFrom.empty() && ReadList(request.filesFrom, text, inputs))
         AddList(text, wanted, inputs);
-    if (!request.compileCommands.empty() && ReadList(request.compileCommands, text, inputs))
-        AddCompileCommands(request.compileCommands, text, inputs);
+    if (!request.compileCommands.empty()) AddCompileCommands(request.compileCommands, inputs);
     return inputs;
 }
 

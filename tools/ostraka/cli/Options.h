@@ -65,9 +65,16 @@ inline constexpr Option workspaceOptions[] = {
     {"--drop-word", "PATTERN", "Read files without this word, as DLL_* or ALIGNED()",
      Text{[](Request& r, const std::string& word) { r.droppedWords.push_back(word); }, true}}};
 
-inline constexpr Option headerFolderOptions[] = {
-    {"-I", "DIR", "Look for headers in this folder too",
-     Text{[](Request& r, const std::string& folder) { r.headerFolders.push_back(folder); }, true}}};
+inline constexpr Option headerFolderOption = {
+    "-I", "DIR", "Look for headers in this folder too",
+    Text{[](Request& r, const std::string& folder) { r.headerFolders.push_back(folder); }, true}};
+
+// Where headers are looked for; verbs that take files take those of the commands, too.
+inline constexpr Option headerFolderOptions[] = {headerFolderOption};
+inline constexpr Option searchOptions[] = {
+    headerFolderOption,
+    {"--compile-commands", "JSON", "Look for headers in the folders of a compile_commands.json too",
+     Text{[](Request& r, const std::string& word) { r.compileCommands = word; }}}};
 
 inline constexpr Option missingOptions[] = {{"--missing", nullptr, "List the includes that find no header",
                                              Flag{[](Request& r) { r.missingOnly = true; }}}};

@@ -57,6 +57,7 @@ struct Request {
     bool byPrefix = false;    // find: all names that begin so
     std::string places;       // at: a file with a place on each line
     std::string from;         // header: the file that includes it
+    std::string includesTo;   // includes: the file whose includers are wanted
     bool missingOnly = false; // includes: only those that weren't found; else: list those as well
 
     // Verbs over all files of a run: which classes, and how many of a drawing.

@@ -230,7 +230,8 @@ void AnswerWithoutNode(const Request& request, const FilePlace& place, const Ses
 void Answer(const Request& request, const std::string& asked, Result& result) {
     const FilePlace place = *ParseFilePlace(asked);
     Session session(request, {place.file});
-    CodeSession code(request, {place.file});
+    CodeSession code(request, {place.file}, &session);
+    code.TellFailures(result);
     TAPSyntaxe* root = session.Load(place.file, result);
     const std::optional<NodeAt> at = root != nullptr ? FindNodeAt(*root, place.place) : std::nullopt;
     Declarations declarations{&code, FindDeclared(code, place), nullptr};
@@ -327,6 +328,7 @@ void RunPlaces(Run& run) {
         run.Fail("place", lastUnread, {std::nullopt, "can't be read"});
     }
     Result result;
+    session.TellFailures(result);
     for (const std::string& answer : answers) result.out += answer;
     run.Show(result);
 }
@@ -349,8 +351,7 @@ constexpr Option operands[] = {
     {"--places", "LIST",
      "Answer with a JSON line for each place of LIST, one a line, or - for standard input",
      Text{[](Request& r, const std::string& list) { r.places = list; }}}};
-constexpr std::span<const Option> options[] = {operands, workspaceOptions, headerFolderOptions,
-                                               outputOptions};
+constexpr std::span<const Option> options[] = {operands, workspaceOptions, searchOptions, outputOptions};
 
 } // namespace
 

@@ -67,7 +67,7 @@ const char* KeyOf(FactKind kind) {
 class Listing {
 public:
     Listing(const Request& theRequest, const Session& asked, const std::vector<std::string>& files)
-        : request(theRequest), session(asked), code(theRequest, files), classes(MakeClasses(files)) {
+        : request(theRequest), session(asked), code(theRequest, files, &asked), classes(MakeClasses(files)) {
         NamedFiles wanted(files);
         std::map<std::pair<std::string, std::string_view>, const TAPDefClass*> records; // by file and name
         for (const TAPDefClass* record : ClassesOf(session.Table()))
@@ -218,8 +218,8 @@ constexpr Option ownOptions[] = {
      Word{kinds, [](Request& r, std::size_t kind) { r.kinds.emplace_back(kinds[kind]); }, true}},
     {"--derived-from", "NAME", "Only classes with this one among their bases",
      Text{[](Request& r, const std::string& name) { r.derivedFrom = name; }}}};
-constexpr std::span<const Option> options[] = {tableFileOptions, outputOptions, workspaceOptions,
-                                               missingOptions, ownOptions};
+constexpr std::span<const Option> options[] = {tableFileOptions,    outputOptions,  workspaceOptions,
+                                               headerFolderOptions, missingOptions, ownOptions};
 
 } // namespace
 

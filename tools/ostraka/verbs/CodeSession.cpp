@@ -4,7 +4,10 @@
 #include <filesystem>
 #include <iterator>
 #include <system_error>
+#include <unordered_set>
+#include <utility>
 
+#include "cli/CompileCommands.h"
 #include "formats/Text.h"
 #include "verbs/RootSettings.h"
 #include "verbs/Session.h"
@@ -42,35 +45,67 @@ void TakeRootSettings(const Request& request, CodeBaseSettings& settings) {
     std::move(said.droppedWords.begin(), said.droppedWords.end(), std::back_inserter(settings.droppedWords));
 }
 
-CodeBaseSettings SettingsFor(const Request& request, const std::vector<std::string>& paths) {
-    CodeBaseSettings settings;
-    for (const std::string& root : WorkspacesOf(request)) settings.roots.push_back(Session::Absolute(root));
-    for (const std::string& folder : request.headerFolders)
-        settings.folders.push_back(Session::Absolute(folder));
-    if (settings.roots.empty()) {
-        const std::string workingFolder = Session::Absolute(".") + "/";
-        for (const std::string& path : paths) {
-            std::string root = RootOf(Session::Absolute(path), workingFolder);
-            if (std::find(settings.roots.begin(), settings.roots.end(), root) == settings.roots.end())
-                settings.roots.push_back(std::move(root));
-        }
+// The roots around the paths, each once.
+std::vector<std::string> RootsOf(const std::vector<std::string>& paths, const std::string& workingFolder) {
+    std::vector<std::string> roots;
+    std::unordered_set<std::string> folders;
+    for (const std::string& path : paths) {
+        const std::string absolute = Session::Absolute(path);
+        std::error_code ignored;
+        if (!fs::is_directory(absolute, ignored) &&
+            !folders.insert(fs::path(absolute).parent_path().string()).second)
+            continue;
+        std::string root = RootOf(absolute, workingFolder);
+        if (std::find(roots.begin(), roots.end(), root) == roots.end()) roots.push_back(std::move(root));
     }
-    TakeRootSettings(request, settings);
-    return settings;
+    return roots;
 }
 
 } // namespace
 
-CodeSession::CodeSession(const Request& request, const std::vector<std::string>& paths)
-    : workingFolder(Session::Absolute(".") + "/"), base(SettingsFor(request, paths)) {}
+CodeSession::CodeSession(const Request& asked, const std::vector<std::string>& paths, const Session* loaded)
+    : request(asked), namedPaths(paths), frameworks(loaded), workingFolder(Session::Absolute(".") + "/"),
+      base(SettingsFor(paths)) {}
+
+CodeSession::~CodeSession() = default;
+
+CodeBaseSettings CodeSession::SettingsFor(const std::vector<std::string>& paths) {
+    CodeBaseSettings settings;
+    for (const std::string& root : WorkspacesOf(request)) settings.roots.push_back(Session::Absolute(root));
+    if (settings.roots.empty()) settings.roots = RootsOf(paths, workingFolder);
+    for (const std::string& folder : request.headerFolders)
+        settings.folders.push_back(Session::Absolute(folder));
+    if (!request.compileCommands.empty()) {
+        CompileCommands commands = ReadCompileCommands(request.compileCommands);
+        for (const std::string& folder : commands.folders)
+            settings.folders.push_back(Session::Absolute(folder));
+        problem = std::move(commands.problem);
+    }
+    TakeRootSettings(request, settings);
+    settings.frameworks = [this] { return &Frameworks().Table(); };
+    return settings;
+}
+
+void CodeSession::TellFailures(Result& result) const {
+    if (!problem.empty()) result.Fail(request, request.compileCommands, {std::nullopt, problem});
+}
+
+const Session& CodeSession::Frameworks() {
+    if (frameworks == nullptr) {
+        ownSession = std::make_unique<Session>(request, namedPaths);
+        frameworks = ownSession.get();
+    }
+    return *frameworks;
+}
 
 int CodeSession::FileAt(const std::string& path) {
     return base.FileAt(Session::Absolute(path));
 }
 
-std::string CodeSession::Shown(int file) const {
-    std::string_view path = base.PathOf(file);
-    if (path.starts_with(workingFolder)) path.remove_prefix(workingFolder.size());
+std::string CodeSession::Shown(std::string_view path) const {
+    if (path == workingFolder.substr(0, workingFolder.size() - 1)) return ".";
+    if (path.size() > workingFolder.size() && path.starts_with(workingFolder))
+        path.remove_prefix(workingFolder.size());
     return std::string(ShownPath(path));
 }
 

@@ -33,6 +33,7 @@ std::string TextOf(const FoundDeclaration& found) {
 
 void Answer(const Request& request, const std::string& name, Result& result) {
     CodeSession session(request, {"."});
+    session.TellFailures(result);
     std::vector<FoundDeclaration> found =
         FindDeclarations(session.Base(), session.AllNames(), name, request.byPrefix);
     if (!request.kinds.empty())
@@ -77,7 +78,8 @@ constexpr Option ownOptions[] = {
     {"--prefix", nullptr, "Find all whose name begins so", Flag{[](Request& r) { r.byPrefix = true; }}},
     {"--kind", "KIND[,KIND...]", "Only these kinds",
      Word{kindWords, [](Request& r, std::size_t kind) { r.kinds.emplace_back(kindWords[kind]); }, true}}};
-constexpr std::span<const Option> options[] = {operands, ownOptions, workspaceOptions, outputOptions};
+constexpr std::span<const Option> options[] = {operands, ownOptions, workspaceOptions, searchOptions,
+                                               outputOptions};
 
 } // namespace
 

@@ -182,7 +182,7 @@ bool IsToldByFiles(const Request& request, const TAPSymbolTable& table) {
 void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
             Result& result) {
     if (IsToldByFiles(request, session.Table()) &&
-        PlainClasses(request, files).ShowKin(request.className, result))
+        PlainClasses(request, session, files).ShowKin(request.className, result))
         return;
     Hierarchy hierarchy(session.Table());
     std::vector<Branch> branches;
@@ -221,8 +221,9 @@ void TakeFileForClass(Request& request) {
 
 constexpr Option operands[] = {{"CLASS", nullptr, "The class around which to look; all without one",
                                 Operand{[](Request& r, const std::string& name) { r.className = name; }}}};
-constexpr std::span<const Option> options[] = {operands,         tableFileOptions, outputOptions,
-                                               workspaceOptions, missingOptions,   limitOptions};
+constexpr std::span<const Option> options[] = {operands,         tableFileOptions,    outputOptions,
+                                               workspaceOptions, headerFolderOptions, missingOptions,
+                                               limitOptions};
 
 } // namespace
 

@@ -97,7 +97,7 @@ void OutlineJson(JsonWriter& json, const FileOutline& outline) {
 void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
             Result& result) {
     bool found = false;
-    CodeSession code(request, files);
+    CodeSession code(request, files, &session);
     const auto outlineOf = [&](const std::string& file) {
         FileOutline outline{
             session.Shown(file), std::make_unique<OutlinedFile>(file, code.Base().DroppedWords()), {}};
@@ -122,7 +122,7 @@ void RunOutline(Run& run) {
 }
 
 constexpr std::span<const Option> options[] = {tableFileOptions, outputOptions, workspaceOptions,
-                                               missingOptions};
+                                               missingOptions, headerFolderOptions};
 
 } // namespace
 

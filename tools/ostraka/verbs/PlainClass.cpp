@@ -45,8 +45,9 @@ std::string TextOf(const FileFacts& facts, const Declared& declared) {
 
 } // namespace
 
-PlainClasses::PlainClasses(const Request& asked, const std::vector<std::string>& named)
-    : request(asked), paths(named), code(asked, named) {}
+PlainClasses::PlainClasses(const Request& asked, const Session& session,
+                           const std::vector<std::string>& named)
+    : request(asked), paths(named), code(asked, named, &session) {}
 
 ClassList PlainClasses::List(bool onlyNamed) {
     std::vector<int> files;

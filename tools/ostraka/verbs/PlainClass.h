@@ -17,7 +17,7 @@ namespace ostraka::tool {
 class PlainClasses {
 public:
     // The classes of these files, and of all others of the code base.
-    PlainClasses(const Request& asked, const std::vector<std::string>& paths);
+    PlainClasses(const Request& asked, const Session& session, const std::vector<std::string>& paths);
 
     // Shows the class whole, or the methods where `name` is one's, as Ship::Accept. False where there is
     // neither.

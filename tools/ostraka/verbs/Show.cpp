@@ -235,7 +235,7 @@ void Answer(const Request& request, const Session& session, const std::vector<st
             Result& result) {
     TAPDefClass* record = session.Table().GetClass(request.className.c_str());
     if (record == nullptr) {
-        if (!PlainClasses(request, files).Show(request.className, result))
+        if (!PlainClasses(request, session, files).Show(request.className, result))
             TellNoClass(session, request.className, result);
         return;
     }
@@ -259,8 +259,8 @@ void RunShow(Run& run) {
 constexpr Option operands[] = {
     {"CLASS", nullptr, "The class, or a method as Ship::Accept",
      Operand{[](Request& r, const std::string& name) { r.className = name; }, true}}};
-constexpr std::span<const Option> options[] = {operands, tableFileOptions, outputOptions, workspaceOptions,
-                                               missingOptions};
+constexpr std::span<const Option> options[] = {operands,         tableFileOptions,    outputOptions,
+                                               workspaceOptions, headerFolderOptions, missingOptions};
 
 } // namespace
 

@@ -7,9 +7,12 @@
 #include <fmt/format.h>
 
 #include <answers/resolve/IncludeGraph.h>
+#include <answers/resolve/LanguageHeaders.h>
 #include <ostraka/symbols/TAPSymbolTable.h>
 
 #include "cli/Inputs.h"
+#include "verbs/CodeSession.h"
+#include "verbs/MissingNote.h"
 #include "verbs/Session.h"
 
 namespace ostraka::tool {
@@ -43,14 +46,29 @@ std::vector<std::string> FilesOf(const std::vector<Input>& inputs) {
     return files;
 }
 
-void TellMissing(const Request& request, const Session& session, Result& result) {
-    if (request.missingOnly)
-        for (const MissingHeader& header : MissingHeaders(session.Table()))
+// What the table doesn't find may lie in the code base all the same, where no frameworks are.
+void TellMissing(const Request& request, const Session& session, const std::vector<std::string>& files,
+                 Result& result) {
+    const std::vector<MissingHeader> headers = MissingHeaders(session.Table());
+    if (headers.empty()) return;
+    CodeSession code(request, files, &session);
+    int missing = 0;
+    int ofLanguage = 0;
+    for (const MissingHeader& header : headers) {
+        const int file = code.Base().FileAt(header.file);
+        if (!code.Base().IsInFrameworks(file)) {
+            const bool isOfLanguage = IsLanguageHeader(header.name);
+            if (code.Base().FindInclude(file, header.name, isOfLanguage ? '<' : '"') >= 0) continue;
+            ofLanguage += isOfLanguage ? 1 : 0;
+            if (isOfLanguage) continue;
+        }
+        ++missing;
+        if (request.missingOnly)
             AppendMessage(result.err, session.Shown(header.file), header.place, "warning",
                           fmt::format("header {} not found", header.name), request.colorErrors);
-    if (const int count = CountMissingHeaders(session.Table()); count > 0)
-        result.Note(request, fmt::format("{} not found{}", Counted(count, "include"),
-                                         request.missingOnly ? "" : ", see --missing"));
+    }
+    if (const std::string note = MissingNote(missing, ofLanguage, request.missingOnly); !note.empty())
+        result.Note(request, note);
 }
 
 } // namespace
@@ -64,9 +82,10 @@ void AnswerFromTable(Run& run, AnswerTable answer) {
         run.console.ShowProgress(i + 1, inputs.size());
     }
     Result result;
-    answer(request, session, FilesOf(inputs), result);
+    const std::vector<std::string> files = FilesOf(inputs);
+    answer(request, session, files, result);
     session.TellFailures(result);
-    TellMissing(request, session, result);
+    TellMissing(request, session, files, result);
     result.files = session.FileCount();
     run.Show(result);
 }

@@ -162,9 +162,10 @@ constexpr std::string_view tagsHead = "!_TAG_FILE_FORMAT\t2\t/extended format/\n
                                       "!_TAG_PROGRAM_NAME\tostraka\t//\n"
                                       "!_TAG_PROGRAM_VERSION\t" OSTRAKA_VERSION "\t//\n";
 
-void Answer(const Request& request, const Session&, const std::vector<std::string>& files, Result& result) {
+void Answer(const Request& request, const Session& session, const std::vector<std::string>& files,
+            Result& result) {
     std::vector<std::string> tags;
-    CodeSession code(request, files);
+    CodeSession code(request, files, &session);
     for (const std::string& file : files) CollectTags(request, code, file, tags, result);
     std::sort(tags.begin(), tags.end());
     tags.erase(std::unique(tags.begin(), tags.end()), tags.end());
@@ -178,7 +179,7 @@ void RunTags(Run& run) {
 }
 
 constexpr std::span<const Option> options[] = {tableFileOptions, outputOptions, workspaceOptions,
-                                               missingOptions};
+                                               missingOptions, headerFolderOptions};
 constexpr Format formats[] = {Format::Tags};
 
 } // namespace

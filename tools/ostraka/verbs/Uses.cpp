@@ -92,6 +92,7 @@ void Members(JsonWriter& json, CodeSession& session, const std::string& asked,
 void Answer(const Request& request, const std::string& asked, Result& result) {
     const auto place = ParseFilePlace(asked);
     CodeSession session(request, {place ? place->file : std::string(".")});
+    session.TellFailures(result);
     UseSearch search(session.Base(), session.AllNames(), session.Ask());
     const std::vector<NamedPlace> declared = Declarations(session, search, asked);
     std::vector<Use> uses = search.Find(declared);
@@ -125,7 +126,7 @@ constexpr Option ownOptions[] = {{"--certain", nullptr, "Leave out what the name
                                   Flag{[](Request& r) { r.certainOnly = true; }}},
                                  {"--by", nullptr, "Count the uses in each file",
                                   Word{groupWords, [](Request& r, std::size_t) { r.byFile = true; }}}};
-constexpr std::span<const Option> options[] = {operands, ownOptions, workspaceOptions, headerFolderOptions,
+constexpr std::span<const Option> options[] = {operands, ownOptions, workspaceOptions, searchOptions,
                                                outputOptions};
 
 } // namespace
