@@ -168,7 +168,9 @@ void FactReader::AtStatement() {
         i += 2;
         return;
     }
-    if (!Declaration(Mode::Statement)) statementBegins = false;
+    if (Declaration(Mode::Statement)) return;
+    facts.faults.push_back({LexicalFault::Head, token.begin});
+    statementBegins = false;
 }
 
 // What stands before the members of a union, and of a value one by one: `case 1:`, `private long depth;`.

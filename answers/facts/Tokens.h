@@ -66,7 +66,12 @@ struct MacroFact {
 };
 
 // What can't be read, and costs only itself.
-enum class LexicalFault : std::uint8_t { Literal, Comment, Bracket };
+enum class LexicalFault : std::uint8_t {
+    Literal, // without its end
+    Comment,
+    Bracket, // without its partner
+    Head,    // of a statement outside of bodies that isn't told what it declares
+};
 
 struct FaultAt {
     LexicalFault fault;
