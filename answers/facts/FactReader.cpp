@@ -94,13 +94,13 @@ void FactReader::WalkToEnd() {
     while (i < tokens.Count()) {
         CloseContexts();
         if (i >= tokens.Count()) break;
+        if (!statementBegins) {
+            WithinStatement();
+            continue;
+        }
         const int before = i;
         const std::size_t depthBefore = contexts.size();
-        if (statementBegins) {
-            AtStatement();
-        } else {
-            WithinStatement();
-        }
+        AtStatement();
         // Whatever couldn't be read, the walk goes on.
         if (i <= before && statementBegins && contexts.size() <= depthBefore) {
             i = before;

@@ -86,6 +86,15 @@ class Hull {}
   -variable side: Side
   -class Inner forward
 )"},
+    {"a class behind a line that ends in a stray parenthesis", Dialect::Cpp, R"(a)
+class Tug { int power; };
+b)
+class)",
+     R"(class Tug {}
+  -variable power: int
+fault bracket 1:2
+fault bracket 3:2
+)"},
     {"lines of macros without semicolons", Dialect::Cpp, R"(NS_BEGIN
 FLAG OTHER_FLAG(x)
 class Ship : public Hull {

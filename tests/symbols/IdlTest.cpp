@@ -19,7 +19,7 @@ std::string Summary(const TAPSymbolTable& table, const TAPDefSource& source) {
     for (int i = 1; i <= source.classes.Size(); ++i) {
         const TAPDefClass& cls = *source.classes[i];
         line += std::string(cls.name) + ":" + (cls.parent != nullptr ? cls.parent : "") + " " +
-                std::to_string(cls.kind + cls.dispatch);
+                std::to_string(cls.kind) + (cls.dispatch != 0 ? "+" + std::to_string(cls.dispatch) : "");
         for (int j = 1; j <= cls.methods.Size(); ++j) {
             const TAPDefMethod& method = *cls.methods[j];
             line += std::string(" ") + method.returnedType + " " + method.name + "(";
@@ -27,7 +27,8 @@ std::string Summary(const TAPSymbolTable& table, const TAPDefSource& source) {
                 line += std::to_string(method.args[k]->direction) + " " + method.args[k]->type + " " +
                         method.args[k]->name + ";";
             line += ")";
-            EXPECT_EQ(method.binding * 10 + method.visibility, 130);
+            EXPECT_EQ(method.binding, TAPDefMethod::PureVirtual);
+            EXPECT_EQ(method.visibility, TAPDefEntity::Public);
         }
         line += ";";
     }
@@ -57,10 +58,10 @@ TEST(Idl, InterfacesWithTheirMethods) {
         {"interface IFoo {}; interface IFoo { void f(); }; class Foo { void f(); }; int g();",
          "IFoo|IFoo|IFoo||IFoo: 2;", ""},
         {"interface IDispatch: NUBBaseDispatch {}; interface IDispatch {}; interface IA: IDispatch {};",
-         "IA IDispatch|IA IDispatch|IA IDispatch||IDispatch:NUBBaseDispatch 22;IDispatch: 2;IA:IDispatch 2;",
+         "IA IDispatch|IA IDispatch|IA IDispatch||IDispatch:NUBBaseDispatch 2+20;IDispatch: 2;IA:IDispatch 2;",
          ""},
         {"interface IBase: NUBBaseDispatch {}; interface IFoo: IBase { long value; };",
-         "IBase IFoo|IBase IFoo|IBase IFoo||IBase:NUBBaseDispatch 22;IFoo:IBase 22;", ""},
+         "IBase IFoo|IBase IFoo|IBase IFoo||IBase:NUBBaseDispatch 2+20;IFoo:IBase 2+20;", ""},
         {"interface IFoo { void f(in long iA, long iX, in long iB);\n  void g(byval long iX); };",
          "IFoo|IFoo|IFoo||IFoo: 2 void f(100 long& iA;) void g(); refused 1:38 needs long iX; refused 2:11 "
          "begins "

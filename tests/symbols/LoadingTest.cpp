@@ -266,7 +266,8 @@ TEST_F(Loading, UnLoadAllFilesAndLoadAgainGiveTheSame) {
     EXPECT_EQ(everything(), "a.h||||||||||");
     Load("x.cpp");
     EXPECT_EQ(everything(), "a.h|f|A E T|KEY|A|E|T|a.h x.cpp|a.h x.cpp|A|");
-    EXPECT_EQ(table.keywords.size * 100 + table.basicTypes.size, 1819);
+    EXPECT_EQ(table.keywords.size, 18);
+    EXPECT_EQ(table.basicTypes.size, 19);
 }
 
 TEST_F(Loading, DroppedTreesLeaveTheRecords) {
@@ -324,7 +325,8 @@ TEST_F(Loading, ClassNamesByKind) {
     EXPECT_EQ(names[1], "C");
     table.GetClassNames(names, 6);
     ASSERT_EQ(names.Size(), 2);
-    EXPECT_EQ(names[1] + names[2], "AB");
+    EXPECT_EQ(names[1], "A");
+    EXPECT_EQ(names[2], "B");
 }
 
 // A subscriber that takes away what is being loaded leaves nothing behind, and nothing dangles.

@@ -54,8 +54,10 @@ TEST(Navigation, ComparesTexts) {
     EXPECT_LT(word->TestContent("abxd", -1), 0);
     EXPECT_EQ(word->TestContent(root->Child(3)->GetLastLeaf()), 0);
     EXPECT_EQ(word->TestContent(static_cast<TAPSyntaxe*>(nullptr)), 1);
-    EXPECT_EQ(word->StartWith("") + word->StartWith("ab") + word->EndWith("") + word->EndWith("cd"), 4);
-    EXPECT_EQ(word->StartWith("abcde") + word->EndWith("xabcd") + word->EndWith("ab"), 0);
+    for (const char* head : {"", "ab", "abcd"}) EXPECT_EQ(word->StartWith(head), 1) << head;
+    for (const char* tail : {"", "cd", "abcd"}) EXPECT_EQ(word->EndWith(tail), 1) << tail;
+    EXPECT_EQ(word->StartWith("abcde"), 0);
+    for (const char* tail : {"xabcd", "ab"}) EXPECT_EQ(word->EndWith(tail), 0) << tail;
     EXPECT_EQ(handle->IsHandler(), 1);
     EXPECT_EQ(word->IsHandler(), 1); // too short to be told
     EXPECT_EQ(root->Child(3)->IsHandler(), 0);
