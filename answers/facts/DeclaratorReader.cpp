@@ -418,7 +418,7 @@ bool FactReader::MacroStatement(const Chain& chain, int open) {
         EnterBody(Place::Block, past, function);
         return true;
     }
-    i = isBody ? PastBracket(past) : past;
+    i = isBody ? EndOfBody(past) + 1 : past;
     if (IsMark(i, ';')) ++i;
     statementBegins = true;
     return true;

@@ -122,10 +122,10 @@ void FactReader::CloseContexts() {
     }
 }
 
-// Without its partner a body goes as far as what it stands in.
+// Without a partner of its own a body goes as far as what it stands in.
 void FactReader::EnterBody(Place place, int open, int bodyScope, int declaration) {
     Context context{place, T(open).partner, scope};
-    context.isBraced = context.past >= 0;
+    context.isBraced = context.past >= 0 && context.past == EndOfBody(open);
     if (!context.isBraced) context.past = contexts.back().past;
     context.declaration = declaration;
     contexts.push_back(context);

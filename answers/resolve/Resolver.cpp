@@ -5,6 +5,7 @@
 #include <answers/resolve/Resolver.h>
 
 #include <algorithm>
+#include <unordered_set>
 #include <utility>
 
 namespace ostraka::answers {
@@ -232,7 +233,20 @@ Resolver::Found Resolver::LookInNamespace(std::string_view name, int entity, Wan
         const int child = names.ChildOf(entity, name);
         if (child != Names::none && IsNamed(child)) found.entity = child;
     }
-    if (!found.IsNone() || depth > deepest) return found;
+    const Search search{name, entity, wanted};
+    if (!found.IsNone() || depth > deepest || names.UsingsOf(entity).empty() ||
+        std::find(underWay.begin(), underWay.end(), search) != underWay.end())
+        return found;
+    underWay.push_back(search);
+    found = LookInUsed(search, depth);
+    underWay.pop_back();
+    return found;
+}
+
+// Each namespace once that usings of this one let in.
+Resolver::Found Resolver::LookInUsed(const Search& search, int depth) {
+    const auto [name, entity, wanted] = search;
+    std::unordered_set<std::string_view> met;
     for (const Names::UsingRef& ref : names.UsingsOf(entity)) {
         if (strict && !IsVisible({ref.file, 0})) continue;
         if (++work > mostWork) break;
@@ -244,15 +258,16 @@ Resolver::Found Resolver::LookInNamespace(std::string_view name, int entity, Wan
             if (colons == target.npos || target.substr(colons + 2) != name) continue;
             target = target.substr(0, colons);
         }
+        if (!met.insert(target).second) continue;
         Type owner;
         owner.entity = Names::global;
         if (!target.empty())
             owner = TypeFromText(target, {ref.file, each.scope, each.at}, nullptr, depth + 8);
         if (owner.entity == Names::none || owner.entity == entity) continue;
-        found = LookIn(name, owner, wanted, depth + 8);
+        Found found = LookIn(name, owner, wanted, depth + 8);
         if (!found.IsNone()) return found;
     }
-    return found;
+    return {};
 }
 
 Resolver::Found Resolver::LookIn(std::string_view name, const Type& owner, Wanted wanted, int depth) {

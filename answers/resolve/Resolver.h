@@ -78,6 +78,14 @@ private:
 
     enum class Wanted : std::uint8_t { Any, Types };
 
+    // Of a name in a namespace.
+    struct Search {
+        std::string_view name;
+        int entity;
+        Wanted wanted;
+        bool operator==(const Search&) const = default;
+    };
+
     struct Found {
         Refs refs;
         int entity = Names::none; // of a namespace, or of a class of which no declaration is at hand
@@ -111,6 +119,7 @@ private:
     bool LookInUsings(std::string_view name, const Where& where, int scope, Wanted wanted, Found& found,
                       int depth);
     Found LookInNamespace(std::string_view name, int entity, Wanted wanted, int depth);
+    Found LookInUsed(const Search& search, int depth);
     Found LookInClass(std::string_view name, const Type& owner, Wanted wanted, int depth);
     Found LookInLocalClass(std::string_view name, int scope, Wanted wanted, int depth);
     Found LookIn(std::string_view name, const Type& owner, Wanted wanted, int depth);
@@ -180,10 +189,11 @@ private:
     std::unordered_map<int, int> declaredAt; // by offset: the opened declaration whose name stands there
     std::unordered_map<std::string_view, std::vector<int>> locals; // by name: in bodies, and arguments
     std::unordered_map<int, std::vector<int>> localUsings;         // by scope
-    std::vector<int> visible; // by file: its place in the order of what is seen, from 1; 0 where it isn't
-    bool hasAllFiles = false; // whether all names of the code base are known
-    bool strict = true;       // whether only what is seen counts
-    int work = 0;             // steps since the question was asked
+    std::vector<int> visible;     // by file: its place in the order of what is seen, from 1; 0 where it isn't
+    bool hasAllFiles = false;     // whether all names of the code base are known
+    bool strict = true;           // whether only what is seen counts
+    int work = 0;                 // steps since the question was asked
+    std::vector<Search> underWay; // through the usings of namespaces, which may let in each other
     std::unordered_map<std::uint64_t, int> classesOfFunctions;
 };
 

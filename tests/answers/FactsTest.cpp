@@ -86,6 +86,23 @@ class Hull {}
   -variable side: Side
   -class Inner forward
 )"},
+    {"a body of a macro that nothing closes holds the rest", Dialect::Cpp, "v(;){ Tug tug;\nint depth;",
+     R"(  variable tug: Tug
+  variable depth: int
+call v(;)
+fault bracket 1:5
+)"},
+    {"a body ends with the one around it, where one brace closes both", Dialect::Cpp, R"(){
+ f()
+{
+ {
+}
+Tug after;)",
+     R"(variable after: Tug
+fault bracket 1:1
+fault bracket 1:2
+fault bracket 4:2
+)"},
     {"a class behind a line that ends in a stray parenthesis", Dialect::Cpp, R"(a)
 class Tug { int power; };
 b)

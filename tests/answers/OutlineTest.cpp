@@ -296,9 +296,11 @@ int Ship::z = 0;
 TIE_IShip(Ship);
 TIE_(Ship);
 TIE_IShip(Ship,3);
+TIE_ IShip(Ship);
 )",
          R"(1:7 class Ship | class Ship
 2:5 tie Ship::IShip in namespace | TIE_IShip(Ship)
+5:6 function IShip(Ship) | TIE_ IShip(Ship)
 )"},
         {"a loop and a call in a body tell nothing",
          R"(void Go() { int a; class B { int c; }; if (a) { int d; } }

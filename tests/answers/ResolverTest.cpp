@@ -222,6 +222,15 @@ void g() { a::b::^1^Ship s; short_name::^1^Ship t; s.^2^x; t.^2^x; a::b::^5^vers
 namespace a { void h() { b::^1^Ship s; b::^4^hidden; } namespace b { void i() { ^1^Ship s; ^3^Free(); ^4^hidden; c::^6^Only; } } }
 using namespace a; void j() { b::^1^Ship s; }
 )"},
+    {"namespaces that let in each other are left again", R"(
+namespace last { int @1@Found; } namespace a { } namespace b { } namespace c { }
+namespace a { using namespace b; using namespace c; } namespace a { using namespace b; using namespace c; }
+namespace a { using namespace b; using namespace c; } namespace a { using namespace b; using namespace c; }
+namespace b { using namespace a; using namespace c; } namespace b { using namespace a; using namespace c; }
+namespace b { using namespace a; using namespace c; } namespace b { using namespace a; using namespace c; }
+namespace c { using namespace a; using namespace b; } namespace c { using namespace a; using namespace b; }
+using namespace a; using namespace last; void f() { ^1^Found; }
+)"},
     {"of a declaration and its definition", R"(== ship.h
 class Ship; void @1@Moor(int); class @2@Tug; struct @3@Full; struct @4@Full { int @5@x; }; extern int @6@depth;
 class Quay { void @7@Open(); void @8@Close(int); };

@@ -58,7 +58,8 @@ TEST(Idl, InterfacesWithTheirMethods) {
         {"interface IFoo {}; interface IFoo { void f(); }; class Foo { void f(); }; int g();",
          "IFoo|IFoo|IFoo||IFoo: 2;", ""},
         {"interface IDispatch: NUBBaseDispatch {}; interface IDispatch {}; interface IA: IDispatch {};",
-         "IA IDispatch|IA IDispatch|IA IDispatch||IDispatch:NUBBaseDispatch 2+20;IDispatch: 2;IA:IDispatch 2;",
+         "IA IDispatch|IA IDispatch|IA IDispatch||IDispatch:NUBBaseDispatch 2+20;IDispatch: 2;IA:IDispatch "
+         "2;",
          ""},
         {"interface IBase: NUBBaseDispatch {}; interface IFoo: IBase { long value; };",
          "IBase IFoo|IBase IFoo|IBase IFoo||IBase:NUBBaseDispatch 2+20;IFoo:IBase 2+20;", ""},
