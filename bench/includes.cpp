@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "Measure.h"
 #include "support/MissingIncludes.h"
 
 namespace {
@@ -19,7 +20,6 @@ constexpr int counts[] = {125, 250, 500, 1000, 2000};
 constexpr int sizes = std::size(counts);
 constexpr int missing = 60;
 constexpr int trials = 7;
-constexpr double growthGoal = 2.3;
 constexpr double ratioGoal = 2.0;
 
 struct Row {
@@ -33,15 +33,6 @@ void Measure(Row& row, int trial) {
         const double taken = texts::SecondsToLoad(row.paths[i]);
         row.seconds[i] = trial == 0 ? taken : std::min(row.seconds[i], taken);
     }
-}
-
-bool Tell(const Row& row) {
-    double growth = 0;
-    for (int i = 1; i < sizes; ++i) growth = std::max(growth, row.seconds[i] / row.seconds[i - 1]);
-    std::printf("%-22s", row.name);
-    for (const double taken : row.seconds) std::printf(" %7.4f", taken);
-    std::printf("  x%.2f%s\n", growth, growth <= growthGoal ? "" : "  MISSED");
-    return growth <= growthGoal;
 }
 
 } // namespace
@@ -62,9 +53,9 @@ int main() {
         Measure(without, trial);
     }
     std::filesystem::remove_all(root);
-    std::printf("%-22s %39s  worst\n", "files", "seconds at 125, 250, 500, 1000 and 2000");
-    bool good = Tell(with);
-    good &= Tell(without);
+    std::printf("%-24s %39s  worst\n", "files", "seconds at 125, 250, 500, 1000 and 2000");
+    bool good = bench::TellGrowth(with.name, with.seconds);
+    good &= bench::TellGrowth(without.name, without.seconds);
     const double ratio = with.seconds[sizes - 1] / without.seconds[sizes - 1];
     std::printf("with to without %.2f, goal %.1f%s\n", ratio, ratioGoal,
                 ratio <= ratioGoal ? "" : "  MISSED");

@@ -7,6 +7,7 @@
 
 #include <answers/resolve/Resolver.h>
 
+#include "support/GrowingPlaces.h"
 #include "support/HostileTexts.h"
 #include "support/TemporaryFolder.h"
 
@@ -105,24 +106,11 @@ TEST(LinearFacts, CostNoMoreInLongTexts) {
 }
 
 // The last names of the text are asked for.
-const Shape questions[] = {
-    {"struct A{A*n;};void f(A*a){x=a", "->n", ";}"},
-    {"", "int g(U$ a);\n", "void f(T x){g(x);}"},
-    {"class A0{int m;};", "class A$1:A$,B{};", "void f(A*a){a->m;}"},
-    {"void f(){", "{using namespace b;", "x;", "}"},
-    {"", "namespace a$ { using namespace a; ", "int b=x;", "}"},
-    {"", "typedef T$ T$1;", "void f(){T1 t;t.m;}"},
-    {"void f(){int x;", "[x]{x;", "x;", "};"},
-    {"template<class T>class A{T m;};void f(A<", "A<", "int", ">a){a.m.m.m;}"},
-    {"void f(){auto a=1;", "auto a=a;", "a.b;}"},
-    {"void f(){x=", "(A*)(", "b", ")->c"},
-};
-
 TEST(LinearFacts, QuestionsCostNoMoreInLongTexts) {
-    for (const Shape& shape : questions) {
+    for (const texts::GrowingPlace& shape : texts::growingPlaces) {
         const auto seconds = [&](int count) {
             const TemporaryFolder folder;
-            std::ofstream("main.cpp") << TextOf(shape, count);
+            std::ofstream("main.cpp") << texts::TextOf(shape, count);
             CodeBase base({{folder.path}, {}});
             Names names(base);
             Resolver resolver(base, names);
@@ -135,8 +123,7 @@ TEST(LinearFacts, QuestionsCostNoMoreInLongTexts) {
                     resolver.Ask(resolver.Tokens()[i].begin);
             });
         };
-        EXPECT_LT(seconds(2 * repetitions), 2.6 * seconds(repetitions) + 2 * noise)
-            << shape.first << shape.unit;
+        EXPECT_LT(seconds(2 * repetitions), 2.6 * seconds(repetitions) + 2 * noise) << shape.name;
     }
 }
 

@@ -290,6 +290,8 @@ TEST(NodeAnswers, CostOneWalk) {
         const char* line;
     } const rows[] = {
         {"void Go(){for(int a1=0;;)", "for(int i$=0;;)", "use(^a1);}", "a1: int; variable 1:15; in Go"},
+        {"void Go(int a1){", "for(int i$=0;;)use(i$);", "use(^a1);}",
+         "a1: int; argument 1:9; in Go; argument 1 of 1"},
         {"void Go(int a1){if(a1)use(1);", "else if(a1)use($);", "else use(^a1);}",
          "a1: int; argument 1:9; in Go; argument 1 of 1"},
         {"class Ship{int a1;", "int b$;", "void Go(){use(^a1);}};",
