@@ -376,7 +376,8 @@ void FactReader::TemplateDeclaration() {
     const std::size_t declaredBefore = facts.declared.size();
     const int begin = i;
     const bool taken = Declaration(Mode::Statement);
-    const int closing = contexts.size() > depthBefore ? contexts[depthBefore].past : i;
+    const int closing = std::min(contexts.size() > depthBefore ? contexts[depthBefore].past : i,
+                                 LastIn(contexts[depthBefore - 1]));
     for (int each = firstOpened; each <= opened; ++each)
         facts.scopes[static_cast<std::size_t>(each)].past = PastOf(std::max(closing, begin));
     if (contexts.size() > depthBefore) {

@@ -138,6 +138,8 @@ private:
     int PastBracket(int open) const;
     // Its closing brace; without one the end of what the body stands in.
     int EndOfBody(int open) const;
+    // Where what it holds ends at the latest: with its closing brace, or the token before its end.
+    int LastIn(const Context& around) const;
     bool BeginsLine(int at) const;
     std::uint32_t IndentAt(int at) const;
     bool IsBuiltinType(int i) const;

@@ -376,9 +376,12 @@ int FactReader::PastBracket(int open) const {
 }
 
 int FactReader::EndOfBody(int open) const {
-    const Context& around = contexts.back();
-    const int last = around.isBraced || contexts.size() == 1 ? around.past : around.past - 1;
+    const int last = LastIn(contexts.back());
     return T(open).partner < 0 ? last : std::min(T(open).partner, last);
+}
+
+int FactReader::LastIn(const Context& around) const {
+    return around.isBraced || &around == &contexts.front() ? around.past : around.past - 1;
 }
 
 bool FactReader::BeginsLine(int at) const {

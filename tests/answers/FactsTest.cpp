@@ -103,6 +103,12 @@ fault bracket 1:1
 fault bracket 1:2
 fault bracket 4:2
 )"},
+    {"a template ends with what it stands in", Dialect::Cpp, "{{template<>class B<>{",
+     R"(    class<> B special {}
+fault bracket 1:1
+fault bracket 1:2
+fault bracket 1:22
+)"},
     {"a class behind a line that ends in a stray parenthesis", Dialect::Cpp, R"(a)
 class Tug { int power; };
 b)
