@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <poll.h>
 #include <system_error>
 #include <unistd.h>
@@ -48,6 +49,13 @@ bool WriteAll(int descriptor, const char* data, std::size_t size) {
         size -= static_cast<std::size_t>(count);
     }
     return true;
+}
+
+void WaitForBytes(int descriptor) {
+    pollfd waiting[] = {{descriptor, POLLIN, 0}, {STDOUT_FILENO, 0, 0}};
+    while (poll(waiting, std::size(waiting), -1) < 0 && errno == EINTR) {
+    }
+    if ((waiting[1].revents & POLLERR) != 0) EndUnwritable(EPIPE);
 }
 
 Console::Console(bool quiet)

@@ -13,6 +13,10 @@ namespace ostraka::tool {
 // Writes all of it, through interruptions. False, with the reason in `errno`, when the system refuses.
 bool WriteAll(int descriptor, const char* data, std::size_t size);
 
+// Until the descriptor has bytes to read, or no more of them. Ends the process quietly where the reader of
+// standard output goes away meanwhile.
+void WaitForBytes(int descriptor);
+
 class Console {
 public:
     explicit Console(bool quiet);

@@ -58,6 +58,7 @@ bool Send(int pipe, const Result& result) {
 
 bool ReadAll(int pipe, char* data, std::size_t size) {
     while (size > 0) {
+        WaitForBytes(pipe);
         const ssize_t count = read(pipe, data, size);
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return false;
