@@ -527,7 +527,7 @@ int FactReader::OpenScope(ScopeKind kind, int beginToken, int pastToken, int dec
     opened.parent = scope;
     opened.declaration = declaration;
     opened.begin = OffsetAt(beginToken);
-    opened.past = PastOf(pastToken);
+    opened.past = PastOf(std::max(beginToken, std::min(pastToken, LastIn(contexts.back()))));
     opened.firstDeclared = static_cast<std::int32_t>(facts.declared.size());
     facts.scopes.push_back(opened);
     const int index = static_cast<int>(facts.scopes.size()) - 1;

@@ -103,6 +103,17 @@ fault bracket 1:1
 fault bracket 1:2
 fault bracket 4:2
 )"},
+    {"a function whose statement ends behind what it stands in", Dialect::Cpp, R"(){
+ f()
+{
+ d l(i x);
+e f)",
+     R"(      function l(i x): d
+variable f: e
+fault bracket 1:1
+fault bracket 1:2
+fault bracket 3:1
+)"},
     {"a template ends with what it stands in", Dialect::Cpp, "{{template<>class B<>{",
      R"(    class<> B special {}
 fault bracket 1:1
