@@ -31,7 +31,7 @@ private:
         for (const MacroCall& each : facts.calls)
             text += "call " + std::string(each.name) + "(" + std::string(each.arguments) + ")\n";
         for (const FaultAt& each : facts.faults) {
-            constexpr const char* names[] = {"literal", "comment", "bracket"};
+            constexpr const char* names[] = {"literal", "comment", "bracket", "head"};
             const Place place = facts.PlaceOf(each.at);
             text += std::string("fault ") + names[static_cast<int>(each.fault)] + " " +
                     std::to_string(place.line) + ":" + std::to_string(place.column) + "\n";

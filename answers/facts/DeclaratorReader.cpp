@@ -142,9 +142,26 @@ bool FactReader::DeclarationFrom(Head head, int from, Mode mode) {
                 break;
             }
             if (InBlock() || mode != Mode::Statement) return false;
+            if (IsMark(past, ArrowMark)) { // `List(T*) -> List<T>;` guides deductions and declares nothing
+                i = SemicolonFrom(past, bound) + 1;
+                statementBegins = true;
+                return true;
+            }
             return MacroStatement(chain, chain.past) ||
                    FunctionDeclarator(head, chain, 0, chain.past, mode) ||
                    (i = past, statementBegins = true, true);
+        }
+        if (head.words > 0 && behind.Is('(') && mode == Mode::Statement && !InBlock()) {
+            if (HoldsDeclarator(chain.past, head.isTypedef)) { // `typedef API Ship (CALL *Make)(int)`
+                head.typeFirst = at;
+                head.typePast = at = chain.past;
+                break;
+            }
+            if (IsMacroLike(TextAt(chain.name)) &&
+                PastMacroAndName(chain.name) > 0) { // `Ship ALIGNED(16) all[2]`
+                at = PastBracket(chain.past);
+                continue;
+            }
         }
         if (head.words > 0 && !anotherWord && !behind.Is('*') && !behind.Is('&') && !behind.Is(AndAndMark))
             break;

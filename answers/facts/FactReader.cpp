@@ -163,14 +163,29 @@ void FactReader::AtStatement() {
         i += 2;
         return;
     }
-    if (token.IsName() && IsMark(i + 1, ';')) { // `DECLARE_CLASS;`
+    if (token.IsName() && (IsMark(i + 1, ';') || i + 1 >= contexts.back().past)) { // `DECLARE_CLASS;`
         facts.calls.push_back({facts.texts.Keep(TextAt(i)), {}, OffsetAt(i), scope});
-        i += 2;
+        i = std::min(i + 2, contexts.back().past);
+        return;
+    }
+    if (dialect == Dialect::Idl && TextAt(i) == "import" && T(i + 1).kind == TokenKind::Text) {
+        Import();
         return;
     }
     if (Declaration(Mode::Statement)) return;
-    facts.faults.push_back({LexicalFault::Head, token.begin});
     statementBegins = false;
+    if (!IsKey(i, Kw_static_assert) && !IsKey(i, Kw_asm) && !token.Is('#') && TextAt(i) != "catch")
+        facts.faults.push_back({LexicalFault::Head, token.begin});
+}
+
+// `import "IShip.idl";` is an include.
+void FactReader::Import() {
+    std::string_view name = TextAt(i + 1);
+    if (name.starts_with('"')) name.remove_prefix(1);
+    if (name.ends_with('"')) name.remove_suffix(1);
+    if (!name.empty()) facts.includes.push_back({facts.texts.Keep(name), OffsetAt(i + 1) + 1, '"'});
+    i += 2;
+    if (IsMark(i, ';')) ++i;
 }
 
 // What stands before the members of a union, and of a value one by one: `case 1:`, `private long depth;`.

@@ -94,6 +94,7 @@ private:
     void EnumDeclaration(Head head);
     bool ClassDeclaration(Head head);
     bool IdlStatement();
+    void Import();
     int ReadCoclass(int first, int past);
     int ReadBases(int from, int past, Access usual);
     void AfterBody(const Context& context);

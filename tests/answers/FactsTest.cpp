@@ -128,6 +128,9 @@ class)",
   -variable power: int
 fault bracket 1:2
 fault bracket 3:2
+fault head 1:1
+fault head 3:1
+fault head 4:1
 )"},
     {"lines of macros without semicolons", Dialect::Cpp, R"(NS_BEGIN
 FLAG OTHER_FLAG(x)
@@ -618,6 +621,8 @@ variable after: int
 fault bracket 4:17
 fault bracket 4:47
 fault bracket 5:14
+fault head 1:13
+fault head 4:11
 )"},
     {"open literals and comments", Dialect::Cpp, R"(int before; const char* s = "open
 int between; char c = 'x;

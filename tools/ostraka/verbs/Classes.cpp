@@ -92,6 +92,7 @@ public:
     }
 
     const ClassList& Classes() const { return classes; }
+    CodeSession& Code() { return code; }
 
     std::vector<Listed> Wanted() const {
         std::vector<Listed> found;
@@ -196,6 +197,7 @@ void Answer(const Request& request, const Session& session, const std::vector<st
         listing.Classes().Find(request.derivedFrom).empty())
         FindClass(session, request.derivedFrom, result);
     const std::vector<Listed> found = listing.Wanted();
+    listing.Code().TellHeads(files, result);
     if (found.empty()) TellNothingFound(request, files, result);
     if (request.format == Format::Text) {
         for (const Listed& listed : found) listing.PrintLine(listed, result.out);

@@ -7,6 +7,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include <fmt/format.h>
+
 #include "cli/CompileCommands.h"
 #include "formats/Text.h"
 #include "verbs/RootSettings.h"
@@ -96,6 +98,21 @@ const Session& CodeSession::Frameworks() {
         frameworks = ownSession.get();
     }
     return *frameworks;
+}
+
+void CodeSession::TellHeads(const std::vector<std::string>& paths, Result& result) {
+    std::int64_t count = 0;
+    std::string first;
+    for (const std::string& path : paths) {
+        const int file = FileAt(path);
+        const FileFacts& facts = base.FactsOf(file);
+        for (const FaultAt& fault : facts.faults)
+            if (fault.fault == LexicalFault::Head && ++count == 1)
+                first = PlaceText({}, Shown(base.PathOf(file)), facts.PlaceOf(fault.at));
+    }
+    if (count == 0) return;
+    const std::string what = Counted(count, "head") + (count == 1 ? " wasn't" : " weren't");
+    result.Note(request, fmt::format("{} understood, the first at {}", what, first));
 }
 
 int CodeSession::FileAt(const std::string& path) {

@@ -39,6 +39,9 @@ public:
     // The session whose table knows the frameworks.
     const Session& Frameworks();
 
+    // Says how many statements of the files weren't understood, and where the first is.
+    void TellHeads(const std::vector<std::string>& paths, Result& result);
+
     CodeBase& Base() { return base; }
     Names& AllNames() { return names; }
     Resolver& Ask() { return resolver; }

@@ -114,6 +114,7 @@ void Answer(const Request& request, const Session& session, const std::vector<st
                     [&](JsonWriter& json, const std::string& file) { OutlineJson(json, outlineOf(file)); });
         answer.Close();
     }
+    code.TellHeads(files, result);
     if (!found) ++result.notFound;
 }
 

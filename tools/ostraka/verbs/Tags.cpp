@@ -171,6 +171,7 @@ void Answer(const Request& request, const Session& session, const std::vector<st
     tags.erase(std::unique(tags.begin(), tags.end()), tags.end());
     result.out = tagsHead;
     for (const std::string& tag : tags) result.out += tag;
+    code.TellHeads(files, result);
     if (tags.empty()) ++result.notFound;
 }
 
