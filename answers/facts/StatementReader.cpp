@@ -56,7 +56,7 @@ void FactReader::AtBlockStatement() {
     case Kw_switch:
     case Kw_catch:
     case Kw_for: {
-        const int open = IsMark(i + 1, '(') ? i + 1 : i + 2;
+        const int open = IsWord(i + 1) ? i + 2 : i + 1; // `if constexpr (`
         if (IsMark(open, '(') && T(open).partner > 0)
             return ControlStatement(open, token.code == Kw_for || token.code == Kw_catch ? Mode::ForInit
                                                                                          : Mode::Condition);
@@ -528,6 +528,9 @@ int FactReader::OpenScope(ScopeKind kind, int beginToken, int pastToken, int dec
     opened.declaration = declaration;
     opened.begin = OffsetAt(beginToken);
     opened.past = PastOf(std::max(beginToken, std::min(pastToken, LastIn(contexts.back()))));
+    const Scope& around = facts.scopes[static_cast<std::size_t>(scope)];
+    if (around.kind != ScopeKind::Template) // a head gets its end behind what it is the head of
+        opened.past = std::max(std::min(opened.past, around.past), opened.begin);
     opened.firstDeclared = static_cast<std::int32_t>(facts.declared.size());
     facts.scopes.push_back(opened);
     const int index = static_cast<int>(facts.scopes.size()) - 1;

@@ -114,6 +114,10 @@ fault bracket 1:1
 fault bracket 1:2
 fault bracket 3:1
 )"},
+    {"what stands behind a macro of two words, as far in as it", Dialect::Cpp,
+     "Flag Set(x)\nShip* Make();\nvoid After();\n", R"(function Make(): Ship*
+function After(): void
+)"},
     {"a template ends with what it stands in", Dialect::Cpp, "{{template<>class B<>{",
      R"(    class<> B special {}
 fault bracket 1:1

@@ -222,6 +222,9 @@ void g() { a::b::^1^Ship s; short_name::^1^Ship t; s.^2^x; t.^2^x; a::b::^5^vers
 namespace a { void h() { b::^1^Ship s; b::^4^hidden; } namespace b { void i() { ^1^Ship s; ^3^Free(); ^4^hidden; c::^6^Only; } } }
 using namespace a; void j() { b::^1^Ship s; }
 )"},
+    {"an array that is named behind its class is one pointer",
+     R"(struct Berth { } row[12]; void @1@Take(Berth**); void @2@Take(Berth*); void f() { ^2^Take(row); }
+)"},
     {"namespaces that let in each other are left again", R"(
 namespace last { int @1@Found; } namespace a { } namespace b { } namespace c { }
 namespace a { using namespace b; using namespace c; } namespace a { using namespace b; using namespace c; }

@@ -134,6 +134,7 @@ TEST(OperatorSearch, EarlierFormTakesTheLeftmost) {
     }
     int length = 9;
     EXPECT_EQ(TAPExpression::SearchOperator_old(" (a+b", 1, 5, length), 0);
+    EXPECT_EQ(TAPExpression::SearchOperator_old(" +", 1, 1, length), 0);
     EXPECT_EQ(length, 9); // a delimiter without partner leaves it alone
 }
 
