@@ -537,6 +537,20 @@ void FactReader::EnumDeclaration(Head head) {
     AfterBody(closed);
 }
 
+// Behind the arguments of a template, which in a head can be nothing else: `<T, enable_if_t<a && b>>`; -1
+// where they don't end before the body.
+int FactReader::PastArgumentsOfHead(int open) const {
+    int angles = 0;
+    for (int at = open; at < contexts.back().past; ++at) {
+        const Token& token = T(at);
+        if (token.Is('{') || token.Is(';') || token.Is('}')) return -1;
+        if (token.Is('(') || token.Is('[')) at = PastBracket(at) - 1;
+        if (token.Is('<')) ++angles;
+        if (token.Is('>') && --angles == 0) return at + 1;
+    }
+    return -1;
+}
+
 // The name of a class is the last word before what ends its head, so that any words may stand before it.
 bool FactReader::ClassDeclaration(Head head) {
     const int keyword = i;
@@ -558,6 +572,7 @@ bool FactReader::ClassDeclaration(Head head) {
         if (dialect == Dialect::Idl && TextAt(at) == "supports") break;
         Chain next;
         if (!ReadChain(at, next)) break;
+        if (IsMark(next.past, '<')) next.past = std::max(next.past, PastArgumentsOfHead(next.past));
         if (IsMark(next.past, '(') && !IsMark(next.past + 1, '*')) { // a macro with arguments
             const int behind = PastBracket(next.past);
             if (!IsName(behind) && !IsMark(behind, '{') && !IsMark(behind, ':')) break;

@@ -123,6 +123,7 @@ private:
     bool ReadChain(int from, Chain& chain) const;
     int PastOperator(int keyword, bool& isConversion) const;
     int PastAngles(int open) const;
+    int PastArgumentsOfHead(int open) const;
     int PastTypeMacro(int at) const;
     int PastMacroAndName(int at) const;
     int PastMemberMarks(int from) const;

@@ -287,7 +287,9 @@ private:
         entry.hasBody = declared.kind == FactKind::Function && declared.Has(HasBody);
         entry.place = facts.PlaceOf(tokens[first].begin);
         std::uint32_t at = declared.at;
-        if (entry.name.starts_with('~') && at > 0 && tokens.Source()[at - 1] == '~') --at;
+        if (const int name = TokenFrom(at);
+            entry.name.starts_with('~') && name > 0 && tokens[name - 1].Is('~'))
+            at = tokens[name - 1].begin;
         entry.namePlace = facts.PlaceOf(at);
         entry.depth = around.depth;
         entry.access = declared.access;

@@ -433,7 +433,9 @@ std::vector<PlaceAnswer> Resolver::MacroAnswers(std::string_view name) {
         answer.isCertain = true;
         answer.name = macro.name;
         answer.type = macro.value;
-        if (answers.empty()) answers.push_back(answer);
+        // Of several in one file, in the branches of an `#if`, nobody knows which one holds.
+        if (answers.empty() || (answers.front().file == ref.file && answers.size() < mostAnswers))
+            answers.push_back(answer);
     }
     return answers;
 }

@@ -95,6 +95,36 @@ bool UseSearch::IsOverloadOf(const DeclarationRef& a, const DeclarationRef& b) {
     return typesOf(a) != typesOf(b);
 }
 
+// Whether two declarations of one whole name in several files are of two things, as in programs that lie side
+// by side: each with a body of its own, or known to its own file alone.
+bool UseSearch::IsOfAnother(const DeclarationRef& a, const DeclarationRef& b, int entity) {
+    if (a.file == b.file) return false;
+    const auto declaredAt = [this](const DeclarationRef& ref) -> const Declared& {
+        return base.FactsOf(ref.file).declared[static_cast<std::size_t>(ref.index)];
+    };
+    const auto isInBody = [&](const DeclarationRef& ref) {
+        const Scope& scope = base.FactsOf(ref.file).scopes[static_cast<std::size_t>(declaredAt(ref).scope)];
+        const bool isPart = scope.kind == ScopeKind::Class || scope.kind == ScopeKind::Enum;
+        return isPart && declaredAt(ref).qualifier.empty();
+    };
+    const Declared& one = declaredAt(a);
+    const Declared& other = declaredAt(b);
+    if (one.Has(HasBody) && other.Has(HasBody) && one.kind != FactKind::Namespace) return true;
+    if (one.kind == FactKind::Typedef && other.kind == FactKind::Typedef) return true;
+    if (isInBody(a) && isInBody(b)) return true;
+    if (isInBody(a) != isInBody(b)) {
+        if (names.DefinitionsOf(entity).size() < 2) return false;
+        const int outside = isInBody(a) ? b.file : a.file;
+        const std::vector<int> seen = base.SeenFrom(outside);
+        return std::find(seen.begin(), seen.end(), isInBody(a) ? a.file : b.file) == seen.end();
+    }
+    if (!one.qualifier.empty() || !other.qualifier.empty()) return false;
+    if (one.kind == FactKind::Variable && !one.Has(IsExtern) && !other.Has(IsExtern)) return true;
+    const bool isOfFile = (one.Has(IsStatic) && IsCompiledPath(base.PathOf(a.file))) ||
+                          (other.Has(IsStatic) && IsCompiledPath(base.PathOf(b.file)));
+    return isOfFile && (one.kind == FactKind::Variable || one.kind == FactKind::Function);
+}
+
 std::vector<NamedPlace> UseSearch::AllOf(const PlaceAnswer& answer) {
     std::vector<NamedPlace> places = {{answer.file, answer.at}};
     if (answer.isMacro) return places;
@@ -120,6 +150,7 @@ std::vector<NamedPlace> UseSearch::AllOf(const PlaceAnswer& answer) {
         const Declared& declared = base.FactsOf(ref.file).declared[static_cast<std::size_t>(ref.index)];
         if (isFunction != (declared.kind == FactKind::Function)) continue;
         if (isFunction && all.size() > 2 && IsOverloadOf(meant, ref)) continue;
+        if (IsOfAnother(meant, ref, entity)) continue;
         places.push_back({ref.file, declared.at});
     }
     return places;
@@ -169,18 +200,19 @@ void UseSearch::FindIn(int file, std::string_view name, const std::vector<NamedP
         const std::uint32_t at = tokens[i].begin;
         const std::vector<PlaceAnswer> answers = resolver.Ask(at);
         bool isMeant = false;
-        bool isCertain = true;
+        bool isCertain = true; // all that the place may mean is
         for (const PlaceAnswer& answer : answers) {
-            isMeant = isMeant ||
-                      std::binary_search(wanted.begin(), wanted.end(), NamedPlace{answer.file, answer.at});
-            isCertain = isCertain && answer.isCertain;
+            const bool isWanted =
+                std::binary_search(wanted.begin(), wanted.end(), NamedPlace{answer.file, answer.at});
+            isMeant = isMeant || isWanted;
+            isCertain = isCertain && answer.isCertain && isWanted;
         }
         if (!isMeant && !answers.empty()) continue;
         Use use;
         use.file = file;
         use.at = at;
         use.place = resolver.Opened().PlaceOf(at);
-        use.isCertain = isMeant && isCertain && answers.size() == 1;
+        use.isCertain = isMeant && isCertain;
         const bool declares = std::binary_search(wanted.begin(), wanted.end(), NamedPlace{file, at});
         const bool isType = isMeant && answers.front().kind <= FactKind::Typedef &&
                             !answers.front().isMacro && answers.front().kind != FactKind::Enumerator;

@@ -52,6 +52,7 @@ private:
     std::vector<NamedPlace> AllOf(const PlaceAnswer& answer);
     void FindIn(int file, std::string_view name, const std::vector<NamedPlace>& wanted,
                 std::vector<Use>& uses);
+    bool IsOfAnother(const DeclarationRef& a, const DeclarationRef& b, int entity);
     bool IsOverloadOf(const DeclarationRef& a, const DeclarationRef& b);
 
     CodeBase& base;

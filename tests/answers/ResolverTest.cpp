@@ -195,6 +195,13 @@ void f(Ship& ship, Tug* tug, const Ship& fixed, Unknown what) {
   ^5^Free(1.5); ^6^Free(1, 2); ^7^Free(ship); fixed.^d^At(); ship.^e^At();
 }
 )"},
+    {"a macro of several branches is each of its definitions", R"(#if defined(ONE)
+#define @1@CALL one
+#elif defined(TWO)
+#define @2@CALL two
+#endif
+int f() { return ^1 2^CALL; }
+)"},
     {"static members, enumerators, nested names, macros", R"(#define @m@LIMIT 3
 #define @n@TWICE(x) ((x) * 2)
 enum Tide { @1@Low, High }; enum class @s@Side { @2@Port, Starboard };
@@ -352,6 +359,30 @@ struct Ship { void @declaration@Go(int); }; struct Tug { void Go(); }; struct De
     {"a local hides the variable of the file", "depth", R"(== main.cpp
 int @declaration@depth = 1; int f() { int x = @read@depth; { int depth = 2; x += depth; } struct S { int depth; } s; s.depth = @read@depth; return ::@read@depth; }
 )"},
+    {"programs side by side have each their own", "", R"(== one/main.cpp
+struct StrX { char* @declaration@form; char* Text(); }; char* StrX::Text() { return @read@form; } char First(StrX& s) { return s.@read@form[0]; }
+== two/main.cpp
+<< strx.h
+char* StrX::Text() { return form; } char Last(StrX& s) { return s.form[1]; }
+== two/strx.h
+struct StrX { char* form; char* Text(); };
+)"},
+    {"what a file keeps for itself", "", R"(== one.cpp
+typedef List<int> @declaration@Clean; @type@Clean all;
+== two.cpp
+typedef List<char> Clean; Clean all; struct Tug { Clean all; };
+)"},
+    {"a body elsewhere belongs to the class that it sees", "", R"(== one/strx.cpp
+<< strx.h
+void StrX::@declaration@Go() { } void f(StrX& s) { s.@call@Go(); }
+== one/strx.h
+struct StrX { void @declaration@Go(); };
+== two/strx.cpp
+<< strx.h
+void StrX::Go() { } void g(StrX& s) { s.Go(); }
+== two/strx.h
+struct StrX { void Go(); };
+)"},
     {"enumerators and macros are told apart by their scope", "Side::Port", R"(== main.cpp
 enum class Side { @declaration@Port }; enum Other { Port }; int a = Port; Side s = Side::@read@Port;
 )"},
@@ -362,7 +393,12 @@ TEST(Uses, OfWhatANameDeclares) {
         Asked asked(row.text);
         UseSearch search(*asked.base, *asked.names, *asked.resolver);
         std::string found;
-        for (const Use& use : search.Find(search.DeclarationsOf(row.name)))
+        // Without a name what the first mark declares is meant.
+        const Mark& first = asked.files.targets.front();
+        const auto meant = *row.name == 0
+                               ? search.MeantAt(asked.base->FileAt(asked.files.PathOf(first.file)), first.at)
+                               : search.DeclarationsOf(row.name);
+        for (const Use& use : search.Find(meant))
             found += asked.base->PathOf(use.file).substr(asked.files.PathOf("").size()) + " " +
                      std::to_string(use.at) + " " + std::string(NameOf(use.part)) +
                      (use.isCertain ? "" : "?") + "\n";
