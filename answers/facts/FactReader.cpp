@@ -393,8 +393,13 @@ void FactReader::TemplateDeclaration() {
     const bool taken = Declaration(Mode::Statement);
     const int closing = std::min(contexts.size() > depthBefore ? contexts[depthBefore].past : i,
                                  LastIn(contexts[depthBefore - 1]));
+    std::uint32_t past = PastOf(std::max(closing, begin));
+    for (std::size_t each = static_cast<std::size_t>(opened) + 1; each < facts.scopes.size(); ++each)
+        past = std::max(past, facts.scopes[each].past); // arguments that no bracket closes
+    if (facts.scopes[static_cast<std::size_t>(outer)].kind != ScopeKind::Template)
+        past = std::min(past, facts.scopes[static_cast<std::size_t>(outer)].past);
     for (int each = firstOpened; each <= opened; ++each)
-        facts.scopes[static_cast<std::size_t>(each)].past = PastOf(std::max(closing, begin));
+        facts.scopes[static_cast<std::size_t>(each)].past = past;
     if (contexts.size() > depthBefore) {
         contexts[depthBefore].scope = outer;
     } else {

@@ -110,7 +110,7 @@ bool UseSearch::IsOfAnother(const DeclarationRef& a, const DeclarationRef& b, in
     const Declared& one = declaredAt(a);
     const Declared& other = declaredAt(b);
     if (one.Has(HasBody) && other.Has(HasBody) && one.kind != FactKind::Namespace) return true;
-    if (one.kind == FactKind::Typedef && other.kind == FactKind::Typedef) return true;
+    if (one.kind == FactKind::Typedef && other.kind == FactKind::Typedef) return one.type != other.type;
     if (isInBody(a) && isInBody(b)) return true;
     if (isInBody(a) != isInBody(b)) {
         if (names.DefinitionsOf(entity).size() < 2) return false;
